@@ -1,0 +1,74 @@
+// The serial port as the LocoNet link sees it: one port with the switches of a classic port control.
+//
+// Two implementations stand behind it: the real port (platform/qt) and the simulated bus (sim/).
+// All calls are made on the one thread of the program; none of them waits.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class SerialPort
+{
+public:
+    enum class Handshake { None, RtsCts };
+
+    virtual ~SerialPort() = default;
+
+    /// Which device open() uses: the text as the user typed it (see PortDevice in platform/port_name.h).
+    /// Takes effect at the next open().
+    virtual void setPortName(const QString &portText) = 0;
+
+    /// Line settings as "baud,parity,data bits,stop bits", for example "115200,n,8,1".
+    /// Takes effect at once on an open port, otherwise at the next open().
+    virtual void setSettings(const QString &settings) = 0;
+
+    /// Opens the device. False when it does not exist, is in use or refuses the line settings; the port stays
+    /// closed then. Bytes that waited in the device before are discarded. Lines that the device does not have
+    /// (modem lines of a pseudo-terminal) are no failure.
+    virtual bool open() = 0;
+
+    /// Closes the device; no effect on a closed port.
+    virtual void close() = 0;
+    [[nodiscard]] virtual bool isOpen() const = 0;
+
+    virtual void setHandshake(Handshake handshake) = 0;
+    virtual void setDtr(bool on) = 0;
+    virtual void setRts(bool on) = 0;
+    virtual void setBreak(bool on) = 0;
+
+    /// State of the CTS line; true where the device has no such line, so that sending is never blocked for good.
+    [[nodiscard]] virtual bool cts() const = 0;
+
+    /// Reading stops at this many bytes for one read(); 0 = all that wait.
+    virtual void setInputLength(int bytes) = 0;
+    virtual void setInputBufferSize(int bytes) = 0;
+    virtual void setOutputBufferSize(int bytes) = 0;
+
+    /// Received bytes that raise the receive event: 0 = never, 1 = every byte.
+    virtual void setReceiveThreshold(int bytes) = 0;
+
+    /// Discards what was written and has not left the PC yet.
+    virtual void discardOutput() = 0;
+
+    /// Number of received bytes that wait.
+    [[nodiscard]] virtual int bytesWaiting() const = 0;
+
+    /// Takes waiting bytes, at most the input length. Empty when nothing waits or the port is closed.
+    virtual QByteArray read() = 0;
+
+    /// Hands the bytes to the device; ignored on a closed port.
+    virtual void write(const QByteArray &bytes) = 0;
+
+    /// Names of the ports that this machine has now; offered where the user types a port.
+    [[nodiscard]] virtual QStringList availablePorts() const { return {}; }
+
+    /// Called when characters have been received. The handler must drain the port and must not wait.
+    std::function<void()> onReceive;
+
+    /// Called once when the device vanished while it was open (pulled adapter, closed pseudo-terminal). It is
+    /// called from the event loop, outside the device's own handlers; the port is closed when it runs.
+    std::function<void()> onHangUp;
+};

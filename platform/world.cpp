@@ -1,0 +1,29 @@
+#include "platform/world.h"
+
+namespace
+{
+World installed;
+}
+
+void InstallWorld(const World &world)
+{
+    installed = world;
+}
+
+Events &TheEvents()
+{
+    Q_ASSERT(installed.events != nullptr);
+    return *installed.events;
+}
+
+SerialPort &Comm()
+{
+    Q_ASSERT(installed.comm != nullptr);
+    return *installed.comm;
+}
+
+Frontend &TheFrontend()
+{
+    Q_ASSERT(installed.frontend != nullptr);
+    return *installed.frontend;
+}
