@@ -1,0 +1,87 @@
+#include "link/text_encoding.h"
+
+#include "platform/text.h"
+
+std::array<QChar, 256> Zeichensatz;
+
+namespace
+{
+
+QString DefinedCharacters()
+{
+    return QStringLiteral("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÜ +-.:/=_?<>^|]");
+}
+
+QString ForeignCharacters()
+{
+    return QStringLiteral("ß-.,()<>_:+*/#!");
+}
+
+QString SubstituteCharacters()
+{
+    return QStringLiteral("S-..  <>_:+./+.");
+}
+
+bool IsInSet(QChar c)
+{
+    return CharCode(QString(c)) != BlankCode || c == u' ';
+}
+
+QString AdaptCharacter(QChar c)
+{
+    const qsizetype foreign = ForeignCharacters().indexOf(c);
+    if (foreign >= 0) {
+        const QChar substitute = SubstituteCharacters().at(foreign);
+        return substitute == u'S' ? QStringLiteral("SS") : QString(substitute);
+    }
+    return IsInSet(c) ? QString(c) : QStringLiteral(" ");
+}
+
+} // namespace
+
+void BuildZeichensatz()
+{
+    const QString defined = DefinedCharacters();
+    Q_ASSERT(defined.size() == ZeichensatzLast + 1);
+    Zeichensatz.fill(FillerCharacter);
+    for (int code = 0; code <= ZeichensatzLast; ++code)
+        Zeichensatz.at(static_cast<size_t>(code)) = defined.at(code);
+}
+
+int CharCode(const QString &character)
+{
+    if (character.isEmpty())
+        return BlankCode;
+    for (int code = 0; code <= ZeichensatzLast; ++code) {
+        if (Zeichensatz.at(static_cast<size_t>(code)) == character.at(0))
+            return code;
+    }
+    return BlankCode;
+}
+
+void EncodeName(const QString &text, std::span<int> codes, int start, int length)
+{
+    const QString padded = UpperLatin1(text).leftJustified(length, u' ', true);
+    for (int i = 0; i < length; ++i) {
+        Q_ASSERT(static_cast<size_t>(start + i) < codes.size());
+        codes[static_cast<size_t>(start + i)] = CharCode(padded.at(i));
+    }
+}
+
+QString DecodeName(std::span<const int> codes, int start, int count)
+{
+    QString text;
+    for (int i = start; i < start + count; ++i) {
+        Q_ASSERT(static_cast<size_t>(i) < codes.size());
+        text += Zeichensatz.at(static_cast<size_t>(codes[static_cast<size_t>(i)]));
+    }
+    return text;
+}
+
+QString AdaptName(const QString &text)
+{
+    QString adapted;
+    for (const QChar c : UpperLatin1(text))
+        adapted += AdaptCharacter(c);
+    return adapted;
+}

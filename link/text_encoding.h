@@ -1,0 +1,34 @@
+// The handheld's character set of 53 characters and the conversions between it and Latin-1 texts.
+//
+// Codes: 0-9 "0".."9", 10-35 "A".."Z", 36-38 "Ä" "Ö" "Ü", 39 blank, 40 "+", 41 "-", 42 ".", 43 ":", 44 "/",
+// 45 "=", 46 "_", 47 "?", 48 "<", 49 ">", 50 "^", 51 "|", 52 "]"; 53-255 are undefined and show as U+00FF.
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <span>
+
+constexpr int ZeichensatzLast = 52; // highest defined code
+constexpr int BlankCode = 39;
+constexpr QChar FillerCharacter(u'\u00FF'); // shown for every undefined code
+
+/// Character of each code 0..255. Built once by BuildZeichensatz() at start-up, then only read.
+extern std::array<QChar, 256> Zeichensatz;
+
+void BuildZeichensatz();
+
+/// Code of a one-character text. Exact comparison (lower-case letters are not in the set); a character outside
+/// the set, and an empty text, give the blank's code.
+int CharCode(const QString &character);
+
+/// Writes exactly `length` codes of the upper-cased text to codes[start ...]; short texts are filled with blanks,
+/// further characters are dropped.
+void EncodeName(const QString &text, std::span<int> codes, int start, int length);
+
+/// Text of `count` codes from index start; trailing blanks are kept.
+QString DecodeName(std::span<const int> codes, int start, int count);
+
+/// A foreign text rewritten in characters of the set: upper case, sharp s as SS, similar punctuation, blanks for
+/// all that the handheld cannot show. May be longer than the text.
+QString AdaptName(const QString &text);
