@@ -1,0 +1,34 @@
+#include "sim/demo_port.h"
+
+#include "sim/demo_content.h"
+
+#include <utility>
+
+namespace sim
+{
+namespace
+{
+
+const QLatin1String DirectSpeed("115200,");
+
+}
+
+DemoPort::DemoPort(Events &clock, QString imageFile) : SimPort(clock), image(std::move(imageFile))
+{
+    layout().bus.keepLog = false;
+}
+
+void DemoPort::prepareOpen(const QString &settings)
+{
+    if (!filled) {
+        filled = true;
+        FillDemoContent(layout().handheld.flash);
+        layout().handheld.flash.keepIn(image);
+    }
+    const bool direct = settings.startsWith(DirectSpeed);
+    const InterfaceKind wanted = direct ? InterfaceKind::Direct : InterfaceKind::TextPrompt;
+    if (layout().adapter.kind() != wanted)
+        layout().adapter.setKind(wanted);
+}
+
+} // namespace sim

@@ -1,0 +1,82 @@
+// Faults of the simulated world, switched on from outside. Nothing goes wrong unless asked for, and the same seed
+// gives the same run again.
+#pragma once
+
+#include <QtGlobal>
+
+#include <random>
+
+namespace sim
+{
+
+/// One kind of fault: strikes at the nth occasion (1 = the next one, 0 = never) and at each occasion with the given
+/// probability (0..1). `seen` counts the occasions since the faults were set.
+struct Fault {
+    int nth = 0;
+    double probability = 0;
+    int seen = 0;
+};
+
+struct Faults {
+    quint32 seed = 1;
+
+    // Occasion: a byte on its way from the interface to the PC.
+    Fault lostByte;
+    Fault changedByte; // one bit of it
+    Fault doubledByte;
+    Fault lateByte; // it and all that follow come lateUs later
+    qint64 lateUs = 30'000;
+
+    // Occasion: a message that the PC sends.
+    Fault lostEcho;    // the message is on the bus, but does not come back to the PC
+    Fault changedEcho; // one bit of it; the devices get the message unchanged
+    Fault tornEcho;    // a pause of tearUs in the middle of it
+    qint64 tearUs = 300'000;
+    Fault foreignBeforeEcho; // foreign messages come before the echo
+    Fault foreignAfterEcho;  // foreign messages come between the echo and the answer
+    int foreignCount = 3;
+    Fault hangUp; // the interface vanishes when this message is written
+
+    // Occasion: a long acknowledge of the handheld.
+    Fault lostAck;
+    Fault otherAck; // it carries otherAckCode instead of the usual code
+    quint8 otherAckCode = 0x00;
+
+    // Occasion: a page program of the dataflash. The page is left half programmed, the handheld is dead afterwards.
+    Fault powerCut;
+
+    // Occasion: a byte that the PC writes to the interface with the text prompt. CTS goes off for ctsOffUs after it,
+    // and bytes written meanwhile are lost.
+    Fault ctsOff;
+    qint64 ctsOffUs = 1'000'000;
+};
+
+/// The switched faults with their dice.
+class FaultBox
+{
+public:
+    Faults faults;
+
+    /// Replaces all faults; their occasions count anew.
+    void set(const Faults &wanted)
+    {
+        faults = wanted;
+        dice.seed(wanted.seed);
+    }
+
+    /// One occasion of this fault: does it happen?
+    bool strikes(Fault &fault)
+    {
+        ++fault.seen;
+        return fault.seen == fault.nth || (fault.probability > 0 && dice() < fault.probability * DiceRange);
+    }
+
+    /// 0 <= number < count.
+    int number(int count) { return static_cast<int>(dice() % static_cast<unsigned>(count)); }
+
+private:
+    static constexpr double DiceRange = 4294967296.0;
+    std::mt19937 dice{1};
+};
+
+} // namespace sim
