@@ -1,0 +1,19 @@
+// Small helpers with which the windows build their controls: every control gets its agreed name.
+#pragma once
+
+#include <QString>
+
+class PictureBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QWidget;
+
+QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent);
+QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent);
+
+/// A text field that screen readers announce by its label.
+QLineEdit *NamedField(const QString &name, const QString &accessibleName, QWidget *parent);
+
+/// A picture box of a fixed size in logical pixels: a framed white area that shows one picture.
+PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int width, int height, QWidget *parent);

@@ -1,0 +1,78 @@
+#include "ui/menu_bar.h"
+
+#include "link/branding.h"
+
+#include <QAction>
+#include <QKeySequence>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <vector>
+
+namespace
+{
+
+struct Item {
+    const char *name;
+    QString caption;
+    QKeySequence shortcut = {};
+};
+
+struct Menu {
+    const char *name;
+    QString caption;
+    std::vector<Item> items;
+};
+
+std::vector<Menu> Menus()
+{
+    return {
+        {"datei_menu", QStringLiteral("Datei"),
+            {{"datenlesen_menu", QStringLiteral("Daten eines Handreglers sichern")},
+                {"datenanzeigen_menu", QStringLiteral("Datensicherung (Lokdatensätze) anzeigen")},
+                {"datenschreiben_menu", QStringLiteral("Datensicherung zurückschreiben")},
+                {"ende_menu", QStringLiteral("Beenden"), QKeySequence(Qt::CTRL | Qt::Key_Q)}}},
+        {"Opt_menu", TheBranding().productLabel,
+            {{"Opt_VeskaNormalModus", QStringLiteral("zurück in den Bedienmodus")},
+                {"Opt_clear_all_loco", QStringLiteral("alle Lokdatensätze löschen")},
+                {"optstrich", QStringLiteral("-----------------------------")},
+                {"Opt_abschalt", QStringLiteral("Abschaltzeit korrigieren")},
+                {"Opt_Fktsym", QStringLiteral("Funktionssymbole korrigieren")}}},
+        {"MagFsMenu", QStringLiteral("Mag.Art. und Fahrstr."),
+            {{"MagSymMenu", QStringLiteral("Mag.Art. Symbole zuordnen")},
+                {"MagListeMenu", QStringLiteral("Mag.Art. Liste ändern")},
+                {"FSMenu", QStringLiteral("Fahrstraßendaten ändern")},
+                {"StartBildMenu", QStringLiteral("Startbild ändern")}}},
+        {"OV_Menu", QStringLiteral("Zentralen"),
+            {{"ZentraleMenu", QStringLiteral("Zentrale auswählen")},
+                {"LokDataMenu", TheBranding().lokDataMenuCaption}}},
+        {"info_menu", QStringLiteral("Info"),
+            {{"zeichen_menu", QStringLiteral("Zeichensatz")},
+                {"help_menu", QStringLiteral("Hilfe"), QKeySequence(Qt::Key_F1)},
+                {"proginfo_menu", QStringLiteral("Programminfo")}}},
+    };
+}
+
+void AddItem(QMenu *menu, const Item &item, const MenuActions &actions)
+{
+    QAction *action = menu->addAction(item.caption);
+    action->setObjectName(QLatin1String(item.name));
+    action->setShortcut(item.shortcut);
+    action->setMenuRole(QAction::NoRole);
+    const auto found = actions.find(action->objectName());
+    if (found != actions.end())
+        QObject::connect(action, &QAction::triggered, action, found->second);
+}
+
+} // namespace
+
+void BuildMenuBar(QMainWindow *window, const MenuActions &actions)
+{
+    for (const Menu &menu : Menus()) {
+        QMenu *widget = window->menuBar()->addMenu(menu.caption);
+        widget->setObjectName(QLatin1String(menu.name));
+        for (const Item &item : menu.items)
+            AddItem(widget, item, actions);
+    }
+}

@@ -1,0 +1,20 @@
+// The commands of the options menu, with their questions.
+#pragma once
+
+/// "zurück in den Bedienmodus": only when a handheld is in service.
+void ReturnToOperatingMode();
+
+/// "alle Lokdatensätze löschen": question, connection guard, the job over all records.
+void AskAndClearAllLocoRecords();
+
+/// "Abschaltzeit korrigieren": connection guard, question, the change.
+void AskAndClearSwitchOffTime();
+
+/// "Funktionssymbole korrigieren": connection guard, question, the reset of the symbols 164 to 255.
+void AskAndResetFktSymbols();
+
+/// "Startbild ändern": reads the start image, opens the pixel editor on it, asks, writes it back.
+void EditStartImage();
+
+/// "Programminfo".
+void ShowProgramInfo();

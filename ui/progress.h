@@ -1,0 +1,16 @@
+// Shows a text in the progress window while it lives.
+#pragma once
+
+#include "platform/world.h"
+
+class Progress
+{
+public:
+    explicit Progress(const QString &text) { TheFrontend().showProgress(text); }
+    ~Progress() { TheFrontend().hideProgress(); }
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+};
+
+/// Pause after most operations, so that their progress text can be read.
+constexpr double StandardDelaySeconds = 0.5;
