@@ -1,0 +1,59 @@
+// Puts the program together: platform, link, windows, and the simulated handheld behind the port named "Demo".
+
+#include "handheld/discovery.h"
+#include "link/open_port.h"
+#include "link/start_up.h"
+#include "platform/files.h"
+#include "platform/qt/qt_events.h"
+#include "platform/qt/qt_serial_port.h"
+#include "platform/run_control.h"
+#include "platform/switched_port.h"
+#include "platform/world.h"
+#include "sim/demo_port.h"
+#include "ui/catalogues/symbol_catalogue.h"
+#include "ui/main_window.h"
+#include "ui/qt_frontend.h"
+
+#include <QApplication>
+#include <QTranslator>
+
+namespace
+{
+
+/// Sends the handheld back and ends; runs once, when no command runs any more.
+void EndProgram(QtFrontend &frontend)
+{
+    SetRunState(RunState::Leaving);
+    frontend.hideAllWindows();
+    CloseHandheld();
+    Comm().close();
+    SetRunState(RunState::Ended);
+    QtEvents::quit();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationVersion(QStringLiteral(HR_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+    QTranslator german;
+    if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
+        QApplication::installTranslator(&german);
+    SetProgramFolder(QApplication::applicationDirPath());
+
+    QtEvents events;
+    QtSerialPort machinePort(events);
+    sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
+    SwitchedPort port(machinePort, demoPort);
+    InstallWorld({&events, &port, nullptr});
+    QtFrontend frontend;
+    InstallWorld({&events, &port, &frontend});
+    MainWindow mainWindow(frontend);
+    frontend.setMainWindow(&mainWindow);
+
+    OnEndReady([&frontend] { EndProgram(frontend); });
+    events.post([] { Main({ScanCatalogues, ConnectHandheld}); });
+    return QtEvents::run();
+}
