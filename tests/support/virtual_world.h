@@ -1,0 +1,142 @@
+// The virtual world of the tests: a clock that jumps, a user who answers by script, the simulated bus as the port.
+//
+// A test derives from VirtualWorld. Everything runs in one thread and in simulated time: pump() runs what is posted,
+// else jumps to the next timer. A box that the script does not expect fails the test, and so does an answer that is
+// left over.
+#pragma once
+
+#include "platform/events.h"
+#include "platform/frontend.h"
+#include "sim/sim_port.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <optional>
+
+class VirtualEvents : public Events
+{
+public:
+    [[nodiscard]] double timeOfDay() const override;
+    [[nodiscard]] qint64 monotonicUs() const override { return nowUs; }
+    TimerId every(int intervalMs, Action action) override;
+    void stop(TimerId timer) override;
+    void after(qint64 delayUs, Action action) override;
+    void post(Action action) override;
+    void pump() override;
+
+    /// Runs events until so much simulated time has passed.
+    void run(double seconds);
+
+    /// Sets the time of day at the present moment.
+    void setTimeOfDay(double seconds);
+
+    qint64 nowUs = 1'000'000;
+    double limitSeconds = 4'000; // a wait that goes on longer than this in one test hangs
+    int ticks = 0;               // calls of 50 ms timers
+
+private:
+    struct Repeating {
+        int intervalMs;
+        qint64 dueUs;
+        Action action;
+        bool running = false;
+    };
+    void runNext();
+
+    double dayOffset = 36'000; // 10 o'clock at nowUs = 0
+    std::deque<Action> posted;
+    std::multimap<qint64, Action> pending;
+    std::map<TimerId, std::shared_ptr<Repeating>> timers;
+    TimerId lastTimer = 0;
+};
+
+/// A user who answers boxes by script and notes everything that is shown.
+class ScriptedFrontend : public Frontend
+{
+public:
+    /// The next box must have this text and title; answer is used by questions and inputs.
+    void expect(const QString &text, const QString &title, const QString &answer = QString());
+
+    /// Any box from now on is noted in `boxes` and answered with No, until the end of the test.
+    void acceptAnyBox() { anyBox = true; }
+
+    void showBox(const BoxText &box) override;
+    void postBox(const BoxText &box) override;
+    bool askYesNo(const BoxText &box, bool defaultYes) override;
+    QString askText(const QString &prompt, const QString &title) override;
+    QString openFileName(const QString &title, const QString &filter) override;
+    QString saveFileName(const QString &title, const QString &filter) override;
+    void showProgress(const QString &text) override;
+    void setProgressText(const QString &text) override;
+    void hideProgress() override { progressVisible = false; }
+    void showSelectionWindow() override;
+    void hideSelectionWindow() override { }
+    void showMainWindow() override { mainShown = true; }
+    void raiseMainWindow() override { }
+    void setMainWindowEnabled(bool enabled) override { mainEnabled = enabled; }
+    void setMainWindowTitle(const QString &text) override { title = text; }
+    void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
+    void raiseWaitingWindow() override { ++raised; }
+
+    void checkAllUsed() const;
+
+    QStringList boxes;    // "title: text" of every box and question, in order
+    QStringList progress; // every progress text, in order
+    QString title;
+    std::function<void()> onSelection; // the user at the selection window
+    std::function<void()> onBox;       // runs while a box is open, before it is answered
+    bool progressVisible = false;
+    bool mainShown = false;
+    bool mainEnabled = true;
+    bool lokDataVisible = true;
+    int selections = 0;
+    int raised = 0;
+
+private:
+    struct Expected {
+        QString text;
+        QString title;
+        QString answer;
+    };
+    QString answerTo(const QString &text, const QString &title);
+
+    std::deque<Expected> script;
+    bool anyBox = false;
+};
+
+class VirtualWorld : public ::testing::Test
+{
+protected:
+    VirtualWorld();
+    ~VirtualWorld() override;
+
+    void TearDown() override;
+
+    /// Starts the link's timers as the main window does.
+    void driveLink();
+
+    /// Opens the port as interface kind 3 and marks the handheld as found, without any exchange.
+    void connectDirectly();
+
+    sim::Layout &layout() { return port.layout(); }
+    sim::Handheld &handheld() { return port.layout().handheld; }
+    sim::Dataflash &flash() { return port.layout().handheld.flash; }
+    QByteArray flashBytes(int address, int count) { return flash().bytes(address, count); }
+
+    /// Messages of this opcode on the bus so far.
+    int messagesOnBus(int opcode);
+
+    QTemporaryDir folder; // the program folder, with an empty konf
+    VirtualEvents events;
+    sim::SimPort port{events};
+    ScriptedFrontend user;
+};
+
+/// Restores the start-up state of every module.
+void ResetAllModules();

@@ -1,0 +1,243 @@
+#include "ui/main_window.h"
+
+#include "handheld/discovery.h"
+#include "handheld/loco_record.h"
+#include "link/branding.h"
+#include "link/open_port.h"
+#include "link/settings_file.h"
+#include "platform/run_control.h"
+#include "platform/world.h"
+#include "tests/support/window_world.h"
+#include "ui/grid.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+
+class MainWindowTest : public WindowWorld
+{
+};
+
+TEST_F(MainWindowTest, ControlsAndMenusCarryTheirNamesAndCaptions)
+{
+    const std::pair<const char *, const char *> controls[] = {{"Label1", "Lokadresse:"}, {"Label2", "Lokname:"},
+        {"Label3", "Symbol:"}, {"Label4", "Funktion"}, {"Label5", "Symbole"}, {"Label6", "Tastfunktion"},
+        {"MultiUniChk", "identische Sym. für alle Funktionen"}, {"LeseLokDatensatzBut", "Lese Lokdatensatz"},
+        {"SchreibeLokDatensatzBut", "Schreibe Lokdatensatz"}, {"ResetLokdatenBut", "Lokdatensatz löschen"},
+        {"Label10", "0 .. 63"}, {"EditLokSymBut", "Edit Loksym."}, {"ONOFF0", "ON"}, {"ONOFF1", "OFF"},
+        {"ONOFFMag0", "Grün"}, {"ONOFFMag1", "Rot"}, {"SchreibeMagSymBut", "Schreibe Mag.-Symbol"}};
+    for (const auto &[name, caption] : controls) {
+        const auto *control = window().findChild<QWidget *>(QString::fromUtf8(name));
+        ASSERT_NE(control, nullptr) << name;
+        EXPECT_EQ(control->property("text").toString(), QString::fromUtf8(caption)) << name;
+    }
+    QStringList menus;
+    for (const QAction *menu : window().menuBar()->actions()) {
+        menus += menu->text();
+        for (const QAction *item : menu->menu()->actions())
+            menus += u' ' + item->text();
+    }
+    EXPECT_EQ(menus.join(u'\n'),
+        (QStringList{QStringLiteral("Datei"), QStringLiteral(" Daten eines Handreglers sichern"),
+            QStringLiteral(" Datensicherung (Lokdatensätze) anzeigen"),
+            QStringLiteral(" Datensicherung zurückschreiben"), QStringLiteral(" Beenden"), TheBranding().productLabel,
+            QStringLiteral(" zurück in den Bedienmodus"), QStringLiteral(" alle Lokdatensätze löschen"),
+            QStringLiteral(" -----------------------------"), QStringLiteral(" Abschaltzeit korrigieren"),
+            QStringLiteral(" Funktionssymbole korrigieren"), QStringLiteral("Mag.Art. und Fahrstr."),
+            QStringLiteral(" Mag.Art. Symbole zuordnen"), QStringLiteral(" Mag.Art. Liste ändern"),
+            QStringLiteral(" Fahrstraßendaten ändern"), QStringLiteral(" Startbild ändern"),
+            QStringLiteral("Zentralen"), QStringLiteral(" Zentrale auswählen"),
+            u' ' + TheBranding().lokDataMenuCaption, QStringLiteral("Info"), QStringLiteral(" Zeichensatz"),
+            QStringLiteral(" Hilfe"), QStringLiteral(" Programminfo")}
+                .join(u'\n')));
+}
+
+TEST_F(MainWindowTest, ReadChangeAndWriteARecord)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const QString nameBefore = field("LoknameTxt")->text();
+    EXPECT_FALSE(nameBefore.isEmpty());
+    EXPECT_NE(nameBefore, QStringLiteral("-leer-"));
+    const QByteArray before = flashBytes(0, 512);
+    field("LoknameTxt")->setText(QStringLiteral("Müller 7"));
+    Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    const QString mode = grid->text(5, 3);
+    Q_EMIT grid->cellActed(5, 3);
+    EXPECT_NE(grid->text(5, 3), mode);
+    click("SchreibeLokDatensatzBut");
+    const char name[] = {22, 38, 21, 21, 14, 27, 39, 7};
+    const QByteArray after = flashBytes(0, 512);
+    EXPECT_EQ(after.mid(192, 21), QByteArray(name, 8).append(13, 39));
+    EXPECT_EQ(after.at(192 + 28), static_cast<char>(before.at(192 + 28) ^ 0x20));
+    EXPECT_EQ(after.mid(192 + 29, 3), before.mid(192 + 29, 3));
+    EXPECT_EQ(after.mid(192 + 33, 24), before.mid(192 + 33, 24));
+    EXPECT_EQ(after.at(192 + 61), before.at(192 + 61));
+    EXPECT_EQ(after.left(192), before.left(192));
+    EXPECT_EQ(after.mid(256), before.mid(256));
+    EXPECT_EQ(user.progress.last(2),
+        (QStringList{QStringLiteral("Lese Lokdatensatz"), QStringLiteral("Schreibe Lokdatensatz")}));
+}
+
+TEST_F(MainWindowTest, EmptyRecordsAreShownAndNotWritten)
+{
+    field("AdrTxt")->setText(QStringLiteral("5000"));
+    click("LeseLokDatensatzBut");
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
+    EXPECT_EQ(LokName, QStringLiteral("-leer-"));
+    user.expect(QStringLiteral("Der Lokdatensatz ist leer!\nEs wird nichts geschrieben!"), QStringLiteral("Achtung"));
+    const int programs = flash().state.executed.at(0x83);
+    click("SchreibeLokDatensatzBut");
+    EXPECT_EQ(flash().state.executed.at(0x83), programs);
+}
+
+TEST_F(MainWindowTest, DeleteWorksWithoutHandheldInMemoryOnly)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    HandreglerGefunden = false;
+    const size_t messages = layout().bus.log.size();
+    click("ResetLokdatenBut");
+    EXPECT_EQ(layout().bus.log.size(), messages);
+    EXPECT_EQ(LokName, QString(22, QChar(0xFF)));
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
+    HandreglerGefunden = true;
+    click("ResetLokdatenBut");
+    EXPECT_EQ(flashBytes(192, 21), QByteArray(21, '\xFF'));
+}
+
+TEST_F(MainWindowTest, NumberFieldsFollowTheirRules)
+{
+    const QAction *startImage = window().findChild<QAction *>(QStringLiteral("StartBildMenu"));
+    EXPECT_FALSE(startImage->isVisible());
+    for (const char *wrong : {"rupo", "RUPO", "Rupo "})
+        field("AdrTxt")->setText(QString::fromUtf8(wrong));
+    EXPECT_FALSE(startImage->isVisible());
+    field("AdrTxt")->setText(QStringLiteral("Rupo"));
+    EXPECT_TRUE(startImage->isVisible());
+    struct Row {
+        const char *field;
+        const char *typed;
+        const char *shown;
+        const char *button;
+        bool enabled;
+    };
+    const Row rows[] = {{"AdrTxt", "9999", "9999", nullptr, false}, {"AdrTxt", "10000", "??", nullptr, false},
+        {"LokSymNrTxt", "63", "63", "SchreibeLoksymbolBut", true}, {"LokSymNrTxt", "64", "??", nullptr, false},
+        {"FunksymTxt", "163", "163", "SchreibeFktSymBut", false},
+        {"FunksymTxt", "164", "164", "SchreibeFktSymBut", true},
+        {"FunksymTxt", "256", "??", "SchreibeFktSymBut", false},
+        {"MagsymTxt", "27", "27", "SchreibeMagSymBut", false}, {"MagsymTxt", "28", "28", "SchreibeMagSymBut", true},
+        {"MagsymTxt", "300", "??", "SchreibeMagSymBut", false}};
+    for (const Row &row : rows) {
+        field(row.field)->setText(QString::fromUtf8(row.typed));
+        EXPECT_EQ(field(row.field)->text(), QString::fromUtf8(row.shown)) << row.typed;
+        if (row.button != nullptr) {
+            EXPECT_EQ(button(row.button)->isEnabled(), row.enabled) << row.typed;
+        }
+    }
+}
+
+TEST_F(MainWindowTest, ATypedAddressClearsTheShownRecordButKeepsItForWriting)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const QString name = field("LoknameTxt")->text();
+    field("AdrTxt")->setText(QStringLiteral("4001"));
+    const Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    EXPECT_EQ(grid->text(24, 0), QStringLiteral("f24"));
+    EXPECT_TRUE(grid->text(1, 3).isEmpty());
+    EXPECT_EQ(field("LoknameTxt")->text(), name);
+    click("SchreibeLokDatensatzBut");
+    EXPECT_EQ(flashBytes(4001 * 64, 21), flashBytes(3 * 64, 21));
+    EXPECT_EQ(flashBytes(4001 * 64 + 33, 24), flashBytes(3 * 64 + 33, 24));
+}
+
+TEST_F(MainWindowTest, ASecondCommandIsIgnoredWhileOneRuns)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    events.after(400'000, [this] {
+        for (const char *name : {"LeseLokDatensatzBut", "SchreibeLokDatensatzBut", "ResetLokdatenBut",
+                 "LeseLoksymbolBut", "EditLokSymBut", "LeseMagSymBut"})
+            button(name)->click();
+        for (const char *name : {"Opt_abschalt", "Opt_clear_all_loco", "ZentraleMenu", "Opt_VeskaNormalModus"})
+            action(name)->trigger();
+    });
+    const int programs = flash().state.executed.at(0x83);
+    click("LeseLokDatensatzBut");
+    EXPECT_EQ(handheld().state.readBacks, 4);
+    EXPECT_EQ(flash().state.executed.at(0x83), programs);
+    EXPECT_EQ(user.raised, 10);
+    EXPECT_TRUE(HandreglerGefunden);
+}
+
+TEST_F(MainWindowTest, ClosingInMidTransferFinishesThePageAndEndsOnce)
+{
+    for (int delayMs = 0; delayMs <= 1500; delayMs += 75) {
+        restart();
+        int ends = 0;
+        OnEndReady([&ends] {
+            ++ends;
+            SetRunState(RunState::Leaving);
+            CloseHandheld();
+            SetRunState(RunState::Ended);
+        });
+        field("AdrTxt")->setText(QStringLiteral("3"));
+        click("LeseLokDatensatzBut");
+        const int programs = flash().state.executed.at(0x83);
+        const int normalModes = handheld().state.normalModes;
+        events.after(delayMs * 1000, [this] {
+            window().close();
+            window().close();
+            action("ende_menu")->trigger();
+        });
+        click("SchreibeLokDatensatzBut");
+        events.run(4);
+        EXPECT_EQ(ends, 1) << delayMs;
+        EXPECT_EQ(handheld().state.normalModes, normalModes + 1) << delayMs;
+        EXPECT_LE(flash().state.executed.at(0x83) - programs, 1);
+        EXPECT_EQ(flash().state.executed.at(0x53), flash().state.executed.at(0x83))
+            << "every loaded page is programmed";
+    }
+}
+
+TEST_F(MainWindowTest, OptionsAskFirst)
+{
+    const QString question = QStringLiteral(
+        "Soll die Abschaltzeit auf Null gesetzt werden?\r (für die Version 1.0 des Handreglers)        ");
+    flash().setBytes(0x3F0005, QByteArray(1, 9));
+    user.expect(question, TheBranding().toolTitle, QStringLiteral("Nein"));
+    trigger("Opt_abschalt");
+    EXPECT_EQ(flashBytes(0x3F0005, 1), QByteArray(1, 9));
+    user.expect(question, TheBranding().toolTitle, QStringLiteral("Ja"));
+    trigger("Opt_abschalt");
+    EXPECT_EQ(flashBytes(0x3F0005, 1), QByteArray(1, 0));
+
+    user.expect(QStringLiteral("Sollen alle 9999 Lokdatensätze gelöscht werden?\r          (Löschdauer: ca. 80min)"),
+        QStringLiteral("Lokdatensätze löschen"), QStringLiteral("Nein"));
+    trigger("Opt_clear_all_loco");
+
+    const int before = handheld().state.normalModes;
+    trigger("Opt_VeskaNormalModus");
+    trigger("Opt_VeskaNormalModus"); // not connected any more: nothing
+    EXPECT_EQ(handheld().state.normalModes, before + 1);
+    EXPECT_FALSE(HandreglerGefunden);
+}
+
+TEST_F(MainWindowTest, ProgramInformation)
+{
+    user.acceptAnyBox();
+    trigger("proginfo_menu");
+    const QStringList lines = user.boxes.constFirst().split(u'\r');
+    ASSERT_EQ(lines.size(), 5);
+    EXPECT_TRUE(user.boxes.constFirst().startsWith(TheBranding().progInfoTitle + u':'));
+    EXPECT_EQ(lines.at(1), QString(28, u' '));
+    EXPECT_EQ(lines.at(2), TheBranding().progInfoLine);
+    EXPECT_EQ(lines.at(3), QStringLiteral("                         Version 1.0.0        "));
+}
