@@ -144,12 +144,6 @@ void Grid::placeInput()
     input->setGeometry(visualRect(inputCell));
 }
 
-void Grid::scrollContentsBy(int dx, int dy)
-{
-    QTableWidget::scrollContentsBy(dx, dy);
-    placeInput();
-}
-
 bool Grid::collapseSelection()
 {
     const bool wholeRows = selectionBehavior() == SelectRows;

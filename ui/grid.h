@@ -49,7 +49,6 @@ Q_SIGNALS:
     void inputLeft();
 
 protected:
-    void scrollContentsBy(int dx, int dy) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

@@ -6,11 +6,14 @@
 #include "link/settings_file.h"
 #include "platform/run_control.h"
 #include "platform/world.h"
+#include "symbols/editor/pixel_editor.h"
+#include "ui/backup/backup_commands.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/help_win.h"
 #include "ui/info_zeichensatz.h"
 #include "ui/loco_editor.h"
 #include "ui/option_commands.h"
+#include "ui/pickers.h"
 #include "ui/qt_frontend.h"
 #include "ui/symbol_editor.h"
 
@@ -22,8 +25,8 @@
 
 namespace
 {
-constexpr int MainTimerMs = 50; // sends one message, dispatches one message
-constexpr int Timer1Ms = 100;   // looks for received bytes
+constexpr int MainTimerMs = 50;       // sends one message, dispatches one message
+constexpr int Timer1Ms = 100;         // looks for received bytes
 constexpr QSize ScreenMargin(40, 80); // room for the window's frame and a task bar
 } // namespace
 
@@ -53,7 +56,10 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
 
 MainWindow::~MainWindow()
 {
-    ResetEditors(); // while the application lives
+    ResetEditors();
+    ResetPickers();     // before the application object goes
+    ResetPixelEditor(); // while the application lives
+    ResetBackupWindows();
     TheEvents().stop(mainTimer);
     TheEvents().stop(timer1);
     Comm().onReceive = nullptr;
@@ -91,9 +97,9 @@ MenuActions MainWindow::menuActions()
     const auto notBuilt = [this](
                               const char *what) { return [this, what] { showNotBuilt(QString::fromUtf8(what)); }; };
     return {
-        {QStringLiteral("datenlesen_menu"), notBuilt("Daten eines Handreglers sichern")},
-        {QStringLiteral("datenanzeigen_menu"), notBuilt("Datensicherung (Lokdatensätze) anzeigen")},
-        {QStringLiteral("datenschreiben_menu"), notBuilt("Datensicherung zurückschreiben")},
+        {QStringLiteral("datenlesen_menu"), SaveHandheldData},
+        {QStringLiteral("datenanzeigen_menu"), ShowBackupFile},
+        {QStringLiteral("datenschreiben_menu"), RestoreHandheldData},
         {QStringLiteral("ende_menu"), RequestEnd},
         {QStringLiteral("Opt_VeskaNormalModus"), ReturnToOperatingMode},
         {QStringLiteral("Opt_clear_all_loco"), AskAndClearAllLocoRecords},

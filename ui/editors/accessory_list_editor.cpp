@@ -1,0 +1,130 @@
+#include "ui/editors/accessory_list_editor.h"
+
+#include "handheld/block_tables.h"
+#include "link/text_encoding.h"
+#include "platform/run_control.h"
+#include "platform/text.h"
+#include "ui/catalogues/symbol_catalogue.h"
+#include "ui/editors/cell_input.h"
+#include "ui/grid.h"
+#include "ui/progress.h"
+
+bool MagListeLoaded = false;
+
+namespace
+{
+
+enum Column { NumberColumn, AddressColumn, DesignationColumn, RedColumn, GreenColumn };
+
+constexpr size_t AddressOffset = 0;
+constexpr size_t DesignationOffset = 2;
+constexpr size_t SymbolOffset = 4;
+constexpr int DesignationLength = 2;
+constexpr double PauseSeconds = 0.1;
+
+size_t Index(int row, size_t offset)
+{
+    return static_cast<size_t>(row * PlaceSize) + offset;
+}
+
+BlockEditorLook Look()
+{
+    return {QStringLiteral("MagListeWin"), QStringLiteral("Mag.Art. Liste ändern"), QStringLiteral("MagListeTab"),
+        {QStringLiteral("Platz"), QStringLiteral("Mag.Adr."), QStringLiteral("Bez."), QString(), QString()},
+        {60, 100, 80, 65, 65}, PlaceCount, QStringLiteral("LeseMagListeBut"), QStringLiteral("Lese Mag.Listendaten"),
+        QStringLiteral("SchreibeMagListeBut"), QStringLiteral("Schreibe Mag.Listendaten")};
+}
+
+/// The number at the start of a text, rounded: decimals may follow a point or a comma.
+int RoundedVal(const QString &text)
+{
+    const int whole = Val(text);
+    qsizetype at = 0;
+    while (at < text.size() && text.at(at) == u' ')
+        ++at;
+    while (at < text.size() && text.at(at) >= u'0' && text.at(at) <= u'9')
+        ++at;
+    const bool decimals = text.mid(at, 1) == QStringLiteral(".") || text.mid(at, 1) == QStringLiteral(",");
+    const QChar tenths = decimals && at + 1 < text.size() ? text.at(at + 1) : QChar(u'0');
+    return whole <= LastAccessoryAddress && tenths >= u'5' && tenths <= u'9' ? whole + 1 : whole;
+}
+
+} // namespace
+
+AccessoryListEditor::AccessoryListEditor() : BlockEditor(Look(), MagListeLoaded) { }
+
+bool AccessoryListEditor::readTable()
+{
+    const Progress progress(QStringLiteral("Lese Mag.Listendaten"));
+    ReadMagListe();
+    if (TransferBrokenOff())
+        return false;
+    WaitSeconds(PauseSeconds);
+    for (int row = 0; row < PlaceCount; ++row) {
+        LetEventsRun();
+        showPlace(row);
+    }
+    return true;
+}
+
+void AccessoryListEditor::writeTable()
+{
+    const Progress progress(QStringLiteral("Schreibe Mag.Listendaten"));
+    WriteMagListe();
+}
+
+void AccessoryListEditor::showPlace(int row)
+{
+    const size_t at = Index(row, AddressOffset);
+    grid->setText(row, AddressColumn, QString::number(MagListeDaten.at(at) * 256 + MagListeDaten.at(at + 1)));
+    const auto designation = static_cast<int>(Index(row, DesignationOffset));
+    grid->setText(row, DesignationColumn, DecodeName(MagListeDaten, designation, DesignationLength));
+    showPictures(row, RedColumn, AccessoryPictures(MagListeDaten.at(Index(row, SymbolOffset))));
+}
+
+bool AccessoryListEditor::takesInput(int column) const
+{
+    return column == AddressColumn || column == DesignationColumn;
+}
+
+void AccessoryListEditor::actOn(int row, int column)
+{
+    if (column == RedColumn || column == GreenColumn)
+        pickSymbol(row);
+    if (!takesInput(column))
+        return;
+    const auto text = input->ask(row, column);
+    if (!text)
+        return;
+    grid->setText(row, column, UpperLatin1(*text));
+    if (column == AddressColumn)
+        takeAddress(row, *text);
+    else
+        takeDesignation(row, *text);
+}
+
+void AccessoryListEditor::takeAddress(int row, const QString &text)
+{
+    const int address = RoundedVal(text);
+    if (address < 1 || address > LastAccessoryAddress) {
+        grid->setText(row, AddressColumn, QStringLiteral("ERR!"));
+        return;
+    }
+    MagListeDaten.at(Index(row, AddressOffset)) = address / 256;
+    MagListeDaten.at(Index(row, AddressOffset + 1)) = address % 256;
+}
+
+void AccessoryListEditor::takeDesignation(int row, const QString &text)
+{
+    EncodeName(text, MagListeDaten, static_cast<int>(Index(row, DesignationOffset)), DesignationLength);
+}
+
+void AccessoryListEditor::pickSymbol(int row)
+{
+    int &symbol = MagListeDaten.at(Index(row, SymbolOffset));
+    const int chosen = pickAccessorySymbol(symbol);
+    if (chosen == NothingChosen)
+        return;
+    symbol = chosen;
+    showPictures(row, RedColumn, AccessoryPictures(symbol));
+}

@@ -1,0 +1,30 @@
+// "Mag.Art. Liste ändern": address, designation and symbol of the 32 places of the handheld's accessory list.
+//
+// Grid MagListeTab, row p - 1 = place p: number, address ("ERR!" = rejected entry), designation, red picture, green
+// picture.
+#pragma once
+
+#include "ui/editors/block_editor.h"
+
+/// The accessory list has been read since the program started. Set by the editor's read.
+extern bool MagListeLoaded;
+
+class AccessoryListEditor : public BlockEditor
+{
+    Q_OBJECT
+
+public:
+    AccessoryListEditor();
+
+protected:
+    bool readTable() override;
+    void writeTable() override;
+    void actOn(int row, int column) override;
+    [[nodiscard]] bool takesInput(int column) const override;
+
+private:
+    void showPlace(int row);
+    void takeAddress(int row, const QString &text);
+    void takeDesignation(int row, const QString &text);
+    void pickSymbol(int row);
+};

@@ -1,0 +1,87 @@
+// What the three table windows have in common: one grid, a read, a write and a cancel button.
+//
+// The table can be written only after it has been read once since the program started. Read, write, cancel and the
+// close box during an input end the input first and then do their work. Closing hides the window; grid and table
+// keep their content.
+#pragma once
+
+#include <QPixmap>
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+class CellInput;
+class Grid;
+class QPushButton;
+
+/// What a table window is called and how its grid looks.
+struct BlockEditorLook {
+    QString windowName;
+    QString caption;
+    QString gridName;
+    QStringList headings;
+    std::vector<int> columnWidths; // logical pixels
+    int rows;                      // column 0 numbers them from 1
+    QString readName;
+    QString readCaption;
+    QString writeName;
+    QString writeCaption;
+};
+
+/// The two pictures of an accessory symbol; null where there is none.
+struct SymbolPictures {
+    QPixmap red;
+    QPixmap green;
+};
+SymbolPictures AccessoryPictures(int symbol);
+
+class BlockEditor : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `loaded` says whether the table has been read; it outlives the window.
+    BlockEditor(const BlockEditorLook &look, bool &loaded);
+
+    /// Shows the window and brings it forward.
+    void open();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+    /// Reads the table, with its progress texts, and fills the grid. False when the transfer was broken off; table
+    /// and grid are as before then.
+    virtual bool readTable() = 0;
+    virtual void writeTable() = 0;
+
+    /// A click, Enter or Space on a cell; F2 on a cell that takes input.
+    virtual void actOn(int row, int column) = 0;
+    [[nodiscard]] virtual bool takesInput(int column) const = 0;
+
+    void showPictures(int row, int redColumn, const SymbolPictures &pictures);
+
+    /// Lets the user pick an accessory symbol; NothingChosen when none was. The present one is shown first.
+    int pickAccessorySymbol(int present);
+
+    Grid *grid;
+    CellInput *input;
+
+private:
+    void buildGrid(const BlockEditorLook &look);
+    void buildLayout();
+    void command(const std::function<void()> &work);
+    void read();
+    void write();
+    void act(int row, int column);
+    void updateWriteButton();
+
+    bool &tableLoaded;
+    QPushButton *readBut;
+    QPushButton *writeBut;
+    QPushButton *cancelBut;
+};

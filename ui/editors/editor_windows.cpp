@@ -1,0 +1,48 @@
+#include "ui/editors/editor_windows.h"
+
+#include "ui/editors/accessory_list_editor.h"
+#include "ui/editors/assignment_editor.h"
+#include "ui/editors/route_editor.h"
+
+#include <memory>
+
+namespace
+{
+
+std::unique_ptr<RouteEditor> routeEditor;
+std::unique_ptr<AssignmentEditor> assignmentEditor;
+std::unique_ptr<AccessoryListEditor> accessoryListEditor;
+
+template <typename Window> void Open(std::unique_ptr<Window> &window)
+{
+    if (!window)
+        window = std::make_unique<Window>();
+    window->open();
+}
+
+} // namespace
+
+void OpenRouteEditor()
+{
+    Open(routeEditor);
+}
+
+void OpenAssignmentEditor()
+{
+    Open(assignmentEditor);
+}
+
+void OpenAccessoryListEditor()
+{
+    Open(accessoryListEditor);
+}
+
+void ResetEditors()
+{
+    routeEditor.reset();
+    assignmentEditor.reset();
+    accessoryListEditor.reset();
+    RoutesLoaded = false;
+    MagSymZuordLoaded = false;
+    MagListeLoaded = false;
+}

@@ -1,0 +1,103 @@
+#include "ui/editors/route_editor.h"
+
+#include "handheld/block_tables.h"
+#include "platform/text.h"
+#include "ui/editors/cell_input.h"
+#include "ui/grid.h"
+#include "ui/progress.h"
+
+bool RoutesLoaded = false;
+
+namespace
+{
+
+enum Column { NumberColumn, AddressColumn, FreeColumn, OccupiedColumn };
+constexpr int FreeTrigger = 0;
+constexpr int OccupiedTrigger = 1;
+
+constexpr size_t AddressOffset = 0;
+constexpr size_t TriggerOffset = 2;
+
+size_t Index(int row, size_t offset)
+{
+    return static_cast<size_t>(row * RouteSize) + offset;
+}
+
+BlockEditorLook Look()
+{
+    return {QStringLiteral("FSEdit"), QStringLiteral("Fahrstraßendaten ändern"), QStringLiteral("FSTab"),
+        {QStringLiteral("FS"), QStringLiteral("Rm.Adr."), QStringLiteral("frei"), QStringLiteral("bes.")},
+        {60, 110, 80, 80}, RouteCount, QStringLiteral("LeseFSDatenBut"), QStringLiteral("Lese Fahrstraßen"),
+        QStringLiteral("SchreibeFSDatenBut"), QStringLiteral("Schreibe Fahrstraßen")};
+}
+
+QString AddressText(int address)
+{
+    return address > LastFeedbackAddress ? QStringLiteral("-") : QString::number(address);
+}
+
+} // namespace
+
+RouteEditor::RouteEditor() : BlockEditor(Look(), RoutesLoaded) { }
+
+bool RouteEditor::readTable()
+{
+    {
+        const Progress progress(QStringLiteral("Lese Fahrstraßen"));
+        ReadRoutes();
+    }
+    if (TransferBrokenOff())
+        return false;
+    for (int row = 0; row < RouteCount; ++row)
+        showRoute(row);
+    return true;
+}
+
+void RouteEditor::writeTable()
+{
+    const Progress progress(QStringLiteral("Schreibe Fahrstraßen"));
+    WriteRoutes();
+}
+
+void RouteEditor::showRoute(int row)
+{
+    const size_t at = Index(row, AddressOffset);
+    grid->setText(row, AddressColumn, AddressText(FsDaten.at(at) * 256 + FsDaten.at(at + 1)));
+    showTrigger(row, FsDaten.at(Index(row, TriggerOffset)) & 1);
+}
+
+void RouteEditor::showTrigger(int row, int trigger)
+{
+    grid->setText(row, FreeColumn, trigger == FreeTrigger ? QStringLiteral("X") : QString());
+    grid->setText(row, OccupiedColumn, trigger == OccupiedTrigger ? QStringLiteral("X") : QString());
+}
+
+bool RouteEditor::takesInput(int column) const
+{
+    return column == AddressColumn;
+}
+
+void RouteEditor::actOn(int row, int column)
+{
+    if (column == AddressColumn && !typeAddress(row))
+        return;
+    const int trigger = column == OccupiedColumn ? OccupiedTrigger : FreeTrigger;
+    if (column == FreeColumn || column == OccupiedColumn)
+        showTrigger(row, trigger);
+    FsDaten.at(Index(row, TriggerOffset)) = trigger;
+}
+
+bool RouteEditor::typeAddress(int row)
+{
+    const auto text = input->ask(row, AddressColumn);
+    if (!text)
+        return false;
+    const int address = Val(*text);
+    const bool valid = address >= 1 && address <= LastFeedbackAddress;
+    grid->setText(row, AddressColumn, valid ? *text : QStringLiteral("ERR!"));
+    if (valid) {
+        FsDaten.at(Index(row, AddressOffset)) = address / 256;
+        FsDaten.at(Index(row, AddressOffset + 1)) = address % 256;
+    }
+    return true;
+}
