@@ -17,8 +17,24 @@
 #include <QApplication>
 #include <QTranslator>
 
+#include <csignal>
+
 namespace
 {
+
+constexpr int SignalPollMs = 200;
+volatile std::sig_atomic_t endSignalled = 0;
+
+/// Ctrl-C and a request to terminate end the program like its menu item does, so that the handheld is sent back.
+void TakeEndSignals(Events &events)
+{
+    for (const int signal : {SIGINT, SIGTERM})
+        std::signal(signal, [](int) { endSignalled = 1; });
+    events.every(SignalPollMs, [] {
+        if (endSignalled != 0)
+            RequestEnd();
+    });
+}
 
 /// Sends the handheld back and ends; runs once, when no command runs any more.
 void EndProgram(QtFrontend &frontend)
@@ -54,6 +70,7 @@ int main(int argc, char *argv[])
     frontend.setMainWindow(&mainWindow);
 
     OnEndReady([&frontend] { EndProgram(frontend); });
+    TakeEndSignals(events);
     events.post([] { Main({ScanCatalogues, ConnectHandheld}); });
     return QtEvents::run();
 }

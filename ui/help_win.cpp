@@ -6,6 +6,7 @@
 #include "ui/build_controls.h"
 
 #include <QFile>
+#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QListWidget>
@@ -15,7 +16,7 @@
 namespace
 {
 
-constexpr QSize StartSize(640, 520);
+constexpr QSize StartSize(880, 600);
 
 /// The file is UTF-8; a file that is not (edited with an old editor) is taken as Latin-1.
 QStringList Lines(const QByteArray &bytes)
@@ -38,6 +39,7 @@ HelpWin::HelpWin() : helpTxt(new QListWidget(this))
     resize(StartSize);
     helpTxt->setObjectName(QStringLiteral("HelpTxt"));
     helpTxt->setAccessibleName(QStringLiteral("Hilfe"));
+    helpTxt->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont)); // the lines are set in columns
     helpTxt->setWordWrap(true);
     helpTxt->setUniformItemSizes(false);
     helpTxt->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -25,6 +25,7 @@ constexpr int FirstButtonLeft = 270;
 constexpr int ButtonGap = 150;
 constexpr int ButtonHeight = 345;
 constexpr int RightMargin = 200;
+constexpr int CaptionMargin = 8; // logical pixels
 
 int Pixels(int twips)
 {
@@ -160,9 +161,8 @@ int PixelEditor::placeButtons()
     for (size_t i = 0; i < buttons.size(); ++i) {
         // The given sizes are the least: captions must never be cut.
         const QSize needed = buttons.at(i)->sizeHint();
-        const int width = qMax(Pixels(widths.at(i)),
-            buttons.at(i)->fontMetrics().averageCharWidth() * 2
-                + buttons.at(i)->fontMetrics().horizontalAdvance(buttons.at(i)->text()));
+        const int caption = buttons.at(i)->fontMetrics().horizontalAdvance(buttons.at(i)->text());
+        const int width = qMax(Pixels(widths.at(i)), caption + CaptionMargin);
         const int height = qMin(qMax(Pixels(ButtonHeight), needed.height()), Pixels(ButtonBand) - 4);
         buttons.at(i)->setGeometry(left, top, width, height);
         left += width + Pixels(ButtonGap);
