@@ -1,5 +1,6 @@
 #include "tests/support/virtual_world.h"
 
+#include "handheld/block_tables.h"
 #include "handheld/discovery.h"
 #include "handheld/loco_record.h"
 #include "link/message_layer.h"
@@ -12,6 +13,7 @@
 #include "symbols/editor/pixel_editor.h"
 #include "symbols/symbol_geometry.h"
 #include "ui/catalogues/symbol_catalogue.h"
+#include "ui/editors/editor_windows.h"
 #include "ui/pickers.h"
 #include "ui/picture_cache.h"
 
@@ -197,6 +199,8 @@ void ResetAllModules()
     ResetLocoRecord();
     ResetSymbolGeometry();
     ResetCatalogues();
+    ResetBlockTables();
+    ResetEditors();
     ResetPickers();
     ResetPixelEditor();
     ResetPictureCache();
