@@ -81,23 +81,6 @@ void ShowInTitle()
     TheFrontend().setMainWindowTitle(title);
 }
 
-/// True when the port is open afterwards. A kind that opens no port is told to the user; when no kind has been
-/// chosen yet, the selection window says enough.
-bool PortReady()
-{
-    if (Comm().isOpen())
-        return true;
-    int status = 0;
-    OpenPort(status);
-    if (status != 0)
-        return false;
-    if (!Comm().isOpen() && InterfaceType != InterfaceNone) {
-        TheFrontend().showBox(
-            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
-    }
-    return Comm().isOpen();
-}
-
 void ReportNoHandheld()
 {
     if (PortLost || BoxesAreSilent())
@@ -113,6 +96,21 @@ void Identify()
 }
 
 } // namespace
+
+bool PortReady()
+{
+    if (Comm().isOpen())
+        return true;
+    int status = 0;
+    OpenPort(status);
+    if (status != 0)
+        return false;
+    if (!Comm().isOpen() && InterfaceType != InterfaceNone) {
+        TheFrontend().showBox(
+            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
+    }
+    return Comm().isOpen();
+}
 
 void SetNormalMode(bool noWait, int &status)
 {

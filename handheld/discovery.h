@@ -23,6 +23,10 @@ void ReadHandheldInfo(QString &version, QString &date, QString &type);
 /// handheld's codes. Empty when there is no text or the handheld does not answer ("Timeout" box).
 QString ReadHandheldText(int block, int number);
 
+/// Opens the port when it is closed. False when it stays closed: "ComPort konnte nicht geöffnet werden!" has been
+/// shown then, except when no interface kind has been chosen yet or the program ends.
+bool PortReady();
+
 /// The handheld search: opens the port when it is closed, calls the handheld, reads version and kind, shows them
 /// in the main window's title and sets HandreglerGefunden. Failures are reported by boxes: "ComPort konnte nicht
 /// geöffnet werden!", "Handregler antwortet nicht!".

@@ -147,6 +147,14 @@ int DeleteLocoRecord(int locoNumber)
     return ProgramRecord(locoNumber, 0);
 }
 
+bool LocoRecordIsUsed(int locoNumber, int &status)
+{
+    read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1, status);
+    if (status == 0)
+        read_spibuf(0, status);
+    return status == 0 && SpiBuf.at(ReadIndex(OffsetName)) != EmptyByte;
+}
+
 void ClearAllLocoRecords()
 {
     const StoppableJob job;

@@ -60,6 +60,10 @@ int WriteLocoRecord(int locoNumber);
 /// Marks a record as empty; the current record is not touched. Goes on after a time-out; returns 1 then.
 int DeleteLocoRecord(int locoNumber);
 
+/// Asks whether a record holds a loco, without touching the current record. status 1 after a time-out ("Timeout" box)
+/// or when broken off; the answer is false then.
+bool LocoRecordIsUsed(int locoNumber, int &status);
+
 /// Deletes all records 1..9999, each shown as "Lösche Lok n" in the progress window. Ends early when a delete
 /// failed (after its box), the user stops it, the port is lost or the program ends.
 void ClearAllLocoRecords();

@@ -29,6 +29,7 @@ int LocoAdrReply = 0;
 bool HandheldMode = true;
 bool RawReplyWanted = false;
 std::array<int, 25> RawReply{};
+std::array<int, 5> RawReplyHead{};
 
 std::array<int, SpiBufSize> SpiBuf{};
 int SpiReadStart = 0;
@@ -200,6 +201,7 @@ void DispatchPeerTransfer(LocoNetMessage &message)
     } else if (!RawReplyWanted) {
         StoreReadBack(message);
     } else {
+        std::copy_n(message.begin(), RawReplyHead.size(), RawReplyHead.begin());
         CopyRawBytes(message, RawReply);
         RawReplyWanted = false;
     }
@@ -331,6 +333,7 @@ void ResetMessageLayer()
     HandheldMode = true;
     RawReplyWanted = false;
     RawReply = {};
+    RawReplyHead = {};
     SpiBuf.fill(0);
     SpiReadStart = SpiReadDone = 0;
     DownloadAnswerCheck = nullptr;

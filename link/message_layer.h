@@ -60,6 +60,8 @@ extern bool HandheldMode;            // true: 0xE5 messages belong to the memory
 extern bool RawReplyWanted;          // true: the next 0xE5 message is captured in RawReply
 extern std::array<int, 25> RawReply; // five collectors, then D1..D20, as received
 
+extern std::array<int, 5> RawReplyHead; // bytes 0..4 of the message in RawReply: who sent it
+
 /// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. Filled by callers before a
 /// write and by received read-backs.
 constexpr int SpiBufSize = 513;

@@ -41,13 +41,15 @@ QString FieldText(const PortValue &value)
 
 void ReadSettings()
 {
+    QFile file(SettingsPath());
+    ParseSettings(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
+}
+
+void ParseSettings(const QByteArray &content)
+{
     PortNumber = {};
     InterfaceType = InterfaceNone;
-    QFile file(SettingsPath());
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    QString content = ScreenLines(QString::fromLatin1(file.readAll()));
-    const QStringList lines = content.split(u'\n');
+    const QStringList lines = ScreenLines(QString::fromLatin1(content)).split(u'\n');
     PortNumber = ParseField(lines.at(0));
     const int kind = lines.size() > 1 ? Val(ParseField(lines.at(1)).text) : InterfaceNone;
     if (kind >= InterfaceOrvanto1 && kind <= InterfaceDirect)

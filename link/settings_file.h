@@ -4,6 +4,7 @@
 // interface kind (a bare number 1, 2 or 3). Empty values are empty fields. Example: "ttyUSB0" CR LF 3 CR LF
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 /// The port as read from the file or typed in the selection window.
@@ -23,6 +24,9 @@ extern int InterfaceType; // InterfaceNone or 1..3
 
 /// Reads konf\ComPort.inf. Missing or damaged fields leave the values empty, without a message.
 void ReadSettings();
+
+/// The same from the bytes of such a file.
+void ParseSettings(const QByteArray &content);
 
 /// Writes konf\ComPort.inf. When the folder cannot be written, a "Fehler!" box says so once in a run; the
 /// settings then hold for this run only.

@@ -14,7 +14,7 @@ struct State {
     std::function<void()> endReady;
     bool endPosted = false;
     int busyDepth = 0;
-    int pageSequences = 0;
+    int pageSequences = 0; // and other exchanges that are finished when the program ends
     int jobs = 0;
     bool stopConfirmed = false;
 };
@@ -94,6 +94,16 @@ PageSequence::~PageSequence()
 {
     if (granted)
         --state.pageSequences;
+}
+
+MustFinish::MustFinish()
+{
+    ++state.pageSequences;
+}
+
+MustFinish::~MustFinish()
+{
+    --state.pageSequences;
 }
 
 StoppableJob::StoppableJob()

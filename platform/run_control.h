@@ -63,6 +63,17 @@ private:
     bool granted;
 };
 
+/// A short exchange that has to take place even when the program is already ending, because a device would be left
+/// in a wrong state otherwise.
+class MustFinish
+{
+public:
+    MustFinish();
+    ~MustFinish();
+    MustFinish(const MustFinish &) = delete;
+    MustFinish &operator=(const MustFinish &) = delete;
+};
+
 /// A job over many records that the user may stop through the progress window's close box.
 class StoppableJob
 {

@@ -69,6 +69,7 @@ public:
     std::function<void()> onReceive;
 
     /// Called once when the device vanished while it was open (pulled adapter, closed pseudo-terminal). It is
-    /// called from the event loop, outside the device's own handlers; the port is closed when it runs.
+    /// called from the event loop, outside the device's own handlers. The port counts as open until then, moves no
+    /// bytes any more, and is closed when the handler runs.
     std::function<void()> onHangUp;
 };

@@ -16,6 +16,8 @@ const QLatin1String DirectSpeed("115200,");
 DemoPort::DemoPort(Events &clock, QString imageFile) : SimPort(clock), image(std::move(imageFile))
 {
     layout().bus.keepLog = false;
+    layout().station.settings.present = true;
+    layout().station.locos = DemoStationLocos();
 }
 
 void DemoPort::prepareOpen(const QString &settings)

@@ -48,6 +48,7 @@ bool SimPort::open()
     model.adapter.discardForPc();
     received.clear();
     opened = true;
+    ++openings;
     return true;
 }
 
@@ -130,13 +131,13 @@ QByteArray SimPort::read()
 
 void SimPort::write(const QByteArray &bytes)
 {
-    if (opened)
+    if (opened && present)
         model.fromPc(ToBytes(bytes));
 }
 
 void SimPort::arrive(const Bytes &bytes)
 {
-    if (!opened)
+    if (!opened || !present)
         return;
     received.append(ToByteArray(bytes));
     if (threshold > 0 && received.size() >= threshold && onReceive)
@@ -148,9 +149,14 @@ void SimPort::hangUp()
     present = false;
     if (!opened)
         return;
-    close();
-    events.post([this, token = std::weak_ptr(alive)] {
-        if (!token.expired() && onHangUp)
+    received.clear();
+    model.discardFromPc();
+    // As with a real adapter the port counts as open until the loss is reported, and both happen together.
+    events.post([this, lost = openings, token = std::weak_ptr(alive)] {
+        if (token.expired() || !opened || lost != openings)
+            return;
+        close();
+        if (onHangUp)
             onHangUp();
     });
 }

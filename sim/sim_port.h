@@ -69,6 +69,7 @@ private:
     int inputLength = 0;
     int threshold = 0;
     int opensRefused = 0;
+    int openings = 0; // so that a late loss never closes a newer opening
     bool opened = false;
     bool present = true;
     std::shared_ptr<int> alive = std::make_shared<int>(0);

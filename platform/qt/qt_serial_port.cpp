@@ -92,6 +92,11 @@ void QtSerialPort::close()
 
 bool QtSerialPort::isOpen() const
 {
+    return port.isOpen(); // also between a loss and its report, so that nobody sees one without the other
+}
+
+bool QtSerialPort::usable() const
+{
     return port.isOpen() && !hungUp;
 }
 
@@ -122,7 +127,7 @@ void QtSerialPort::setBreak(bool on)
 
 bool QtSerialPort::cts() const
 {
-    if (!hasCts || !isOpen())
+    if (!hasCts || !usable())
         return true;
     return port.pinoutSignals().testFlag(QSerialPort::ClearToSendSignal);
 }
@@ -157,19 +162,19 @@ void QtSerialPort::discardOutput()
 
 int QtSerialPort::bytesWaiting() const
 {
-    return isOpen() ? static_cast<int>(port.bytesAvailable()) : 0;
+    return usable() ? static_cast<int>(port.bytesAvailable()) : 0;
 }
 
 QByteArray QtSerialPort::read()
 {
-    if (!isOpen())
+    if (!usable())
         return {};
     return inputLength > 0 ? port.read(inputLength) : port.readAll();
 }
 
 void QtSerialPort::write(const QByteArray &bytes)
 {
-    if (isOpen())
+    if (usable())
         port.write(bytes);
 }
 

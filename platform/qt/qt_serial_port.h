@@ -35,6 +35,7 @@ public:
     [[nodiscard]] QStringList availablePorts() const override;
 
 private:
+    [[nodiscard]] bool usable() const;
     void applySettings();
     void applyModemLines();
     void handleReadyRead();

@@ -57,6 +57,7 @@ const std::array Options{
     Option{"type", "Typnummer des Handreglers.", "Nummer", "51201"},
     Option{"ack-code", "Code aller Quittungen, hexadezimal.", "Code", "7F"},
     Option{"seed", "Startwert der Zufallsfehler.", "Zahl", "1"},
+    Option{"no-station", "Keine Zentrale am Bus.", nullptr, ""},
     Option{"help", "Diese Hilfe anzeigen.", nullptr, ""},
     Option{"log", "Alle Meldungen auf dem Bus ausgeben.", nullptr, ""},
 };
@@ -119,6 +120,8 @@ bool SetUp(sim::Layout &layout, const QCommandLineParser &parser)
     layout.handheld.settings.type = parser.value(QStringLiteral("type")).toLatin1();
     const uint code = parser.value(QStringLiteral("ack-code")).toUInt(nullptr, 16);
     layout.handheld.settings.ackCode = static_cast<quint8>(code & 0x7F);
+    layout.station.settings.present = !parser.isSet(QStringLiteral("no-station"));
+    layout.station.locos = sim::DemoStationLocos();
     layout.faults.set(ParseFaults(parser));
     sim::FillDemoContent(layout.handheld.flash);
     const QString image = parser.value(QStringLiteral("flash"));

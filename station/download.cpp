@@ -1,0 +1,335 @@
+#include "station/download.h"
+
+#include "handheld/flash_map.h"
+#include "link/branding.h"
+#include "link/message_layer.h"
+#include "link/open_port.h"
+#include "link/text_encoding.h"
+#include "platform/run_control.h"
+#include "platform/text.h"
+#include "platform/world.h"
+
+#include <algorithm>
+#include <functional>
+
+std::vector<DownloadedLoco> DownloadedLocos;
+int UnusableLocos = 0;
+
+namespace
+{
+
+constexpr double StepTimeoutSeconds = 2;
+constexpr int NoAckYet = -1;
+constexpr int AckAlreadyDone = 1;
+
+constexpr size_t CollectorCount = 5;
+constexpr size_t BytesPerCollector = 4;
+constexpr int CommandFactor = 16; // command values stand in bits 4-6
+
+constexpr int RangeFirst = 10;
+constexpr int RangeLast = 50;
+constexpr int RecordTries = 1 + 5; // a failed read of a part is repeated five times
+constexpr int MostRecords = 500;
+constexpr int FirstPosition = 7501;
+constexpr int EndOfDatabase = 255;
+constexpr size_t NameStart = 3; // D4
+constexpr size_t NameBytes = 16;
+constexpr int ModesPerByte = 8;
+constexpr int MultiUniBit = 0x80;
+
+using Data = std::array<int, 20>; // D1..D20 at index 0..19
+
+struct Commands {
+    int c1;
+    int c2;
+    int c3;
+};
+
+constexpr Data EntryData{0, 127, 127, 127, 0, 0, 0, 0, 12, 8, 19, 30, 19, 19, 7, 2, 0, 0, 0, 0};
+constexpr Data SecondEntryData{0, 0, 0, 0, 0, 0, 0, 0, 12, 8, 19, 30, 19, 19, 7, 2, 0, 0, 0, 0};
+constexpr std::array<quint8, 5> RequestHead{OpcodeImmediate, TransferMessageLength, 0x08, 0x49, 0x4B};
+constexpr std::array<int, 5> AnswerHead{OpcodePeerTransfer, TransferMessageLength, 0x01, 0x50, 0x43};
+/// What the answer to the entry request repeats: byte index and value.
+constexpr std::array<std::pair<size_t, int>, 11> EntryAnswer{{{5, 0x70}, {10, 0x70}, {15, 0x30}, {20, 0x70}, {16, 12},
+    {17, 8}, {18, 19}, {19, 30}, {21, 19}, {22, 19}, {23, 7}}};
+
+/// Waits for the condition; false after 2 s, at once when the port is lost or waits must end.
+bool Await(const std::function<bool()> &done)
+{
+    const double start = TheEvents().timeOfDay();
+    while (!done()) {
+        if (!Comm().isOpen() || WaitsMustEnd() || SecondsSince(start) > StepTimeoutSeconds)
+            return false;
+        TheEvents().pump();
+    }
+    return true;
+}
+
+/// Visits each data value of the working record with its collector and the bit that stands for its bit 7.
+template <typename Visit> void ForEachData(Visit visit)
+{
+    for (size_t i = 0; i < CollectorCount * BytesPerCollector; ++i)
+        visit(RawReply.at(i / BytesPerCollector), RawReply.at(CollectorCount + i), 1 << (i % BytesPerCollector));
+}
+
+void LayWorkingRecord(const Data &data, const Commands &commands)
+{
+    RawReply = {0, 0, commands.c1 * CommandFactor, commands.c2 * CommandFactor, commands.c3 * CommandFactor};
+    std::copy(data.begin(), data.end(), RawReply.begin() + CollectorCount);
+    ForEachData([](int &collector, int &value, int mask) {
+        if ((value & 0x80) != 0)
+            collector |= mask;
+        value &= 0x7F;
+    });
+}
+
+/// D1..D20 of a received answer with their bit 7 restored.
+Data ReceivedData()
+{
+    ForEachData([](int collector, int &value, int mask) {
+        if ((collector & mask) != 0)
+            value |= 0x80;
+    });
+    Data data{};
+    std::copy(RawReply.begin() + CollectorCount, RawReply.end(), data.begin());
+    return data;
+}
+
+void LayMessage()
+{
+    TxMsg = {};
+    std::copy(RequestHead.begin(), RequestHead.end(), TxMsg.begin());
+    size_t index = RequestHead.size();
+    for (size_t group = 0; group < CollectorCount; ++group) {
+        TxMsg.at(index++) = static_cast<quint8>(RawReply.at(group));
+        for (size_t k = 0; k < BytesPerCollector; ++k)
+            TxMsg.at(index++) = static_cast<quint8>(RawReply.at(CollectorCount + group * BytesPerCollector + k));
+    }
+}
+
+/// Sends a request and waits until it is out. 0 or InnerNotSent.
+int SendRequest(const Data &data, const Commands &commands)
+{
+    const auto slotFree = [] { return TxLen == -1; };
+    if (!PumpUntil([&] { return slotFree() || !Comm().isOpen(); }) || !Comm().isOpen())
+        return InnerNotSent;
+    LayWorkingRecord(data, commands);
+    LayMessage();
+    LastAckCode = NoAckYet;
+    TxLen = TransferLastIndex;
+    return Await(slotFree) ? 0 : InnerNotSent;
+}
+
+/// Sends a request and returns the acknowledge code in `code`. 0, InnerNotSent or InnerNoAcknowledge.
+int Exchange(const Data &data, const Commands &commands, int &code)
+{
+    if (const int inner = SendRequest(data, commands); inner != 0)
+        return inner;
+    const bool acknowledged = Await([] { return LastAckCode != NoAckYet; });
+    code = LastAckCode;
+    return acknowledged ? 0 : InnerNoAcknowledge;
+}
+
+void CheckEntryAnswer(const LocoNetMessage &message)
+{
+    const bool ours = std::equal(AnswerHead.begin(), AnswerHead.end(), message.begin());
+    const bool repeats = std::all_of(EntryAnswer.begin(), EntryAnswer.end(),
+        [&](const auto &byte) { return message.at(byte.first) == byte.second; });
+    if (ours && repeats)
+        HandheldMode = true;
+}
+
+/// Waits for the station's answer to the entry request.
+bool EntryAnswered()
+{
+    DownloadAnswerCheck = CheckEntryAnswer;
+    HandheldMode = false;
+    const bool answered = Await([] { return HandheldMode; });
+    HandheldMode = true;
+    DownloadAnswerCheck = nullptr;
+    return answered;
+}
+
+int EnterDownloadMode()
+{
+    constexpr Commands commands{3, 7, 0};
+    int code = 0;
+    if (const int inner = Exchange(EntryData, commands, code); inner != 0)
+        return inner;
+    if (code == AckAccepted) {
+        if (!EntryAnswered())
+            return InnerNoAnswer;
+    } else if (code != AckAlreadyDone) {
+        return InnerNoAcknowledge;
+    }
+    if (const int inner = Exchange(SecondEntryData, commands, code); inner != 0)
+        return inner;
+    return code == AckAccepted || code == AckAlreadyDone ? 0 : InnerNoAcknowledge;
+}
+
+/// Foreign 0xE5 messages may come first; the wait goes on for the station's own answer.
+bool StationAnswered()
+{
+    if (RawReplyWanted)
+        return false;
+    if (RawReplyHead == AnswerHead)
+        return true;
+    RawReplyWanted = true;
+    return false;
+}
+
+/// One request that needs the acknowledge 127 and an answer.
+int RequestStep(const Data &data, const Commands &commands, Data *answer = nullptr)
+{
+    int code = 0;
+    RawReplyWanted = true;
+    int inner = Exchange(data, commands, code);
+    if (inner == 0 && code != AckAccepted)
+        inner = InnerNoAcknowledge;
+    if (inner == 0 && !Await(StationAnswered))
+        inner = InnerNoAnswer;
+    RawReplyWanted = false;
+    if (inner == 0 && answer != nullptr)
+        *answer = ReceivedData();
+    return inner;
+}
+
+int ReadPart(int number, int part, Data &answer)
+{
+    const int position = FirstPosition + number - 1;
+    int inner = 0;
+    for (int attempt = 0; attempt < RecordTries; ++attempt) {
+        inner = RequestStep({position >> 8, position & 0xFF, part}, {3, 1, 5}, &answer);
+        if (inner == 0 || !Comm().isOpen() || WaitsMustEnd())
+            break;
+    }
+    return inner;
+}
+
+QString WithoutTrailingBlanks(QString text)
+{
+    while (text.endsWith(u' '))
+        text.chop(1);
+    return text;
+}
+
+QString NameOf(const Data &answer)
+{
+    QByteArray bytes;
+    for (size_t i = NameStart; i < NameStart + NameBytes; ++i)
+        bytes.append(static_cast<char>(answer.at(i)));
+    QString name = QString::fromLatin1(bytes);
+    return WithoutTrailingBlanks(name.remove(QChar::Null));
+}
+
+DownloadedLoco LocoOf(const Data &first, const Data &second)
+{
+    DownloadedLoco loco;
+    loco.address = first.at(1) * 256 + first.at(2);
+    loco.stationName = NameOf(first);
+    loco.name = WithoutTrailingBlanks(AdaptName(loco.stationName).left(NameLength));
+    for (size_t f = 0; f < FunctionCount; ++f)
+        loco.modes.at(f) = second.at(f / ModesPerByte) >> (f % ModesPerByte) & 1;
+    loco.multiUni = (second.at(3) & MultiUniBit) != 0 ? 1 : 0;
+    loco.locoSymbol = second.at(4);
+    return loco;
+}
+
+void Keep(const DownloadedLoco &loco)
+{
+    if (loco.address >= FirstLoco && loco.address <= LastLoco)
+        DownloadedLocos.push_back(loco);
+    else
+        ++UnusableLocos;
+}
+
+int ReadRecords()
+{
+    const StoppableJob job;
+    for (int n = 1; n <= MostRecords && !StoppableJob::stopRequested(); ++n) {
+        TheFrontend().setProgressText(QStringLiteral("Datensatz: ") + QString::number(n));
+        Data first{};
+        Data second{};
+        if (const int inner = ReadPart(n, 0, first); inner != 0)
+            return inner;
+        if (first.at(0) == EndOfDatabase)
+            return 0;
+        if (const int inner = ReadPart(n, 1, second); inner != 0)
+            return inner;
+        Keep(LocoOf(first, second));
+    }
+    return 0;
+}
+
+int WithBase(int base, int inner)
+{
+    return inner == 0 ? 0 : base + inner;
+}
+
+/// The steps between entering and leaving, up to the first that fails.
+int ReadDatabase()
+{
+    if (const int inner = RequestStep({}, {3, 1, 0}); inner != 0)
+        return WithBase(BasePreparation, inner);
+    if (const int inner = RequestStep({RangeFirst, RangeLast}, {3, 1, 1}); inner != 0)
+        return WithBase(BaseRange, inner);
+    TheFrontend().setProgressText(QStringLiteral("Datenbank lesen"));
+    if (const int inner = RequestStep({1}, {3, 1, 3}); inner != 0)
+        return WithBase(BaseDatabase, inner);
+    return WithBase(BaseRecords, ReadRecords());
+}
+
+/// Also when the program ends: the station would stay in its download mode otherwise.
+int LeaveDownloadMode()
+{
+    const MustFinish exchange;
+    return WithBase(BaseLeaving, RequestStep(EntryData, {3, 7, 1}));
+}
+
+int RunDownload()
+{
+    if (const int inner = EnterDownloadMode(); inner != 0)
+        return WithBase(BaseEntry, inner);
+    const int status = ReadDatabase();
+    const int leaving = LeaveDownloadMode();
+    return status != 0 ? status : leaving;
+}
+
+void ReportFailure(int status)
+{
+    if (PortLost || BoxesAreSilent())
+        return; // the loss has been told
+    const bool entryFailed = status < BaseLeaving;
+    const QString text = entryFailed ? TheBranding().noStationText
+                                     : QStringLiteral("Fehler beim Lesen der Datenbank:") + NumberText(status);
+    TheFrontend().showBox({text, QStringLiteral("Achtung!"), BoxIcon::None});
+}
+
+} // namespace
+
+int DownloadLocos()
+{
+    const auto shown = SpiBuf;
+    DownloadedLocos.clear();
+    UnusableLocos = 0;
+    TheFrontend().showProgress(TheBranding().downloadText);
+    const int status = RunDownload();
+    HandheldMode = true;
+    RawReplyWanted = false;
+    SpiBuf = shown;
+    TheFrontend().hideProgress();
+    if (status != 0)
+        ReportFailure(status);
+    return status;
+}
+
+LocoRecord RecordOfLoco(const DownloadedLoco &loco)
+{
+    return {FitLocoName(loco.name), {}, loco.modes, loco.multiUni, loco.locoSymbol};
+}
+
+void ResetDownload()
+{
+    DownloadedLocos.clear();
+    UnusableLocos = 0;
+}
