@@ -71,6 +71,13 @@ Grid::Grid(int rows, int columns, QWidget *parent)
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::placeInput);
 }
 
+void Grid::selectRows()
+{
+    severalRows = true;
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+}
+
 QSize Grid::sizeHint() const
 {
     const int heading = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();
@@ -146,6 +153,8 @@ void Grid::placeInput()
 
 bool Grid::collapseSelection()
 {
+    if (severalRows)
+        return false;
     const bool wholeRows = selectionBehavior() == SelectRows;
     const qsizetype selected = wholeRows ? selectionModel()->selectedRows().size() : selectedIndexes().size();
     if (selected <= 1)

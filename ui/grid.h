@@ -26,6 +26,9 @@ public:
     /// Makes the grid so wide that all columns and the vertical scroll bar fit.
     void fixWidthToColumns();
 
+    /// Whole rows may be selected, also several; otherwise a selection of several cells collapses to the current one.
+    void selectRows();
+
     /// Room for all rows; a window with less scrolls.
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -63,5 +66,6 @@ private:
 
     QLineEdit *input;
     QPersistentModelIndex inputCell;
+    bool severalRows = false;
     bool pressLeftInput = false; // until the button is released
 };

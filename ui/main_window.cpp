@@ -10,6 +10,7 @@
 #include "ui/backup/backup_commands.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/help_win.h"
+#include "ui/import/import_window.h"
 #include "ui/info_zeichensatz.h"
 #include "ui/loco_editor.h"
 #include "ui/option_commands.h"
@@ -60,6 +61,7 @@ MainWindow::~MainWindow()
     ResetPickers();     // before the application object goes
     ResetPixelEditor(); // while the application lives
     ResetBackupWindows();
+    ResetImportWindow();
     TheEvents().stop(mainTimer);
     TheEvents().stop(timer1);
     Comm().onReceive = nullptr;
@@ -84,18 +86,8 @@ void MainWindow::command(const std::function<void()> &action)
         action();
 }
 
-void MainWindow::showNotBuilt(const QString &what)
-{
-    command([&] {
-        TheFrontend().showBox({QStringLiteral("\"%1\" ist in dieser Version noch nicht enthalten.").arg(what),
-            QStringLiteral("Achtung"), BoxIcon::None});
-    });
-}
-
 MenuActions MainWindow::menuActions()
 {
-    const auto notBuilt = [this](
-                              const char *what) { return [this, what] { showNotBuilt(QString::fromUtf8(what)); }; };
     return {
         {QStringLiteral("datenlesen_menu"), SaveHandheldData},
         {QStringLiteral("datenanzeigen_menu"), ShowBackupFile},
@@ -110,7 +102,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("FSMenu"), [this] { command(OpenRouteEditor); }},
         {QStringLiteral("StartBildMenu"), EditStartImage},
         {QStringLiteral("ZentraleMenu"), [this] { command([this] { frontend.openSelectionFromMenu(); }); }},
-        {QStringLiteral("LokDataMenu"), notBuilt("Lokdaten holen")},
+        {QStringLiteral("LokDataMenu"), FetchStationLocos},
         {QStringLiteral("zeichen_menu"), [this] { command([this] { infoZeichensatz->load(); }); }},
         {QStringLiteral("help_menu"), [this] { command([this] { helpWin->load(); }); }},
         {QStringLiteral("proginfo_menu"), ShowProgramInfo},

@@ -37,7 +37,6 @@ private:
     [[nodiscard]] MenuActions menuActions();
     void driveLink();
     void command(const std::function<void()> &action);
-    void showNotBuilt(const QString &what);
 
     QtFrontend &frontend;
     LocoEditor *locoEditor;

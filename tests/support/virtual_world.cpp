@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/run_control.h"
 #include "platform/world.h"
+#include "station/download.h"
 #include "symbols/editor/pixel_editor.h"
 #include "symbols/symbol_geometry.h"
 #include "ui/catalogues/symbol_catalogue.h"
@@ -197,6 +198,7 @@ void ResetAllModules()
     ResetOpenPort();
     ResetDiscovery();
     ResetLocoRecord();
+    ResetDownload();
     ResetSymbolGeometry();
     ResetCatalogues();
     ResetBlockTables();

@@ -1,0 +1,53 @@
+// The locos that a download brought: corrected here, then sent to the handheld or saved in a backup file.
+#pragma once
+
+#include "station/download.h"
+
+#include <QWidget>
+
+class Grid;
+class QLabel;
+class QLineEdit;
+class QTableWidgetItem;
+
+class ImportWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    ImportWindow();
+
+    /// Shows the locos of the last download.
+    void load();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildGrid();
+    void buildLayout();
+    void fillRow(int row);
+    void fillName(int row);
+    void actOn(int row, int column);
+    void editName(int row);
+    void nameEdited(QTableWidgetItem *item);
+    void pickSymbol(int row);
+    void filterRows();
+    void showCount();
+    [[nodiscard]] std::vector<int> chosenRows() const;
+    void send();
+    void save();
+
+    std::vector<DownloadedLoco> locos; // by row
+    int unusable = 0;
+    Grid *grid;
+    QLineEdit *filterTxt;
+    QLabel *countLbl;
+    bool filling = false; // the program writes cells, not the user
+};
+
+/// "Lokdaten aus ... holen": opens the port when it is closed, downloads, shows the import window.
+void FetchStationLocos();
+
+/// Destroys the window. To be called while the application lives.
+void ResetImportWindow();
