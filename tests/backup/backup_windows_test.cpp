@@ -191,7 +191,7 @@ TEST_F(ViewerTest, ShowsSortsAndFilters)
     const QWidget *win = openWindow("DatenAnzeigeWin");
     EXPECT_EQ(win->windowTitle(), QStringLiteral("Lokdaten aus dem File: ") + file);
     EXPECT_EQ(summary(),
-        QStringLiteral("Außerdem enthalten: 1 Loksymbole, 1 Funktionssymbole ON, Fahrstraßen\n"
+        QStringLiteral("Außerdem enthalten: Loksymbole: 1, Funktionssymbole ON: 1, Fahrstraßen\n"
                        "Aufbau der Datei: in Ordnung"));
     EXPECT_EQ(cell(0, 0) + cell(1, 0) + cell(2, 0), QStringLiteral("203001000"));
     EXPECT_EQ(cell(1, BackupTable::SymbolColumn), QStringLiteral("99")) << "the number where there is no picture";
@@ -234,6 +234,20 @@ TEST_F(ViewerTest, ExportsWhatIsShown)
     user.expect(
         QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(folder.path()), QStringLiteral("Fehler!"));
     pressIn("DatenAnzeigeWin", "CsvBut");
+}
+
+TEST_F(ViewerTest, PrintingCanBeCancelled)
+{
+    show(three);
+    bool asked = false;
+    events.after(200'000, [&asked] {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->inherits("QPrintDialog") && widget->isVisible())
+                asked = widget->close();
+        }
+    });
+    pressIn("DatenAnzeigeWin", "DruckenBut");
+    EXPECT_TRUE(asked);
 }
 
 TEST_F(ViewerTest, ADamagedFileIsShownUpToTheDamage)

@@ -1,0 +1,76 @@
+#include "fuzz/file_readers.h"
+
+#include "handheld/backup/dds_file.h"
+#include "handheld/backup/selection.h"
+#include "link/settings_file.h"
+
+namespace
+{
+
+QByteArray PackedAgain(const DdsRecord &record)
+{
+    switch (record.id.kind) {
+    case KindLoco:
+        return PackLoco(record.id.number, UnpackLoco(record));
+    case KindRoutes:
+    case KindMagZuordnung:
+    case KindMagListe:
+        UnpackBlock(record);
+        return PackBlock(record.id.kind);
+    default:
+        UnpackSymbol(record);
+        return PackSymbol(record.id);
+    }
+}
+
+bool NumberIsPossible(const RecordId &id)
+{
+    switch (id.kind) {
+    case KindLoco:
+        return id.number >= 1 && id.number <= 9999;
+    case KindLokSymbol:
+        return id.number >= 0 && id.number <= 63;
+    default:
+        return id.number >= 0 && id.number <= 255;
+    }
+}
+
+const char *BackupFileFault(const QByteArray &bytes)
+{
+    const DdsContent content = ReadDds(bytes);
+    qsizetype next = 0;
+    for (const DdsRecord &record : content.records) {
+        if (record.position != next || bytes.mid(next, record.bytes.size()) != record.bytes)
+            return "records do not follow one another";
+        if (!NumberIsPossible(record.id) || PackedAgain(record) != record.bytes)
+            return "garbage would be written";
+        next += record.bytes.size();
+    }
+    if (!content.fault)
+        return next == bytes.size() ? nullptr : "bytes are left over";
+    const bool inPlace = content.fault->position >= next && content.fault->position <= bytes.size();
+    return inPlace && !FaultText(*content.fault).isEmpty() ? nullptr : "the fault is named at a wrong place";
+}
+
+const char *SelectionFault(const QByteArray &bytes)
+{
+    const BackupSelection selection = ParseSelection(bytes);
+    const QByteArray text = SelectionText(selection);
+    if (SelectionText(ParseSelection(text)) != text)
+        return "the selection changes";
+    bool sound = SearchFault(selection).isEmpty();
+    for (const NumberedKind kind : {LokDatenList, LokSymbolList, FktSymbolList, MagSymbolList})
+        sound = sound && ListFault(selection, kind).isEmpty();
+    return !sound || EstimatedSeconds(selection) >= 0 ? nullptr : "the estimate is wrong";
+}
+
+} // namespace
+
+const char *ReadAsEveryFile(const QByteArray &bytes)
+{
+    ParseSettings(bytes);
+    if (InterfaceType < InterfaceNone || InterfaceType > InterfaceDirect)
+        return "there is no such interface";
+    const char *fault = BackupFileFault(bytes);
+    return fault != nullptr ? fault : SelectionFault(bytes);
+}

@@ -1,0 +1,216 @@
+#include "handheld/backup/selection.h"
+
+#include "handheld/backup/number_list.h"
+#include "handheld/symbol_storage.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+#include <QFile>
+#include <QStringList>
+
+#include <cmath>
+#include <optional>
+
+namespace
+{
+
+std::optional<BackupSelection> unsaved; // where the file cannot be written: holds until the program ends
+
+constexpr double SecondsPerMessage = 0.15;
+constexpr int EmptyLocoMessages = 2; // the flash read and the slice that shows the empty name
+constexpr int LocoMessages = 5;
+constexpr int LokSymbolMessages = 7;
+constexpr int PairMessages = 6; // both halves
+constexpr int RoutesMessages = 24;
+constexpr int AssignmentMessages = 160;
+constexpr int MagListeMessages = 20;
+
+/// The messages that one number of a kind costs.
+constexpr std::array<int, NumberedKindCount> MessagesPerNumber{
+    LocoMessages, LokSymbolMessages, PairMessages, PairMessages};
+constexpr std::array<NumberLimits, NumberedKindCount> Limits{NumberLimits{FirstLoco, LastLoco},
+    NumberLimits{0, LokSymbolCount - 1}, NumberLimits{0, PairCount - 1}, NumberLimits{0, PairCount - 1}};
+
+const NumberChoice &ChoiceOf(const BackupSelection &selection, NumberedKind kind)
+{
+    return selection.numbered.at(kind);
+}
+
+int CountNumbers(const QString &list)
+{
+    NumberList numbers(list);
+    int count = 0;
+    while (numbers.next() >= 0)
+        ++count;
+    return count;
+}
+
+QString SettingsPath()
+{
+    return KonfPath(QStringLiteral("\\konf\\Sicherung.txt"));
+}
+
+/// Where the value of a key lives: exactly one of the pointers is set.
+struct Field {
+    QString key;
+    NumberChoice *choice = nullptr;
+    bool *flag = nullptr;
+    int *address = nullptr;
+};
+
+/// All keys in the order of the file.
+std::array<Field, 13> Fields(BackupSelection &s)
+{
+    auto &n = s.numbered;
+    return {Field{QStringLiteral("LokDaten:"), &n.at(LokDatenList)},
+        Field{QStringLiteral("LokSymbole:"), &n.at(LokSymbolList)},
+        Field{QStringLiteral("LokFktSymbole:"), &n.at(FktSymbolList)},
+        Field{QStringLiteral("MagSymbole:"), &n.at(MagSymbolList)},
+        Field{QStringLiteral("FSdaten:"), nullptr, &s.fsDaten},
+        Field{QStringLiteral("MagSymZuord:"), nullptr, &s.magSymZuord},
+        Field{QStringLiteral("MagListe:"), nullptr, &s.magListe},
+        Field{QStringLiteral("LokSuche:"), nullptr, &s.lokSuche},
+        Field{QStringLiteral("LokSucheAdrStart:"), nullptr, nullptr, &s.lokSucheStart},
+        Field{QStringLiteral("LokSucheAdrStop:"), nullptr, nullptr, &s.lokSucheStop},
+        Field{QStringLiteral("AlleLokSym:"), nullptr, &n.at(LokSymbolList).all},
+        Field{QStringLiteral("AlleFktSym:"), nullptr, &n.at(FktSymbolList).all},
+        Field{QStringLiteral("AlleMagSym:"), nullptr, &n.at(MagSymbolList).all}};
+}
+
+void SetField(const Field &field, const QString &value)
+{
+    const bool flag = value.startsWith(u'1');
+    if (field.choice != nullptr) {
+        field.choice->wanted = flag;
+        field.choice->list = value.mid(2);
+    } else if (field.flag != nullptr) {
+        *field.flag = flag;
+    } else if (NumberListFault(value, FirstLoco, LastLoco).isEmpty()) {
+        *field.address = NumberList(value).next();
+    }
+}
+
+QString FieldValue(const Field &field)
+{
+    const auto flagText = [](bool flag) { return flag ? QStringLiteral("1") : QStringLiteral("0"); };
+    if (field.choice != nullptr)
+        return flagText(field.choice->wanted) + u' '
+            + field.choice->list.simplified(); // one line, whatever was typed
+    return field.flag != nullptr ? flagText(*field.flag) : QString::number(*field.address);
+}
+
+} // namespace
+
+NumberLimits LimitsOf(NumberedKind kind)
+{
+    return Limits.at(kind);
+}
+
+QString WantedNumbers(const BackupSelection &selection, NumberedKind kind)
+{
+    const NumberChoice &choice = ChoiceOf(selection, kind);
+    if (!choice.wanted)
+        return {};
+    const NumberLimits limits = LimitsOf(kind);
+    return choice.all ? QStringLiteral("%1-%2").arg(limits.low).arg(limits.high) : choice.list;
+}
+
+QString ListFault(const BackupSelection &selection, NumberedKind kind)
+{
+    if (!ChoiceOf(selection, kind).wanted)
+        return {};
+    const NumberLimits limits = LimitsOf(kind);
+    return NumberListFault(WantedNumbers(selection, kind), limits.low, limits.high);
+}
+
+QString SearchFault(const BackupSelection &selection)
+{
+    if (!selection.lokSuche)
+        return {};
+    for (const int address : {selection.lokSucheStart, selection.lokSucheStop}) {
+        if (address < FirstLoco || address > LastLoco)
+            return QStringLiteral("die Adressen müssen zwischen %1 und %2 liegen").arg(FirstLoco).arg(LastLoco);
+    }
+    if (selection.lokSucheStart > selection.lokSucheStop)
+        return QStringLiteral("die kleinere Adresse gehört nach vorn");
+    return {};
+}
+
+bool NothingWanted(const BackupSelection &selection)
+{
+    bool wanted = selection.fsDaten || selection.magSymZuord || selection.magListe || selection.lokSuche;
+    for (const NumberChoice &choice : selection.numbered)
+        wanted = wanted || choice.wanted;
+    return !wanted;
+}
+
+double EstimatedSeconds(const BackupSelection &selection)
+{
+    int messages = 0;
+    for (int kind = 0; kind < NumberedKindCount; ++kind) {
+        const auto numbered = static_cast<NumberedKind>(kind);
+        messages += CountNumbers(WantedNumbers(selection, numbered)) * MessagesPerNumber.at(numbered);
+    }
+    if (selection.lokSuche)
+        messages += (selection.lokSucheStop - selection.lokSucheStart + 1) * EmptyLocoMessages;
+    messages += selection.fsDaten ? RoutesMessages : 0;
+    messages += selection.magSymZuord ? AssignmentMessages : 0;
+    messages += selection.magListe ? MagListeMessages : 0;
+    return messages * SecondsPerMessage;
+}
+
+QString DurationText(double seconds)
+{
+    constexpr int perHour = 60;
+    const int minutes = static_cast<int>(std::ceil(seconds / 60));
+    if (minutes <= 1)
+        return QStringLiteral("Dauer: höchstens 1 Minute");
+    if (minutes < perHour)
+        return QStringLiteral("Dauer: ca. %1 Minuten").arg(minutes);
+    return QStringLiteral("Dauer: ca. %1 Std. %2 Min.").arg(minutes / perHour).arg(minutes % perHour);
+}
+
+BackupSelection ParseSelection(const QByteArray &content)
+{
+    BackupSelection selection;
+    const QStringList lines = ScreenLines(QString::fromLatin1(content)).split(u'\n');
+    const auto fields = Fields(selection);
+    for (const QString &line : lines) {
+        for (const Field &field : fields) {
+            if (line.startsWith(field.key))
+                SetField(field, line.mid(field.key.size()));
+        }
+    }
+    return selection;
+}
+
+QByteArray SelectionText(const BackupSelection &selection)
+{
+    QString text;
+    BackupSelection copy = selection;
+    for (const Field &field : Fields(copy))
+        text += field.key + FieldValue(field) + u"\r\n";
+    return text.toLatin1();
+}
+
+BackupSelection ReadSelection()
+{
+    if (unsaved)
+        return *unsaved;
+    QFile file(SettingsPath());
+    return file.open(QIODevice::ReadOnly) ? ParseSelection(file.readAll()) : BackupSelection();
+}
+
+void WriteSelection(const BackupSelection &selection)
+{
+    unsaved.reset();
+    if (ReplaceFile(SettingsPath(), SelectionText(selection)))
+        return;
+    unsaved = selection;
+    ReportUnwritable(QStringLiteral("konf\\Sicherung.txt"));
+}
+
+void ResetSelection()
+{
+    unsaved.reset();
+}

@@ -1,0 +1,58 @@
+// The loco records of a backup file as a table: address, name, symbol, and per function its ON picture and a mark.
+#pragma once
+
+#include "handheld/backup/dds_file.h"
+
+#include <QAbstractTableModel>
+#include <QPixmap>
+
+/// A loco record of the file.
+struct BackupLoco {
+    int address = 0;
+    LocoRecord record;
+};
+
+class BackupTable : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column { AddressColumn, NameColumn, SymbolColumn, MultiUniColumn, FirstFunctionColumn };
+
+    /// Beside the texts: the picture of a cell, what to sort by, and (first column) what the filter looks at.
+    static constexpr int PictureRole = Qt::UserRole + 1;
+    static constexpr int SortRole = Qt::UserRole + 2;
+    static constexpr int FilterRole = Qt::UserRole + 3;
+
+    using QAbstractTableModel::QAbstractTableModel;
+
+    void setLocos(std::vector<BackupLoco> locos);
+    [[nodiscard]] const BackupLoco &loco(int row) const { return locos.at(static_cast<size_t>(row)); }
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+private:
+    std::vector<BackupLoco> locos;
+};
+
+/// The loco records among the records of a file, in file order.
+std::vector<BackupLoco> LocosIn(const DdsContent &content);
+
+/// The name as it is shown: without the blanks that fill the record.
+QString ShownName(const LocoRecord &record);
+
+/// Pictures of the PC's catalogues; null where there is none.
+QPixmap LocoPicture(const LocoRecord &record);
+QPixmap FunctionPicture(const LocoRecord &record, int function);
+
+/// "ja" when all functions have one symbol.
+QString MultiUniText(const LocoRecord &record);
+
+/// The mark of a momentary function, or nothing.
+QString MomentaryMark(const LocoRecord &record, int function);
+
+/// Captions of the columns before the functions; the functions are f0 .. f24.
+QString ColumnCaption(int column);

@@ -1,0 +1,294 @@
+#include "ui/backup/backup_viewer.h"
+
+#include "handheld/backup/record_names.h"
+#include "platform/files.h"
+#include "platform/run_control.h"
+#include "platform/world.h"
+#include "ui/backup/table_export.h"
+#include "ui/build_controls.h"
+#include "ui/qt_frontend.h"
+
+#include <QDir>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QScreen>
+#include <QStyledItemDelegate>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include <memory>
+#include <utility>
+
+namespace
+{
+
+constexpr int RowHeight = 22;
+constexpr int FunctionWidth = 32;
+constexpr int PictureColumnWidth = 64;
+constexpr int NameCharacters = 24;
+constexpr int CaptionMargin = 28; // room for the sort arrow
+constexpr int MarkMargin = 4;
+constexpr QSize StartSize(1240, 620); // all columns
+
+/// Paints a cell's picture pixel for pixel, and its text behind it or, without a picture, in the middle.
+class PictureDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        const auto picture = index.data(BackupTable::PictureRole).value<QPixmap>();
+        if (picture.isNull()) {
+            QStyledItemDelegate::paint(painter, option, index);
+            return;
+        }
+        QStyleOptionViewItem cell = option;
+        initStyleOption(&cell, index);
+        const QString mark = std::exchange(cell.text, QString());
+        cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+        const int markWidth = mark.isEmpty() ? 0 : cell.fontMetrics.horizontalAdvance(mark) + MarkMargin;
+        QRect area(QPoint(), picture.size() / picture.devicePixelRatio());
+        area.moveCenter(cell.rect.adjusted(0, 0, -markWidth, 0).center());
+        painter->drawPixmap(area, picture);
+        const bool selected = (cell.state & QStyle::State_Selected) != 0;
+        painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+        painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);
+    }
+};
+
+/// The text after the last backslash; all of it where there is none.
+QString WithoutFolder(const QString &fileName)
+{
+    const QString native = QDir::toNativeSeparators(fileName);
+    return native.mid(native.lastIndexOf(u'\\') + 1);
+}
+
+QString WindowTitle(const QString &fileName)
+{
+    return QStringLiteral("Lokdaten aus dem File: ") + WithoutFolder(fileName);
+}
+
+/// A kind's name and count, only its name for the three tables.
+QString KindSummary(int kind, size_t count)
+{
+    const bool single = kind == KindRoutes || kind == KindMagZuordnung || kind == KindMagListe;
+    return single && count == 1 ? KindName(kind) : QStringLiteral("%1: %2").arg(KindName(kind)).arg(count);
+}
+
+std::unique_ptr<BackupViewer> viewer;
+
+} // namespace
+
+QString SummaryText(const DdsContent &content)
+{
+    std::array<size_t, LastKind + 1> counts{};
+    for (const DdsRecord &record : content.records)
+        ++counts.at(static_cast<size_t>(record.id.kind));
+    QStringList others;
+    for (int kind = KindLokSymbol; kind <= LastKind; ++kind) {
+        if (const size_t count = counts.at(static_cast<size_t>(kind)); count > 0)
+            others += KindSummary(kind, count);
+    }
+    const QString rest = others.isEmpty() ? QStringLiteral("nichts") : others.join(QStringLiteral(", "));
+    const QString structure = content.fault
+        ? QStringLiteral("beschädigt, gelesen wurde bis dahin. ") + FaultText(*content.fault)
+        : QStringLiteral("in Ordnung");
+    return QStringLiteral("Außerdem enthalten: ") + rest + QStringLiteral("\nAufbau der Datei: ") + structure;
+}
+
+BackupViewer::BackupViewer()
+    : model(new BackupTable(this))
+    , shown(new QSortFilterProxyModel(this))
+    , table(new QTableView(this))
+    , filterTxt(NamedField(QStringLiteral("FilterTxt"), QStringLiteral("Filter:"), this))
+    , countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
+    , summaryLbl(NamedLabel(QStringLiteral("ZusammenfassungLbl"), QString(), this))
+{
+    setObjectName(QStringLiteral("DatenAnzeigeWin"));
+    shown->setSourceModel(model);
+    shown->setSortRole(BackupTable::SortRole);
+    shown->setFilterRole(BackupTable::FilterRole);
+    shown->setFilterKeyColumn(BackupTable::AddressColumn);
+    shown->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    buildTable();
+    buildLayout();
+    resize(StartSize.boundedTo(screen()->availableSize()));
+    connect(filterTxt, &QLineEdit::textChanged, this, &BackupViewer::filterChanged);
+}
+
+void BackupViewer::buildTable()
+{
+    table->setObjectName(QStringLiteral("LokDatenTab"));
+    table->setAccessibleName(QStringLiteral("Lokdatensätze"));
+    table->setModel(shown);
+    table->setItemDelegate(new PictureDelegate(table));
+    table->setSortingEnabled(true);
+    table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table->setTabKeyNavigation(false);
+    table->setWordWrap(false);
+    table->verticalHeader()->hide();
+    table->verticalHeader()->setDefaultSectionSize(RowHeight);
+    QHeaderView *header = table->horizontalHeader();
+    header->setHighlightSections(false);
+    header->setMinimumSectionSize(FunctionWidth);
+    const QFontMetrics metrics = header->fontMetrics();
+    const auto captionWidth = [&](int column) {
+        return metrics.horizontalAdvance(ColumnCaption(column)) + CaptionMargin;
+    };
+    table->setColumnWidth(BackupTable::AddressColumn, captionWidth(BackupTable::AddressColumn));
+    table->setColumnWidth(BackupTable::NameColumn, table->fontMetrics().averageCharWidth() * NameCharacters);
+    table->setColumnWidth(
+        BackupTable::SymbolColumn, qMax(PictureColumnWidth, captionWidth(BackupTable::SymbolColumn)));
+    table->setColumnWidth(BackupTable::MultiUniColumn, captionWidth(BackupTable::MultiUniColumn));
+    for (int f = 0; f < FunctionCount; ++f)
+        table->setColumnWidth(BackupTable::FirstFunctionColumn + f, FunctionWidth);
+}
+
+QWidget *BackupViewer::buildFilterRow()
+{
+    auto *area = new QWidget(this);
+    auto *label = NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter (Adresse oder Name):"), area);
+    label->setBuddy(filterTxt);
+    filterTxt->setClearButtonEnabled(true);
+    auto *layout = new QHBoxLayout(area);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(label);
+    layout->addWidget(filterTxt, 1);
+    layout->addWidget(countLbl);
+    return area;
+}
+
+void BackupViewer::buildLayout()
+{
+    auto *csvBut = NamedButton(QStringLiteral("CsvBut"), QStringLiteral("Als CSV speichern"), this);
+    auto *pdfBut = NamedButton(QStringLiteral("PdfBut"), QStringLiteral("Als PDF speichern"), this);
+    auto *printBut = NamedButton(QStringLiteral("DruckenBut"), QStringLiteral("Drucken"), this);
+    auto *okButton = NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this);
+    auto *buttonRow = new QHBoxLayout;
+    for (QPushButton *button : {csvBut, pdfBut, printBut})
+        buttonRow->addWidget(button);
+    buttonRow->addStretch();
+    buttonRow->addWidget(okButton);
+    summaryLbl->setWordWrap(true);
+    summaryLbl->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(buildFilterRow());
+    layout->addWidget(table, 1);
+    layout->addWidget(new QLabel(QStringLiteral("f0 .. f24: Symbol der eingeschalteten Funktion, T = Tastfunktion; "
+                                                "ident. Sym. = identisches Symbol für alle Funktionen"),
+        this));
+    layout->addWidget(summaryLbl);
+    layout->addLayout(buttonRow);
+    setTabOrder(filterTxt, table);
+    setTabOrder(table, csvBut);
+    connect(csvBut, &QPushButton::clicked, this, &BackupViewer::exportCsv);
+    connect(pdfBut, &QPushButton::clicked, this, &BackupViewer::exportPdf);
+    connect(printBut, &QPushButton::clicked, this, &BackupViewer::print);
+    connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+}
+
+void BackupViewer::load(const QString &fileName, const DdsContent &content)
+{
+    setWindowTitle(WindowTitle(fileName));
+    model->setLocos(LocosIn(content));
+    summaryLbl->setText(SummaryText(content));
+    filterTxt->clear();
+    table->sortByColumn(BackupTable::AddressColumn, Qt::AscendingOrder);
+    filterChanged();
+    show();
+    raise();
+    activateWindow();
+    filterTxt->setFocus();
+}
+
+void BackupViewer::filterChanged()
+{
+    shown->setFilterFixedString(filterTxt->text().trimmed());
+    countLbl->setText(QStringLiteral("%1 von %2 Lokdatensätzen").arg(shown->rowCount()).arg(model->rowCount()));
+}
+
+std::vector<BackupLoco> BackupViewer::shownLocos() const
+{
+    std::vector<BackupLoco> locos;
+    for (int row = 0; row < shown->rowCount(); ++row)
+        locos.push_back(model->loco(shown->mapToSource(shown->index(row, 0)).row()));
+    return locos;
+}
+
+void BackupViewer::saveFile(const QString &filter, const QByteArray &bytes)
+{
+    const QString fileName = TheFrontend().saveFileName(QStringLiteral("Tabelle speichern"), filter);
+    if (fileName.isEmpty() || (!bytes.isEmpty() && ReplaceFile(fileName, bytes)))
+        return;
+    TheFrontend().showBox(
+        {QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(QDir::toNativeSeparators(fileName)),
+            QStringLiteral("Fehler!"), BoxIcon::Critical});
+}
+
+void BackupViewer::exportCsv()
+{
+    const BusyScope busy;
+    if (busy.ok())
+        saveFile(QStringLiteral("*.csv"), CsvOf(shownLocos()));
+}
+
+void BackupViewer::exportPdf()
+{
+    const BusyScope busy;
+    if (busy.ok())
+        saveFile(QStringLiteral("*.pdf"), PdfOf(windowTitle(), shownLocos()));
+}
+
+void BackupViewer::print()
+{
+    const BusyScope busy;
+    if (!busy.ok())
+        return;
+    QPrinter printer;
+    printer.setPageOrientation(QPageLayout::Landscape);
+    printer.setDocName(windowTitle());
+    QPrintDialog dialog(&printer, this);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    const WaitingWindow waiting(&dialog);
+    dialog.show(); // where the system brings its own dialog, this waits until it is answered
+    PumpUntil([&dialog] { return !dialog.isVisible(); });
+    dialog.hide();
+    if (dialog.result() == QDialog::Accepted && !PrintTable(printer, windowTitle(), shownLocos()))
+        TheFrontend().showBox({QStringLiteral("Die Tabelle kann nicht gedruckt werden!"), QStringLiteral("Fehler!"),
+            BoxIcon::Critical});
+}
+
+void BackupViewer::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void OpenBackupViewer(const QString &fileName)
+{
+    const auto file = LoadDds(fileName);
+    if (!file) {
+        TheFrontend().showBox(
+            {QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(QDir::toNativeSeparators(fileName)),
+                QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return;
+    }
+    if (!viewer)
+        viewer = std::make_unique<BackupViewer>();
+    viewer->load(fileName, ReadDds(*file));
+}
+
+void ResetBackupViewer()
+{
+    viewer.reset();
+}

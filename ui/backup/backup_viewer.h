@@ -1,0 +1,55 @@
+// The window that shows the loco records of a backup file.
+#pragma once
+
+#include "handheld/backup/dds_file.h"
+
+#include <QSortFilterProxyModel>
+#include <QWidget>
+
+class BackupTable;
+class QLabel;
+class QLineEdit;
+class QTableView;
+struct BackupLoco;
+
+class BackupViewer : public QWidget
+{
+    Q_OBJECT
+
+public:
+    BackupViewer();
+
+    /// Shows a file's content. A damaged file is shown up to the damage, which the line under the table names.
+    void load(const QString &fileName, const DdsContent &content);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildTable();
+    QWidget *buildFilterRow();
+    void buildLayout();
+    void filterChanged();
+    [[nodiscard]] std::vector<BackupLoco> shownLocos() const;
+    void saveFile(const QString &filter, const QByteArray &bytes);
+    void exportCsv();
+    void exportPdf();
+    void print();
+
+    BackupTable *model;
+    QSortFilterProxyModel *shown;
+    QTableView *table;
+    QLineEdit *filterTxt;
+    QLabel *countLbl;
+    QLabel *summaryLbl;
+};
+
+/// What a file holds beside its loco records, and whether its structure is sound: two lines of German text.
+QString SummaryText(const DdsContent &content);
+
+/// Shows a file in the viewer; a file that cannot be read is reported by a "Fehler!" box. Nobody waits for the
+/// window.
+void OpenBackupViewer(const QString &fileName);
+
+/// Destroys the window. To be called while the application lives.
+void ResetBackupViewer();

@@ -1,0 +1,311 @@
+#include "ui/backup/selection_window.h"
+
+#include "platform/run_control.h"
+#include "platform/text.h"
+#include "ui/build_controls.h"
+#include "ui/qt_frontend.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace
+{
+
+enum Column { KindColumn, AllColumn, ListColumn, LimitColumn };
+constexpr int SearchRow = NumberedKindCount;
+constexpr int ListCharacters = 28;
+constexpr int AddressCharacters = 6;
+constexpr int HintLines = 3;
+constexpr QColor FaultColour(255, 214, 214);
+
+struct RowLook {
+    const char *key;    // of the check box and the list
+    const char *allKey; // empty for loco records
+    QString caption;
+};
+
+const RowLook &LookOf(NumberedKind kind)
+{
+    static const std::array<RowLook, NumberedKindCount> looks{
+        RowLook{"LokDaten", "", QStringLiteral("Lokdatensätze")},
+        RowLook{"LokSymbole", "AlleLokSym", QStringLiteral("Loksymbole")},
+        RowLook{"LokFktSymbole", "AlleFktSym", QStringLiteral("Funktionssymbole")},
+        RowLook{"MagSymbole", "AlleMagSym", QStringLiteral("Mag.Art. Symbole")}};
+    return looks.at(kind);
+}
+
+QString ControlName(const char *key, const char *kind)
+{
+    return QLatin1String(key) + QLatin1String(kind);
+}
+
+QCheckBox *NamedCheck(const char *key, const QString &caption, QWidget *parent)
+{
+    auto *box = new QCheckBox(caption, parent);
+    box->setObjectName(ControlName(key, "Chk"));
+    return box;
+}
+
+void SetWidthInCharacters(QWidget *field, int characters)
+{
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance(u'0') * characters);
+}
+
+/// Marks a field as wrong and names the fault to those who point at it or have it read aloud; an empty fault takes
+/// the mark away.
+void Mark(QLineEdit *field, const QString &fault)
+{
+    QPalette palette;
+    if (!fault.isEmpty()) {
+        palette.setColor(QPalette::Base, FaultColour);
+        palette.setColor(QPalette::Text, Qt::black);
+    }
+    field->setPalette(palette);
+    field->setToolTip(fault);
+    field->setAccessibleDescription(fault);
+}
+
+/// 0 when the text is not a plain number: no loco has that address.
+int AddressIn(const QLineEdit *field)
+{
+    const QString text = field->text().trimmed();
+    const int address = Val(text);
+    return QString::number(address) == text ? address : 0;
+}
+
+bool IsAddress(int number)
+{
+    return number >= FirstLoco && number <= LastLoco;
+}
+
+} // namespace
+
+SelectionWindow::SelectionWindow()
+    : QWidget(nullptr, Qt::Dialog)
+    , lokSucheChk(NamedCheck("LokSuche", QStringLiteral("Lokdatensätze suchen"), this))
+    , startTxt(NamedField(QStringLiteral("LokSucheAdrStartTxt"), QStringLiteral("Suche von Adresse"), this))
+    , stopTxt(NamedField(QStringLiteral("LokSucheAdrStopTxt"), QStringLiteral("Suche bis Adresse"), this))
+    , fsDatenChk(NamedCheck("FSdaten", QStringLiteral("Fahrstraßen"), this))
+    , magSymZuordChk(NamedCheck("MagSymZuord", QStringLiteral("Mag.Art. Symbolzuordnung"), this))
+    , magListeChk(NamedCheck("MagListe", QStringLiteral("Mag.Art. Liste"), this))
+    , hintLbl(NamedLabel(QStringLiteral("HinweisLbl"), QString(), this))
+    , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
+{
+    setObjectName(QStringLiteral("SicherungWin"));
+    setWindowTitle(QStringLiteral("Daten sichern"));
+    buildLayout();
+    connectControls();
+}
+
+void SelectionWindow::buildNumberedRow(QGridLayout *grid, NumberedKind kind)
+{
+    const RowLook &look = LookOf(kind);
+    const int gridRow = kind == LokDatenList ? 0 : kind + 1; // the search comes after the list of locos
+    NumberedRow &row = rows.at(kind);
+    row.wanted = NamedCheck(look.key, look.caption, this);
+    row.list = NamedField(ControlName(look.key, "Txt"), look.caption + QStringLiteral(", Nummern"), this);
+    SetWidthInCharacters(row.list, ListCharacters);
+    grid->addWidget(row.wanted, gridRow, KindColumn);
+    if (kind != LokDatenList) {
+        row.all = NamedCheck(look.allKey, QStringLiteral("alle"), this);
+        row.all->setAccessibleName(look.caption + QStringLiteral(", alle"));
+        grid->addWidget(row.all, gridRow, AllColumn);
+    }
+    grid->addWidget(row.list, gridRow, ListColumn);
+    const NumberLimits limits = LimitsOf(kind);
+    grid->addWidget(
+        new QLabel(QStringLiteral("%1 .. %2").arg(limits.low).arg(limits.high), this), gridRow, LimitColumn);
+}
+
+void SelectionWindow::buildSearchRow(QGridLayout *grid)
+{
+    grid->addWidget(lokSucheChk, 1, KindColumn);
+    auto *fields = new QHBoxLayout;
+    fields->addWidget(new QLabel(QStringLiteral("von Adresse"), this));
+    fields->addWidget(startTxt);
+    fields->addWidget(new QLabel(QStringLiteral("bis"), this));
+    fields->addWidget(stopTxt);
+    for (QLineEdit *field : {startTxt, stopTxt})
+        SetWidthInCharacters(field, AddressCharacters);
+    grid->addLayout(fields, 1, ListColumn);
+    grid->addWidget(new QLabel(QStringLiteral("%1 .. %2").arg(FirstLoco).arg(LastLoco), this), 1, LimitColumn);
+}
+
+void SelectionWindow::buildBlockRows(QGridLayout *grid)
+{
+    int row = SearchRow + 1;
+    for (QCheckBox *box : {fsDatenChk, magSymZuordChk, magListeChk})
+        grid->addWidget(box, row++, KindColumn, 1, -1);
+}
+
+void SelectionWindow::buildLayout()
+{
+    auto *grid = new QGridLayout;
+    buildNumberedRow(grid, LokDatenList);
+    buildSearchRow(grid);
+    for (const NumberedKind kind : {LokSymbolList, FktSymbolList, MagSymbolList})
+        buildNumberedRow(grid, kind);
+    buildBlockRows(grid);
+    auto *cancelButton = NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this);
+    auto *buttonRow = new QHBoxLayout;
+    buttonRow->addStretch();
+    buttonRow->addWidget(okButton);
+    buttonRow->addWidget(cancelButton);
+    hintLbl->setWordWrap(true);
+    hintLbl->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    hintLbl->setMinimumHeight(hintLbl->fontMetrics().lineSpacing() * HintLines);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(grid);
+    layout->addWidget(new QLabel(QStringLiteral("Nummern und Bereiche, zum Beispiel: 1-5,8"), this));
+    layout->addWidget(hintLbl);
+    layout->addLayout(buttonRow);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    connect(cancelButton, &QPushButton::clicked, this, [this] { answer(false); });
+    setTabOrders(cancelButton);
+}
+
+/// As the eye reads: line by line.
+void SelectionWindow::setTabOrders(QWidget *last)
+{
+    QList<QWidget *> order{rows.at(LokDatenList).wanted, rows.at(LokDatenList).list, lokSucheChk, startTxt, stopTxt};
+    for (const NumberedKind kind : {LokSymbolList, FktSymbolList, MagSymbolList})
+        order << rows.at(kind).wanted << rows.at(kind).all << rows.at(kind).list;
+    order << fsDatenChk << magSymZuordChk << magListeChk << okButton << last;
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order.at(i - 1), order.at(i));
+}
+
+void SelectionWindow::connectControls()
+{
+    for (QCheckBox *box : findChildren<QCheckBox *>())
+        connect(box, &QCheckBox::toggled, this, &SelectionWindow::check);
+    for (QLineEdit *field : findChildren<QLineEdit *>()) {
+        connect(field, &QLineEdit::textChanged, this, &SelectionWindow::check);
+        connect(field, &QLineEdit::returnPressed, okButton, &QPushButton::click);
+    }
+    // Who types numbers or chooses all of them wants that kind.
+    for (const NumberedRow &row : rows) {
+        connect(row.list, &QLineEdit::textEdited, row.wanted, [&row] { row.wanted->setChecked(true); });
+        if (row.all != nullptr)
+            connect(row.all, &QCheckBox::clicked, row.wanted, [&row](bool all) {
+                if (all)
+                    row.wanted->setChecked(true);
+            });
+    }
+    for (QLineEdit *field : {startTxt, stopTxt})
+        connect(field, &QLineEdit::textEdited, lokSucheChk, [this] { lokSucheChk->setChecked(true); });
+    connect(okButton, &QPushButton::clicked, this, [this] { answer(true); });
+}
+
+void SelectionWindow::open(const BackupSelection &selection)
+{
+    for (size_t i = 0; i < rows.size(); ++i) {
+        rows.at(i).wanted->setChecked(selection.numbered.at(i).wanted);
+        rows.at(i).list->setText(selection.numbered.at(i).list);
+        if (rows.at(i).all != nullptr)
+            rows.at(i).all->setChecked(selection.numbered.at(i).all);
+    }
+    lokSucheChk->setChecked(selection.lokSuche);
+    startTxt->setText(QString::number(selection.lokSucheStart));
+    stopTxt->setText(QString::number(selection.lokSucheStop));
+    fsDatenChk->setChecked(selection.fsDaten);
+    magSymZuordChk->setChecked(selection.magSymZuord);
+    magListeChk->setChecked(selection.magListe);
+    check();
+    show();
+    raise();
+    activateWindow();
+    rows.at(LokDatenList).wanted->setFocus();
+}
+
+BackupSelection SelectionWindow::selection() const
+{
+    BackupSelection chosen;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const NumberedRow &row = rows.at(i);
+        chosen.numbered.at(i) = {
+            row.wanted->isChecked(), row.all != nullptr && row.all->isChecked(), row.list->text().simplified()};
+    }
+    chosen.fsDaten = fsDatenChk->isChecked();
+    chosen.magSymZuord = magSymZuordChk->isChecked();
+    chosen.magListe = magListeChk->isChecked();
+    chosen.lokSuche = lokSucheChk->isChecked();
+    chosen.lokSucheStart = AddressIn(startTxt);
+    chosen.lokSucheStop = AddressIn(stopTxt);
+    return chosen;
+}
+
+QStringList SelectionWindow::markFaults(const BackupSelection &chosen)
+{
+    QStringList faults;
+    for (const NumberedKind kind : {LokDatenList, LokSymbolList, FktSymbolList, MagSymbolList}) {
+        const QString fault = ListFault(chosen, kind);
+        Mark(rows.at(kind).list, fault);
+        if (!fault.isEmpty())
+            faults += LookOf(kind).caption + QStringLiteral(": ") + fault;
+    }
+    const QString fault = SearchFault(chosen);
+    const bool onlyStopWrong = IsAddress(chosen.lokSucheStart) && !IsAddress(chosen.lokSucheStop);
+    const bool onlyStartWrong = !IsAddress(chosen.lokSucheStart) && IsAddress(chosen.lokSucheStop);
+    Mark(startTxt, onlyStopWrong ? QString() : fault);
+    Mark(stopTxt, onlyStartWrong ? QString() : fault);
+    if (!fault.isEmpty())
+        faults += QStringLiteral("Lokdatensätze suchen: ") + fault;
+    return faults;
+}
+
+void SelectionWindow::check()
+{
+    for (const NumberedRow &row : rows)
+        row.list->setEnabled(row.all == nullptr || !row.all->isChecked());
+    const BackupSelection chosen = selection();
+    const QStringList faults = markFaults(chosen);
+    const bool nothing = NothingWanted(chosen);
+    okButton->setEnabled(faults.isEmpty() && !nothing);
+    if (nothing)
+        hintLbl->setText(QStringLiteral("Bitte wählen Sie aus, was gesichert werden soll."));
+    else if (!faults.isEmpty())
+        hintLbl->setText(faults.join(u'\n'));
+    else
+        hintLbl->setText(DurationText(EstimatedSeconds(chosen))
+            + (chosen.lokSuche ? QStringLiteral(", für jede gefundene Lok etwas länger") : QString()));
+}
+
+void SelectionWindow::answer(bool ok)
+{
+    isAccepted = ok;
+    isAnswered = true;
+    hide();
+}
+
+void SelectionWindow::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+    answer(false);
+}
+
+void SelectionWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        answer(false);
+    else
+        QWidget::keyPressEvent(event);
+}
+
+bool AskForBackupSelection(BackupSelection &selection)
+{
+    SelectionWindow window;
+    const WaitingWindow waiting(&window);
+    window.open(selection);
+    if (!PumpUntil([&window] { return window.answered(); }) || !window.accepted())
+        return false;
+    selection = window.selection();
+    return true;
+}

@@ -1,0 +1,70 @@
+// "Daten sichern": the user chooses what a backup is to contain.
+//
+// Every control carries the name of its key in konf\Sicherung.txt: LokDatenChk, LokDatenTxt, AlleLokSymChk, ...
+#pragma once
+
+#include "handheld/backup/selection.h"
+
+#include <QWidget>
+
+class QCheckBox;
+class QGridLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+class SelectionWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    SelectionWindow();
+
+    /// Shows the window with a selection.
+    void open(const BackupSelection &selection);
+
+    /// What the controls say. An address field that holds no address gives 0.
+    [[nodiscard]] BackupSelection selection() const;
+
+    /// False while the user still chooses; accepted() tells what he chose.
+    [[nodiscard]] bool answered() const { return isAnswered; }
+    [[nodiscard]] bool accepted() const { return isAccepted; }
+
+protected:
+    /// The close box and Escape mean cancel.
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildNumberedRow(QGridLayout *grid, NumberedKind kind);
+    void buildSearchRow(QGridLayout *grid);
+    void buildBlockRows(QGridLayout *grid);
+    void buildLayout();
+    void setTabOrders(QWidget *last);
+    void connectControls();
+    void check();
+    QStringList markFaults(const BackupSelection &chosen);
+    void answer(bool ok);
+
+    /// The controls of a numbered kind.
+    struct NumberedRow {
+        QCheckBox *wanted = nullptr;
+        QCheckBox *all = nullptr; // none for loco records
+        QLineEdit *list = nullptr;
+    };
+    std::array<NumberedRow, NumberedKindCount> rows;
+    QCheckBox *lokSucheChk;
+    QLineEdit *startTxt;
+    QLineEdit *stopTxt;
+    QCheckBox *fsDatenChk;
+    QCheckBox *magSymZuordChk;
+    QCheckBox *magListeChk;
+    QLabel *hintLbl;
+    QPushButton *okButton;
+    bool isAnswered = false;
+    bool isAccepted = false;
+};
+
+/// Lets the user change the selection. False after a cancel or when the program ends; the selection is as it was
+/// then. The caller holds the busy scope.
+bool AskForBackupSelection(BackupSelection &selection);
