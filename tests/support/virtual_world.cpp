@@ -1,5 +1,6 @@
 #include "tests/support/virtual_world.h"
 
+#include "handheld/backup/selection.h"
 #include "handheld/block_tables.h"
 #include "handheld/discovery.h"
 #include "handheld/loco_record.h"
@@ -199,6 +200,7 @@ void ResetAllModules()
     ResetDiscovery();
     ResetLocoRecord();
     ResetDownload();
+    ResetSelection();
     ResetSymbolGeometry();
     ResetCatalogues();
     ResetBlockTables();
