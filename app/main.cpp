@@ -30,6 +30,9 @@ void TakeEndSignals(Events &events)
 {
     for (const int signal : {SIGINT, SIGTERM})
         std::signal(signal, [](int) { endSignalled = 1; });
+#ifdef SIGHUP
+    std::signal(SIGHUP, [](int) { endSignalled = 1; }); // the terminal was closed
+#endif
     events.every(SignalPollMs, [] {
         if (endSignalled != 0)
             RequestEnd();

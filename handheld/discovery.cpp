@@ -25,7 +25,6 @@ constexpr int FirstStateText = 51;
 constexpr int SecondStateText = 52;
 constexpr size_t TypeIndex = 5;
 constexpr size_t TypeLength = 5;
-constexpr double LastTrafficSeconds = 0.5;
 
 QString Decimal(size_t index)
 {

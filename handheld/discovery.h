@@ -14,6 +14,9 @@ extern QString HandheldKind;    // "Funk-HR", "Digital-Set" or empty
 /// Shows no box.
 void SetNormalMode(bool noWait, int &status);
 
+/// Pause after the handheld was sent back, for the last traffic.
+constexpr double LastTrafficSeconds = 0.5;
+
 /// Asks the handheld to identify itself. The texts stay empty when no answer came within 2 s, which the user
 /// sees as the box "Timeout" / "read_spibuf". The answer lies in SpiBuf[0..19]:
 ///   0 version major, 1 version minor, 2-4 day, month, year, 5-9 type number (ASCII, or digit values below 10)

@@ -180,10 +180,10 @@ void ResetFktSymbols()
 {
     const StoppableJob job;
     LayEmptyPicture();
-    for (int n = FirstResetSymbol; n < PairCount && !StoppableJob::stopRequested() && Comm().isOpen(); ++n) {
+    int failed = 0;
+    for (int n = FirstResetSymbol; n < PairCount && failed == 0 && !StoppableJob::stopRequested(); ++n) {
         TheFrontend().setProgressText(QStringLiteral("Fktsym. ") + QString::number(n));
-        WriteFktSymbol(n, 0);
-        WriteFktSymbol(n, 1);
+        failed = WriteFktSymbol(n, 0) | WriteFktSymbol(n, 1);
     }
     WaitSeconds(SettleSeconds);
 }

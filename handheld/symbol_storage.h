@@ -38,5 +38,5 @@ int ReadStartImage();
 int WriteStartImage();
 
 /// Resets the function symbols 164 to 255 to an empty picture, each shown as "Fktsym. n" in the progress window.
-/// Ends early when the user stops it, the port is lost or the program ends.
+/// Ends early after a symbol that failed, when the user stops it, the port is lost or the program ends.
 void ResetFktSymbols();

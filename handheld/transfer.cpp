@@ -92,6 +92,7 @@ int AwaitAnswer(const std::function<bool()> &answered, const QString &boxTitle)
         if (TheEvents().timeOfDay() - start > AnswerTimeoutSeconds) {
             if (!boxTitle.isEmpty() && !BoxesAreSilent())
                 TheFrontend().showBox({QStringLiteral("Timeout"), boxTitle, BoxIcon::Critical});
+            AbandonPageSequence();
             return 1;
         }
         TheEvents().pump();

@@ -43,7 +43,7 @@ namespace
 
 constexpr double EchoTimeoutSeconds = 2;
 constexpr double CtsTimeoutSeconds = 3;
-constexpr qint64 CtsPollUs = 5000;
+constexpr qint64 CtsPollUs = 1000;
 constexpr int OpcodeBit = 0x80;
 constexpr int LongAckOfImmediate = 0x6D; // 0xED without bit 7
 constexpr std::array<size_t, 5> GroupBases{5, 10, 15, 20, 25};
@@ -73,22 +73,22 @@ void MarkAsWritten()
     TxTime = TheEvents().timeOfDay();
 }
 
-/// Writes byte by byte while CTS is on; comes back later for the rest.
+/// Writes one byte while CTS is on and lets events run before the next one; while CTS is off, looks again later.
 void TransmitUnderCts(int id)
 {
     if (id != transmission || ctsPosition < 0)
         return;
-    while (ctsPosition <= TxLen + 1) {
-        if (SecondsSince(ctsStart) > CtsTimeoutSeconds)
-            break;
-        if (!Comm().cts()) {
-            TheEvents().after(CtsPollUs, [id] { TransmitUnderCts(id); });
-            return;
-        }
-        Comm().write(QByteArray(1, static_cast<char>(TxMsg.at(Index(ctsPosition)))));
-        ++ctsPosition;
+    if (ctsPosition > TxLen + 1 || SecondsSince(ctsStart) > CtsTimeoutSeconds) {
+        MarkAsWritten();
+        return;
     }
-    MarkAsWritten();
+    if (!Comm().cts() || !Comm().outputEmpty()) {
+        TheEvents().after(CtsPollUs, [id] { TransmitUnderCts(id); });
+        return;
+    }
+    Comm().write(QByteArray(1, static_cast<char>(TxMsg.at(Index(ctsPosition)))));
+    ++ctsPosition;
+    TheEvents().post([id] { TransmitUnderCts(id); });
 }
 
 void Transmit()
@@ -316,6 +316,9 @@ void DropPendingMessage()
     ctsPosition = -1;
     AwaitingAck = false;
     RxInMessage = false;
+    RxRead = RxWrite; // what was received before belongs to no later request
+    RxEmpty = true;
+    RxOverflow = false;
 }
 
 void ResetMessageLayer()

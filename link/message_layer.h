@@ -95,7 +95,7 @@ void UnpackHighBits(LocoNetMessage &message);
 /// Copies the 25 raw bytes (collectors, then D1..D20) of a 31-byte message.
 void CopyRawBytes(const LocoNetMessage &message, std::array<int, 25> &raw);
 
-/// Frees the slot and forgets a half received message: the port was closed or lost.
+/// Frees the slot and forgets what was received and not dispatched: the port was closed or lost.
 void DropPendingMessage();
 
 void ResetMessageLayer();

@@ -154,8 +154,9 @@ void SendRawText(const QString &text, int &status)
     while (next < bytes.size()) {
         if (SecondsSince(start) > RawTextTimeoutSeconds || WaitsMustEnd() || !Comm().isOpen())
             return;
-        if (Comm().cts()) {
+        if (Comm().cts() && Comm().outputEmpty()) {
             Comm().write(bytes.mid(next++, 1));
+            LetEventsRun();
             continue;
         }
         TheEvents().after(PromptPollUs, [] {});

@@ -4,7 +4,7 @@
 #include "platform/text.h"
 
 #include <QFile>
-#include <QStringList>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -14,22 +14,27 @@ int InterfaceType = InterfaceNone;
 namespace
 {
 
+bool unsaved = false;
+
 QString SettingsPath()
 {
     return KonfPath(QStringLiteral("\\konf\\ComPort.inf"));
 }
 
-/// One field: a quoted text keeps its blanks, a bare one loses them and ends at a comma.
-PortValue ParseField(const QString &line)
+/// Takes the next field off the content: a quoted text keeps its blanks, a bare one loses them; a comma or the end of
+/// the line ends it.
+PortValue TakeField(QString &content)
 {
-    const QString field = line.trimmed();
-    if (field.startsWith(u'"')) {
-        const qsizetype end = field.indexOf(u'"', 1);
-        return {field.mid(1, end < 0 ? -1 : end - 1), false};
-    }
-    const QString bare = field.section(u',', 0, 0).trimmed();
-    const bool digits = std::all_of(bare.begin(), bare.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-    return {bare, digits && !bare.isEmpty()};
+    const qsizetype first = content.indexOf(QRegularExpression(QStringLiteral("[^ \t]")));
+    const bool quoted = first >= 0 && content.at(first) == u'"';
+    const qsizetype textEnd = quoted ? content.indexOf(u'"', first + 1) : 0;
+    const qsizetype end = content.indexOf(QRegularExpression(QStringLiteral("[,\n]")), qMax<qsizetype>(textEnd, 0));
+    const QString field = content.left(end).trimmed();
+    content = end < 0 ? QString() : content.mid(end + 1);
+    if (quoted)
+        return {field.section(u'"', 1, 1), false};
+    const bool digits = std::all_of(field.begin(), field.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return {field, digits && !field.isEmpty()};
 }
 
 QString FieldText(const PortValue &value)
@@ -41,6 +46,8 @@ QString FieldText(const PortValue &value)
 
 void ReadSettings()
 {
+    if (unsaved)
+        return; // the file could not be written: what was chosen holds for this run
     QFile file(SettingsPath());
     ParseSettings(file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
 }
@@ -49,9 +56,9 @@ void ParseSettings(const QByteArray &content)
 {
     PortNumber = {};
     InterfaceType = InterfaceNone;
-    const QStringList lines = ScreenLines(QString::fromLatin1(content)).split(u'\n');
-    PortNumber = ParseField(lines.at(0));
-    const int kind = lines.size() > 1 ? Val(ParseField(lines.at(1)).text) : InterfaceNone;
+    QString rest = ScreenLines(QString::fromLatin1(content));
+    PortNumber = TakeField(rest);
+    const int kind = Val(TakeField(rest).text);
     if (kind >= InterfaceOrvanto1 && kind <= InterfaceDirect)
         InterfaceType = kind;
 }
@@ -60,12 +67,14 @@ void WriteSettings()
 {
     const QString kind = InterfaceType == InterfaceNone ? QString() : QString::number(InterfaceType);
     const QString content = FieldText(PortNumber) + u"\r\n" + kind + u"\r\n";
-    if (!ReplaceFile(SettingsPath(), content.toLatin1()))
+    unsaved = !ReplaceFile(SettingsPath(), content.toLatin1());
+    if (unsaved)
         ReportUnwritable(QStringLiteral("konf\\ComPort.inf"));
 }
 
 void ResetSettings()
 {
+    unsaved = false;
     PortNumber = {};
     InterfaceType = InterfaceNone;
 }

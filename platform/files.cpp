@@ -65,7 +65,7 @@ void ReportUnwritable(const QString &relative)
         return;
     unwritableReported = true;
     TheFrontend().showBox({QStringLiteral("Die Datei %1 kann nicht geschrieben werden!\r"
-                                          "Einstellungen gelten nur, bis das Programm beendet wird.")
+                                          "Das Programm arbeitet weiter, kann sich hier aber nichts merken.")
                                .arg(relative),
         QStringLiteral("Fehler!"), BoxIcon::Critical});
 }

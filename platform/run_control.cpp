@@ -15,6 +15,7 @@ struct State {
     bool endPosted = false;
     int busyDepth = 0;
     int pageSequences = 0; // and other exchanges that are finished when the program ends
+    bool sequenceAbandoned = false;
     int jobs = 0;
     bool stopConfirmed = false;
 };
@@ -55,7 +56,8 @@ void SetRunState(RunState run)
 
 bool WaitsMustEnd()
 {
-    return (state.run == RunState::Ending && state.pageSequences == 0) || state.run == RunState::Ended;
+    const bool finishing = state.pageSequences > 0 && !state.sequenceAbandoned;
+    return (state.run == RunState::Ending && !finishing) || state.run == RunState::Ended;
 }
 
 bool BoxesAreSilent()
@@ -94,6 +96,12 @@ PageSequence::~PageSequence()
 {
     if (granted)
         --state.pageSequences;
+    state.sequenceAbandoned = false;
+}
+
+void AbandonPageSequence()
+{
+    state.sequenceAbandoned = state.run == RunState::Ending;
 }
 
 MustFinish::MustFinish()

@@ -63,6 +63,10 @@ private:
     bool granted;
 };
 
+/// A step of the page sequence got no answer while the program ends: the rest of the sequence, the page program
+/// included, is given up (the flash is still as it was). No effect while the program runs.
+void AbandonPageSequence();
+
 /// A short exchange that has to take place even when the program is already ending, because a device would be left
 /// in a wrong state otherwise.
 class MustFinish

@@ -53,6 +53,9 @@ public:
     /// Discards what was written and has not left the PC yet.
     virtual void discardOutput() = 0;
 
+    /// True when all that was written has left the program, so that the next byte is not queued behind others.
+    [[nodiscard]] virtual bool outputEmpty() const { return true; }
+
     /// Number of received bytes that wait.
     [[nodiscard]] virtual int bytesWaiting() const = 0;
 

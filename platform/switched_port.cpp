@@ -116,3 +116,8 @@ QStringList SwitchedPort::availablePorts() const
 {
     return QStringList{QStringLiteral("Demo")} + machine.availablePorts();
 }
+
+bool SwitchedPort::outputEmpty() const
+{
+    return active->outputEmpty();
+}

@@ -25,6 +25,7 @@ public:
     void setOutputBufferSize(int bytes) override;
     void setReceiveThreshold(int bytes) override;
     void discardOutput() override;
+    [[nodiscard]] bool outputEmpty() const override;
     [[nodiscard]] int bytesWaiting() const override;
     QByteArray read() override;
     void write(const QByteArray &bytes) override;

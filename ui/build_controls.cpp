@@ -22,6 +22,15 @@ QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *p
     return button;
 }
 
+QFrame *NamedLine(const QString &name, QWidget *parent)
+{
+    auto *line = new QFrame(parent);
+    line->setObjectName(name);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
 QLineEdit *NamedField(const QString &name, const QString &accessibleName, QWidget *parent)
 {
     auto *field = new QLineEdit(parent);

@@ -4,6 +4,7 @@
 #include <QString>
 
 class PictureBox;
+class QFrame;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -11,6 +12,9 @@ class QWidget;
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent);
 QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent);
+
+/// A thin horizontal line.
+QFrame *NamedLine(const QString &name, QWidget *parent);
 
 /// A text field that screen readers announce by its label.
 QLineEdit *NamedField(const QString &name, const QString &accessibleName, QWidget *parent);

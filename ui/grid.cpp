@@ -71,6 +71,22 @@ Grid::Grid(int rows, int columns, QWidget *parent)
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::placeInput);
 }
 
+void Grid::hugColumns()
+{
+    hugsColumns = true;
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    updateGeometries();
+}
+
+void Grid::updateGeometries()
+{
+    QTableWidget::updateGeometries();
+    if (!hugsColumns)
+        return;
+    const int bar = verticalScrollBar()->maximum() > 0 ? verticalScrollBar()->sizeHint().width() : 0;
+    setFixedWidth(horizontalHeader()->length() + 2 * frameWidth() + bar);
+}
+
 void Grid::selectRows()
 {
     severalRows = true;

@@ -26,6 +26,9 @@ public:
     /// Makes the grid so wide that all columns and the vertical scroll bar fit.
     void fixWidthToColumns();
 
+    /// As fixWidthToColumns, but with room for the scroll bar only while it is there.
+    void hugColumns();
+
     /// Whole rows may be selected, also several; otherwise a selection of several cells collapses to the current one.
     void selectRows();
 
@@ -52,6 +55,7 @@ Q_SIGNALS:
     void inputLeft();
 
 protected:
+    void updateGeometries() override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -67,5 +71,6 @@ private:
     QLineEdit *input;
     QPersistentModelIndex inputCell;
     bool severalRows = false;
+    bool hugsColumns = false;
     bool pressLeftInput = false; // until the button is released
 };

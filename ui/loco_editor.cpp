@@ -30,7 +30,7 @@ namespace
 {
 
 enum Column { HeadColumn, OnColumn, OffColumn, MomentaryColumn, ColumnCount };
-constexpr std::array<int, ColumnCount> ColumnWidths{26, 28, 28, 30}; // 112 pixels together
+constexpr std::array<int, ColumnCount> ColumnWidths{26, 27, 27, 30}; // with the grid's frame 112 pixels together
 constexpr int RowHeight = 20;
 constexpr int HeadGap = 4;
 constexpr int LeastRowsShown = 8;
@@ -74,7 +74,7 @@ void LocoEditor::buildGrid()
         fktTab->setColumnWidth(static_cast<int>(i), ColumnWidths.at(i));
     for (int row = 0; row < FunctionCount; ++row)
         fktTab->setRowHeight(row, RowHeight);
-    fktTab->fixWidthToColumns();
+    fktTab->hugColumns();
     fktTab->setMinimumHeight(RowHeight * LeastRowsShown);
 }
 
@@ -133,8 +133,10 @@ void LocoEditor::buildLayout()
     fields->addWidget(lokSymPic, 2, 1, Qt::AlignLeft);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
+    layout->addWidget(NamedLine(QStringLiteral("Line1"), this));
     auto *gridArea = buildGridWithHeads();
     layout->addWidget(gridArea, 1, Qt::AlignHCenter);
+    layout->addWidget(NamedLine(QStringLiteral("Line2"), this));
     layout->addWidget(multiUniChk);
     layout->addLayout(buildButtons());
 }
@@ -238,6 +240,9 @@ void LocoEditor::readRecord()
     ReadLocoRecord(Val(address));
     if (!Comm().isOpen() || WaitsMustEnd()) {
         SetCurrentLocoRecord(before); // broken off: half a record must not be shown, nor written later
+        showName();
+        if (adrTxt->text() != address)
+            MultiUni = 0; // as the box was unticked when the address was typed
         return;
     }
     if (IsEmptyName(LokName))

@@ -8,6 +8,7 @@
 #include "platform/world.h"
 #include "symbols/editor/pixel_editor.h"
 #include "ui/backup/backup_commands.h"
+#include "ui/build_controls.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/help_win.h"
 #include "ui/import/import_window.h"
@@ -41,6 +42,8 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     auto *symbols = new QVBoxLayout;
     for (const SymbolEditorLook *look : {&LokSymbolLook(), &FktSymbolLook(), &MagSymbolLook()})
         symbols->addWidget(new SymbolEditor(*look, area));
+    symbols->insertWidget(1, NamedLine(QStringLiteral("Line3"), area));
+    symbols->insertWidget(3, NamedLine(QStringLiteral("Line4"), area));
     symbols->addStretch();
     auto *layout = new QHBoxLayout(area);
     layout->addWidget(locoEditor);
@@ -117,12 +120,6 @@ void MainWindow::setLokDataMenuVisible(bool visible)
 void MainWindow::updateLokDataMenu()
 {
     setLokDataMenuVisible(InterfaceType == InterfaceDirect);
-}
-
-void MainWindow::placeInFront(QWidget *window) const
-{
-    window->adjustSize();
-    window->move(frameGeometry().center() - window->rect().center());
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

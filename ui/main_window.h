@@ -25,8 +25,6 @@ public:
     void setLokDataMenuVisible(bool visible);
     /// Shows or hides the download's menu item as the interface kind says.
     void updateLokDataMenu();
-    /// Places a small window over the middle of this one.
-    void placeInFront(QWidget *window) const;
 
 protected:
     /// Never closes at once: the program ends when the running command has come to its end and the handheld has

@@ -11,13 +11,13 @@
 #include "symbols/editor/pixel_editor.h"
 #include "symbols/symbol_geometry.h"
 #include "ui/progress.h"
+#include "ui/qt_frontend.h"
 
 #include <QCoreApplication>
 
 namespace
 {
 
-constexpr double LastTrafficSeconds = 0.5;
 constexpr int BlankLineLength = 28;
 
 /// The line that names the publisher in the information box.
@@ -98,7 +98,10 @@ void EditStartImage()
     if (!Comm().isOpen() || WaitsMustEnd())
         return;
     SetStartImageGeometry();
-    EditPicture();
+    {
+        const WaitingWindow waiting(PixelEditorWindow());
+        EditPicture();
+    }
     const BoxText question{QStringLiteral("Soll das Startbild in den Handregler geschrieben werden?"),
         QStringLiteral("Startbild ändern?"), BoxIcon::None};
     if (!TheFrontend().askYesNo(question, true) || !HandheldConnected())

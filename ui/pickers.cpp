@@ -6,6 +6,7 @@
 #include "ui/catalogues/symbol_catalogue.h"
 #include "ui/grid.h"
 #include "ui/picture_cache.h"
+#include "ui/progress.h"
 #include "ui/qt_frontend.h"
 
 #include <QCloseEvent>
@@ -35,7 +36,8 @@ struct PickerLook {
 
 constexpr int NumberColumnWidth = 44;
 constexpr int WindowHeight = 600;
-constexpr double PauseSeconds = 0.1;
+constexpr int LeastDescriptionWidth = 160;
+constexpr int DescriptionMargin = 8;
 
 const PickerLook &LookOf(SymbolKind kind)
 {
@@ -99,10 +101,22 @@ void SymbolPicker::buildGrid()
         grid->setColumnWidth(column, look.pictureColumnWidth);
     for (int row = 0; row < look.rows; ++row)
         fillRow(row);
-    const int descriptionColumn = look.pictureColumns + 1;
-    grid->resizeColumnToContents(descriptionColumn);
-    grid->setColumnWidth(descriptionColumn, qMax(160, grid->columnWidth(descriptionColumn) + 8));
+    fitDescription();
+}
+
+/// Makes the last column wide enough for its longest text.
+void SymbolPicker::fitDescription()
+{
+    const int column = grid->columnCount() - 1;
+    grid->resizeColumnToContents(column);
+    grid->setColumnWidth(column, qMax(LeastDescriptionWidth, grid->columnWidth(column) + DescriptionMargin));
     grid->fixWidthToColumns();
+}
+
+void SymbolPicker::refreshRow(int number)
+{
+    fillRow(number);
+    fitDescription();
 }
 
 void SymbolPicker::fillRow(int number)
@@ -168,7 +182,7 @@ int PickSymbol(SymbolKind kind, int presentNumber)
     picker.hide();
     const int chosen = GewaehltesSymbol;
     if (kind != SymbolKind::Loco)
-        WaitSeconds(PauseSeconds);
+        WaitSeconds(ShortPauseSeconds);
     return chosen;
 }
 
@@ -176,7 +190,7 @@ void RefreshPickerRow(SymbolKind kind, int number)
 {
     const auto &picker = pickers.at(static_cast<size_t>(kind));
     if (picker)
-        picker->fillRow(number);
+        picker->refreshRow(number);
 }
 
 void ResetPickers()

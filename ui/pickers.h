@@ -14,8 +14,8 @@ class SymbolPicker : public QWidget
 public:
     explicit SymbolPicker(SymbolKind kind);
 
-    /// Writes the row of a symbol number from the catalogue.
-    void fillRow(int number);
+    /// Writes the row of a symbol number from the catalogue anew.
+    void refreshRow(int number);
 
     /// Shows the window and scrolls to a number.
     void open(int presentNumber);
@@ -26,6 +26,8 @@ protected:
 
 private:
     void buildGrid();
+    void fillRow(int number);
+    void fitDescription();
     void choose(int row);
     void cancel();
 

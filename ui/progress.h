@@ -14,3 +14,6 @@ public:
 
 /// Pause after most operations, so that their progress text can be read.
 constexpr double StandardDelaySeconds = 0.5;
+
+/// Pause after a pick and around the filling of tables.
+constexpr double ShortPauseSeconds = 0.1;

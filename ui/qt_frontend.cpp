@@ -10,8 +10,10 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -30,6 +32,14 @@ QMessageBox::Icon QtIcon(BoxIcon icon)
     default:
         return QMessageBox::NoIcon;
     }
+}
+
+void BelongTo(QDialog &dialog, QWidget *mainWindow)
+{
+    QWidget *front = QApplication::activeWindow() != nullptr ? QApplication::activeWindow() : mainWindow;
+    dialog.winId(); // makes the window that is told
+    if (front != nullptr && front->windowHandle() != nullptr)
+        dialog.windowHandle()->setTransientParent(front->windowHandle());
 }
 
 void BringForward(QWidget *window)
@@ -64,14 +74,17 @@ void QtFrontend::setMainWindow(MainWindow *window)
     mainWindow = window;
 }
 
+/// Boxes have no parent widget, since the window in front may be destroyed before them; the window system is told over
+/// which window they belong.
 std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
 {
-    auto widget = std::make_unique<QMessageBox>(QApplication::activeWindow());
+    auto widget = std::make_unique<QMessageBox>();
     widget->setTextFormat(Qt::PlainText);
     widget->setText(ScreenLines(box.text));
     widget->setWindowTitle(box.title);
     widget->setIcon(QtIcon(box.icon));
     widget->setWindowModality(Qt::ApplicationModal);
+    BelongTo(*widget, mainWindow);
     return widget;
 }
 
@@ -119,28 +132,51 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
 {
     if (BoxesAreSilent())
         return {};
-    QInputDialog dialog(QApplication::activeWindow());
+    QInputDialog dialog;
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
+    BelongTo(dialog, mainWindow);
     waitFor(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
 QString QtFrontend::fileName(const QString &title, const QString &filter, bool forSaving)
 {
-    if (BoxesAreSilent())
-        return {};
-    QFileDialog dialog(QApplication::activeWindow(), title, QString(), filter);
+    QFileDialog dialog(nullptr, title, QString(), filter);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    // The dialog's own questions would wait in a loop of their own.
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.setDefaultSuffix(filter.section(u'.', -1));
-    waitFor(dialog);
-    const QStringList chosen = dialog.selectedFiles();
-    return dialog.result() == QDialog::Accepted && !chosen.isEmpty() ? chosen.constFirst() : QString();
+    BelongTo(dialog, mainWindow);
+    while (!BoxesAreSilent()) {
+        waitFor(dialog);
+        const QStringList chosen = dialog.selectedFiles();
+        if (dialog.result() != QDialog::Accepted || chosen.isEmpty())
+            return {};
+        if (fileAccepted(chosen.constFirst(), forSaving))
+            return chosen.constFirst();
+    }
+    return {};
+}
+
+/// Asks before an existing file is replaced, and tells that a file to be opened does not exist.
+bool QtFrontend::fileAccepted(const QString &name, bool forSaving)
+{
+    const bool exists = QFileInfo(name).isFile();
+    if (forSaving && exists) {
+        return askYesNo({QStringLiteral("Die Datei \"%1\" gibt es schon.\rSoll sie ersetzt werden?").arg(name),
+                            QStringLiteral("Datei ersetzen?"), BoxIcon::None},
+            false);
+    }
+    if (!forSaving && !exists)
+        showBox({QStringLiteral("Die Datei \"%1\" gibt es nicht!").arg(name), QStringLiteral("Fehler!"),
+            BoxIcon::Critical});
+    return forSaving || exists;
 }
 
 QString QtFrontend::openFileName(const QString &title, const QString &filter)
@@ -158,7 +194,10 @@ void QtFrontend::showProgress(const QString &text)
     if (BoxesAreSilent())
         return;
     progress->showText(text);
-    mainWindow->placeInFront(progress.get());
+    QWidget *front = QApplication::activeWindow();
+    const bool usable = front != nullptr && front != progress.get();
+    progress->adjustSize();
+    progress->move((usable ? front : mainWindow)->frameGeometry().center() - progress->rect().center());
 }
 
 void QtFrontend::setProgressText(const QString &text)

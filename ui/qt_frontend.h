@@ -54,6 +54,7 @@ public:
 
 private:
     QString fileName(const QString &title, const QString &filter, bool forSaving);
+    bool fileAccepted(const QString &name, bool forSaving);
     std::unique_ptr<QMessageBox> makeBox(const BoxText &box);
     void waitFor(QDialog &dialog);
 

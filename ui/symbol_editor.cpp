@@ -14,6 +14,7 @@
 #include "ui/picture_box.h"
 #include "ui/picture_cache.h"
 #include "ui/progress.h"
+#include "ui/qt_frontend.h"
 
 #include <QDir>
 #include <QEvent>
@@ -147,8 +148,6 @@ QWidget *SymbolEditor::buildHalves()
         layout->insertWidget(look.secondHalfFirst ? 0 : i, button);
     }
     layout->addStretch();
-    if (look.secondHalfFirst)
-        setTabOrder(halves.constLast(), halves.constFirst());
     return frame;
 }
 
@@ -163,6 +162,21 @@ void SymbolEditor::buildLayout()
     buttons->addWidget(writeBut, 0, 1);
     buttons->addWidget(editBut, 1, 0);
     layout->addLayout(buttons);
+    orderTabs();
+}
+
+/// As the eye reads: number, halves, buttons.
+void SymbolEditor::orderTabs()
+{
+    QWidget *last = numberTxt;
+    const auto next = [&last](QWidget *control) {
+        setTabOrder(last, control);
+        last = control;
+    };
+    for (int i = 0; i < halves.size(); ++i)
+        next(halves.at(look.secondHalfFirst ? halves.size() - 1 - i : i));
+    for (QPushButton *button : {readBut, writeBut, editBut})
+        next(button);
 }
 
 int SymbolEditor::chosenHalf() const
@@ -225,6 +239,8 @@ void SymbolEditor::readSymbol()
         return; // broken off: the picture shown before stays the one to be written
     keepPicture();
     showPreview();
+    if (Val(numberTxt->text()) != number)
+        preview->setPicture(QPixmap()); // the user typed on: the picture does not belong to that number
     WaitSeconds(StandardDelaySeconds);
 }
 
@@ -234,15 +250,16 @@ void SymbolEditor::editSymbol()
     if (!busy.ok())
         return;
     layPicture();
-    EditPicture();
+    {
+        const WaitingWindow waiting(PixelEditorWindow());
+        EditPicture();
+    }
     keepPicture();
     showPreview();
 }
 
-bool SymbolEditor::saveToCatalogue(const QString &description)
+bool SymbolEditor::saveToCatalogue(int number, int half, const QString &description)
 {
-    const int number = Val(numberTxt->text());
-    const int half = chosenHalf();
     QString &entry =
         Katalog(look.kind).at(static_cast<size_t>(number)).at(static_cast<size_t>(CatalogueHalf(look.kind, half)));
     const QString name = QString::number(number) + u' ' + description + FileEnding(look.kind, half);
@@ -265,6 +282,9 @@ bool SymbolEditor::saveToCatalogue(const QString &description)
 void SymbolEditor::writeSymbol()
 {
     const BusyScope busy;
+    // Taken now: what is typed or chosen while the search runs belongs to the next command.
+    const int number = Val(numberTxt->text());
+    const int half = chosenHalf();
     if (!busy.ok() || !HandheldConnected())
         return;
     const QString description =
@@ -276,10 +296,10 @@ void SymbolEditor::writeSymbol()
         return;
     }
     const Progress progress(look.writeText);
-    if (!saveToCatalogue(description))
+    if (!saveToCatalogue(number, half, description))
         return;
     layPicture();
-    WriteSymbol(look.kind, Val(numberTxt->text()), chosenHalf());
+    WriteSymbol(look.kind, number, half);
     WaitSeconds(StandardDelaySeconds);
 }
 

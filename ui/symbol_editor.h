@@ -60,12 +60,13 @@ private:
     QWidget *buildNumberRow();
     QWidget *buildHalves();
     void buildLayout();
+    void orderTabs();
     void connectControls();
     void numberChanged();
     void readSymbol();
     void editSymbol();
     void writeSymbol();
-    bool saveToCatalogue(const QString &description);
+    bool saveToCatalogue(int number, int half, const QString &description);
     void pickNumber();
     void showPreview();
     void layPicture() const;

@@ -1,5 +1,6 @@
 #include "ui/zentrale_form.h"
 
+#include "handheld/discovery.h"
 #include "link/branding.h"
 #include "link/open_port.h"
 #include "link/settings_file.h"
@@ -46,6 +47,12 @@ ZentraleForm::ZentraleForm()
     layout->addLayout(buttonRow);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
+    QWidget *last = comPortNrTxt;
+    for (QWidget *control :
+        std::initializer_list<QWidget *>{iopt.at(0), iopt.at(1), iopt.at(2), okButton, cancelButton}) {
+        setTabOrder(last, control);
+        last = control;
+    }
     connect(okButton, &QPushButton::clicked, this, &ZentraleForm::accept);
     connect(cancelButton, &QPushButton::clicked, this, &ZentraleForm::cancel);
     connect(comPortNrTxt, &QLineEdit::returnPressed, this, &ZentraleForm::accept);
@@ -100,19 +107,30 @@ int ZentraleForm::chosenKind() const
 
 void ZentraleForm::accept()
 {
-    if (!isVisible() || (Busy() && !SelectionAwaited)) {
-        TheFrontend().raiseWaitingWindow(); // the port may not be closed under a running command
+    if (!isVisible())
+        return;
+    if (SelectionAwaited) {
+        takeSettings();
         return;
     }
+    const BusyScope busy; // the port may not be closed under a running command
+    if (!busy.ok())
+        return;
+    takeSettings();
+}
+
+void ZentraleForm::takeSettings()
+{
     if (chosenKind() == InterfaceNone) {
         TheFrontend().showBox({QStringLiteral("Bitte wählen Sie das Interface aus, das angeschlossen ist!"),
             QStringLiteral("Achtung!"), BoxIcon::None});
         return;
     }
-    InterfaceType = chosenKind();
-    PortNumber = {comPortNrTxt->text(), false};
+    CloseHandheld(); // a found one would stay in service behind the closed port
     if (Comm().isOpen())
         ClosePort();
+    InterfaceType = chosenKind();
+    PortNumber = {comPortNrTxt->text(), false};
     Q_EMIT interfaceChosen();
     hide();
     WriteSettings();

@@ -31,6 +31,7 @@ private:
     void offerPorts();
     [[nodiscard]] int chosenKind() const;
     void accept();
+    void takeSettings();
     void cancel();
 
     QLineEdit *comPortNrTxt;

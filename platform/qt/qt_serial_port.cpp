@@ -77,9 +77,10 @@ bool QtSerialPort::open()
 void QtSerialPort::applyModemLines()
 {
     // Pseudo-terminals and some adapters have no such lines; that is no reason to refuse them.
-    port.setDataTerminalReady(dtr);
-    if (port.flowControl() != QSerialPort::HardwareControl)
-        port.setRequestToSend(rts);
+    if (dtr)
+        port.setDataTerminalReady(*dtr);
+    if (rts && port.flowControl() != QSerialPort::HardwareControl)
+        port.setRequestToSend(*rts);
     port.clearError();
 }
 
@@ -158,6 +159,11 @@ void QtSerialPort::discardOutput()
 {
     if (port.isOpen())
         port.clear(QSerialPort::Output);
+}
+
+bool QtSerialPort::outputEmpty() const
+{
+    return port.bytesToWrite() == 0;
 }
 
 int QtSerialPort::bytesWaiting() const

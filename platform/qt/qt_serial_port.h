@@ -6,6 +6,8 @@
 
 #include <QSerialPort>
 
+#include <optional>
+
 class QtSerialPort : public SerialPort
 {
 public:
@@ -29,6 +31,7 @@ public:
     void setOutputBufferSize(int bytes) override;
     void setReceiveThreshold(int bytes) override;
     void discardOutput() override;
+    [[nodiscard]] bool outputEmpty() const override;
     [[nodiscard]] int bytesWaiting() const override;
     QByteArray read() override;
     void write(const QByteArray &bytes) override;
@@ -47,8 +50,8 @@ private:
     QString settings;
     int inputLength = 0;
     int receiveThreshold = 1;
-    bool dtr = false;
-    bool rts = false;
+    std::optional<bool> dtr; // unset: the line stays as the system opens it
+    std::optional<bool> rts;
     bool hasCts = false;
     bool hungUp = false;
     int opening = 0; // counts the openings, so that a late report never closes a newer one

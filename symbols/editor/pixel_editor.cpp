@@ -53,8 +53,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override { paintAt(event); }
-    void mouseMoveEvent(QMouseEvent *event) override { paintAt(event); }
+    void mousePressEvent(QMouseEvent *event) override
+    {
+        lastPosition = event->position();
+        paintAt(event->position(), event->buttons());
+    }
+    void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *) override { update(cellRect(cursor)); }
     void focusOutEvent(QFocusEvent *) override { update(cellRect(cursor)); }
@@ -66,11 +70,14 @@ private:
         return {Pixels(place.left), Pixels(place.top), Pixels(CellSize), Pixels(CellSize)};
     }
 
-    void paintAt(QMouseEvent *event);
+    static constexpr double StrokeStep = 5; // logical pixels, less than a cell
+
+    void paintAt(QPointF position, Qt::MouseButtons mouseButtons);
     void setCell(int number, int colour);
     void moveCursor(int columns, int rows);
 
-    int cursor = 1; // cell number
+    int cursor = 1;       // cell number
+    QPointF lastPosition; // of the pointer in a stroke
 };
 
 void PixelCanvas::paintEvent(QPaintEvent *event)
@@ -89,15 +96,25 @@ void PixelCanvas::paintEvent(QPaintEvent *event)
     }
 }
 
-void PixelCanvas::paintAt(QMouseEvent *event)
+/// A fast stroke comes as a few distant positions; the cells between them are painted too.
+void PixelCanvas::mouseMoveEvent(QMouseEvent *event)
 {
-    const QPointF twips = event->position() * TwipsPerPixel;
+    const QPointF way = event->position() - lastPosition;
+    const int steps = 1 + static_cast<int>(way.manhattanLength() / StrokeStep);
+    for (int i = 1; i <= steps; ++i)
+        paintAt(lastPosition + way * i / steps, event->buttons());
+    lastPosition = event->position();
+}
+
+void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
+{
+    const QPointF twips = position * TwipsPerPixel;
     const int number = CellAt(twips.x(), twips.y());
     if (number == 0)
         return;
-    if (event->buttons() == Qt::LeftButton)
+    if (mouseButtons == Qt::LeftButton)
         setCell(number, Black);
-    else if (event->buttons() == Qt::RightButton)
+    else if (mouseButtons == Qt::RightButton)
         setCell(number, White);
 }
 
@@ -247,10 +264,16 @@ void PixelEditor::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
 }
 
-void EditPicture()
+QWidget *PixelEditorWindow()
 {
     if (!theEditor)
         theEditor = std::make_unique<PixelEditor>();
+    return theEditor.get();
+}
+
+void EditPicture()
+{
+    PixelEditorWindow();
     theEditor->edit();
 }
 

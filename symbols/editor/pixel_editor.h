@@ -42,6 +42,9 @@ private:
     std::array<QPushButton *, 4> buttons{};
 };
 
+/// The editor's window, made on first use, for those who name it as the one that is waited for.
+QWidget *PixelEditorWindow();
+
 /// Opens the pixel editor, which is made on first use, and waits until the user is done.
 void EditPicture();
 

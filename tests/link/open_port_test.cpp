@@ -44,6 +44,7 @@ TEST_F(OpenPorts, SettingsFileKeepsWhatItHeld)
         {"\"3\"\r\n1\r\n", "3", 1, "\"3\"\r\n1\r\n"},
         {"\" ttyUSB0 \"\n2\n", " ttyUSB0 ", 2, "\" ttyUSB0 \"\r\n2\r\n"},
         {"ttyS1\r\n\"3\"", "ttyS1", 3, "\"ttyS1\"\r\n3\r\n"},
+        {"\"a,b\",3", "a,b", 3, "\"a,b\"\r\n3\r\n"},
         {"", "", 0, "\r\n\r\n"},
         {"7", "7", 0, "7\r\n\r\n"},
         {"\r\n9\r\n", "", 0, "\r\n\r\n"},
@@ -63,10 +64,14 @@ TEST_F(OpenPorts, MissingFolderIsReportedOnceARun)
     SetProgramFolder(folder.path() + QStringLiteral("/nowhere"));
     ReadSettings();
     user.acceptAnyBox();
+    EXPECT_EQ(InterfaceType, InterfaceNone);
+    choose(QStringLiteral("Demo"), InterfaceDirect);
     WriteSettings();
     WriteSettings();
     EXPECT_EQ(user.boxes.size(), 1);
-    EXPECT_EQ(InterfaceType, InterfaceNone);
+    ReadSettings(); // as the next round of the start does
+    EXPECT_EQ(InterfaceType, InterfaceDirect);
+    EXPECT_EQ(PortNumber.text, QStringLiteral("Demo"));
 }
 
 TEST_F(OpenPorts, DirectInterfaceIsSetUpInOrder)

@@ -31,7 +31,8 @@ protected:
     void click(const char *name);
     void trigger(const char *name);
 
+    std::unique_ptr<QtFrontend> frontend; // the real boxes, for tests that install them
+
 private:
-    std::unique_ptr<QtFrontend> frontend; // only for the menu item that shows the selection window
     std::unique_ptr<MainWindow> mainWindow;
 };

@@ -20,7 +20,6 @@ constexpr size_t AddressOffset = 0;
 constexpr size_t DesignationOffset = 2;
 constexpr size_t SymbolOffset = 4;
 constexpr int DesignationLength = 2;
-constexpr double PauseSeconds = 0.1;
 
 size_t Index(int row, size_t offset)
 {
@@ -53,18 +52,18 @@ int RoundedVal(const QString &text)
 
 AccessoryListEditor::AccessoryListEditor() : BlockEditor(Look(), MagListeLoaded) { }
 
-bool AccessoryListEditor::readTable()
+BlockEditor::ReadResult AccessoryListEditor::readTable()
 {
     const Progress progress(QStringLiteral("Lese Mag.Listendaten"));
-    ReadMagListe();
+    const int status = ReadMagListe();
     if (TransferBrokenOff())
-        return false;
-    WaitSeconds(PauseSeconds);
+        return ReadResult::BrokenOff;
+    WaitSeconds(ShortPauseSeconds);
     for (int row = 0; row < PlaceCount; ++row) {
         LetEventsRun();
         showPlace(row);
     }
-    return true;
+    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
 }
 
 void AccessoryListEditor::writeTable()

@@ -17,7 +17,7 @@ public:
     AccessoryListEditor();
 
 protected:
-    bool readTable() override;
+    ReadResult readTable() override;
     void writeTable() override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;

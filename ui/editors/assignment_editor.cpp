@@ -16,7 +16,6 @@ namespace
 
 constexpr int RedColumn = 1;
 constexpr int ProgressStep = 200; // rows between two progress texts
-constexpr double PauseSeconds = 0.1;
 
 BlockEditorLook Look()
 {
@@ -40,17 +39,17 @@ AssignmentEditor::AssignmentEditor() : BlockEditor(Look(), MagSymZuordLoaded)
     grid->setCurrentCell(0, RedColumn);
 }
 
-bool AssignmentEditor::readTable()
+BlockEditor::ReadResult AssignmentEditor::readTable()
 {
     const Progress progress(QStringLiteral("Lese Zuordnungsdaten"));
-    ReadMagZuordnung();
+    const int status = ReadMagZuordnung();
     if (TransferBrokenOff())
-        return false;
+        return ReadResult::BrokenOff;
     TheFrontend().setProgressText(QStringLiteral("Schreibe Tabelle"));
-    WaitSeconds(PauseSeconds);
+    WaitSeconds(ShortPauseSeconds);
     fillTable();
-    WaitSeconds(PauseSeconds);
-    return true;
+    WaitSeconds(ShortPauseSeconds);
+    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
 }
 
 void AssignmentEditor::fillTable()

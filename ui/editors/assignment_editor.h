@@ -16,7 +16,7 @@ public:
     AssignmentEditor();
 
 protected:
-    bool readTable() override;
+    ReadResult readTable() override;
     void writeTable() override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;

@@ -2,6 +2,7 @@
 
 #include "handheld/discovery.h"
 #include "platform/run_control.h"
+#include "platform/world.h"
 #include "ui/build_controls.h"
 #include "ui/catalogues/symbol_catalogue.h"
 #include "ui/editors/cell_input.h"
@@ -47,7 +48,7 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
     connect(readBut, &QPushButton::clicked, this, [this] { command([this] { read(); }); });
     connect(writeBut, &QPushButton::clicked, this, [this] { command([this] { write(); }); });
-    connect(cancelBut, &QPushButton::clicked, this, [this] { command([this] { hide(); }); });
+    connect(cancelBut, &QPushButton::clicked, this, &BlockEditor::leave);
     connect(grid, &Grid::cellActed, this, &BlockEditor::act);
     connect(grid, &Grid::inputAsked, this, [this](int row, int column) {
         if (takesInput(column))
@@ -107,31 +108,48 @@ void BlockEditor::hideEvent(QHideEvent *event)
 void BlockEditor::closeEvent(QCloseEvent *event)
 {
     event->ignore();
-    command([this] { hide(); });
+    leave();
 }
 
 void BlockEditor::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
-        command([this] { hide(); });
+        leave();
     else
         QWidget::keyPressEvent(event);
 }
 
+/// Hiding disturbs nobody else's command; a command of this window keeps it open.
+void BlockEditor::leave()
+{
+    input->runAfterInput([this] {
+        if (!working)
+            hide();
+        else
+            TheFrontend().raiseWaitingWindow();
+    });
+}
+
 void BlockEditor::command(const std::function<void()> &work)
 {
-    input->runAfterInput([work] {
+    input->runAfterInput([this, work] {
         const BusyScope busy;
-        if (busy.ok())
-            work();
+        if (!busy.ok())
+            return;
+        working = true;
+        work();
+        working = false;
     });
 }
 
 void BlockEditor::read()
 {
-    if (!HandheldConnected() || !readTable())
+    if (!HandheldConnected())
         return;
-    tableLoaded = true;
+    const ReadResult result = readTable();
+    if (result == ReadResult::BrokenOff)
+        return;
+    tableLoaded = result == ReadResult::Complete; // what a time-out left may not be written over months of work
     updateWriteButton();
 }
 
@@ -144,8 +162,11 @@ void BlockEditor::write()
 void BlockEditor::act(int row, int column)
 {
     const BusyScope busy;
-    if (busy.ok())
-        actOn(row, column);
+    if (!busy.ok())
+        return;
+    working = !takesInput(column); // an input is ended by the wish to leave
+    actOn(row, column);
+    working = false;
 }
 
 void BlockEditor::updateWriteButton()

@@ -54,9 +54,10 @@ protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
-    /// Reads the table, with its progress texts, and fills the grid. False when the transfer was broken off; table
-    /// and grid are as before then.
-    virtual bool readTable() = 0;
+    /// Reads the table, with its progress texts, and fills the grid; after a broken-off transfer table and grid are
+    /// as before.
+    enum class ReadResult { Complete, TimedOut, BrokenOff };
+    virtual ReadResult readTable() = 0;
     virtual void writeTable() = 0;
 
     /// A click, Enter or Space on a cell; F2 on a cell that takes input.
@@ -74,11 +75,14 @@ protected:
 private:
     void buildGrid(const BlockEditorLook &look);
     void buildLayout();
+    void leave();
     void command(const std::function<void()> &work);
     void read();
     void write();
     void act(int row, int column);
     void updateWriteButton();
+
+    bool working = false; // a command of this window runs
 
     bool &tableLoaded;
     QPushButton *readBut;

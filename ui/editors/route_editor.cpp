@@ -40,17 +40,18 @@ QString AddressText(int address)
 
 RouteEditor::RouteEditor() : BlockEditor(Look(), RoutesLoaded) { }
 
-bool RouteEditor::readTable()
+BlockEditor::ReadResult RouteEditor::readTable()
 {
+    int status = 0;
     {
         const Progress progress(QStringLiteral("Lese Fahrstraßen"));
-        ReadRoutes();
+        status = ReadRoutes();
     }
     if (TransferBrokenOff())
-        return false;
+        return ReadResult::BrokenOff;
     for (int row = 0; row < RouteCount; ++row)
         showRoute(row);
-    return true;
+    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
 }
 
 void RouteEditor::writeTable()

@@ -17,7 +17,7 @@ public:
     RouteEditor();
 
 protected:
-    bool readTable() override;
+    ReadResult readTable() override;
     void writeTable() override;
     /// Every act that is not discarded also sets the route's trigger: occupied from the column "bes.", free from all
     /// others. The marks in the grid follow only in the two trigger columns.

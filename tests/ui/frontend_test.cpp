@@ -1,0 +1,145 @@
+#include "ui/qt_frontend.h"
+
+#include "link/open_port.h"
+#include "link/settings_file.h"
+#include "platform/run_control.h"
+#include "platform/world.h"
+#include "tests/support/window_world.h"
+#include "ui/zentrale_form.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace
+{
+
+QList<QMessageBox *> OpenBoxes()
+{
+    QList<QMessageBox *> boxes;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        auto *box = qobject_cast<QMessageBox *>(widget);
+        if (box != nullptr && box->isVisible())
+            boxes += box;
+    }
+    return boxes;
+}
+
+QMessageBox *BoxTitled(const QString &title)
+{
+    for (QMessageBox *box : OpenBoxes()) {
+        if (box->windowTitle() == title)
+            return box;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+class RealFrontend : public WindowWorld
+{
+protected:
+    void SetUp() override
+    {
+        WindowWorld::SetUp();
+        window().show();
+        InstallWorld({&events, &port, frontend.get()});
+    }
+
+    /// While a box waits: do something with it.
+    void later(std::function<void()> action) { events.after(300'000, std::move(action)); }
+
+    const BoxText question{QStringLiteral("a\rb"), QStringLiteral("Frage"), BoxIcon::Information};
+};
+
+TEST_F(RealFrontend, PostedBoxesOutliveTheWindowsInFront)
+{
+    later([this] {
+        frontend->postBox({QStringLiteral("eins"), QStringLiteral("Erste"), BoxIcon::Critical});
+        BoxTitled(QStringLiteral("Vorn"))->button(QMessageBox::Ok)->click();
+    });
+    frontend->showBox({QStringLiteral("x"), QStringLiteral("Vorn"), BoxIcon::Critical});
+    frontend->postBox({QStringLiteral("zwei"), QStringLiteral("Zweite"), BoxIcon::Critical});
+    EXPECT_EQ(OpenBoxes().size(), 2);
+    restart(); // the main window goes, the boxes stay
+    EXPECT_EQ(OpenBoxes().size(), 2);
+    BoxTitled(QStringLiteral("Erste"))->button(QMessageBox::Ok)->click();
+    frontend->postBox({QStringLiteral("drei"), QStringLiteral("Dritte"), BoxIcon::Critical});
+    EXPECT_EQ(OpenBoxes().size(), 2);
+}
+
+TEST_F(RealFrontend, QuestionsSpeakGermanAndEndWithTheProgram)
+{
+    later([this] {
+        QMessageBox *box = BoxTitled(QStringLiteral("Frage"));
+        EXPECT_EQ(box->text(), QStringLiteral("a\nb"));
+        EXPECT_EQ(box->defaultButton(), box->button(QMessageBox::No));
+        EXPECT_EQ(box->button(QMessageBox::No)->text(), QStringLiteral("&Nein"));
+        box->button(QMessageBox::Yes)->click();
+    });
+    EXPECT_TRUE(frontend->askYesNo(question, false));
+    later([] {
+        QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+        QApplication::sendEvent(BoxTitled(QStringLiteral("Frage")), &escape);
+    });
+    EXPECT_FALSE(frontend->askYesNo(question, true));
+    later([this] { window().close(); });
+    EXPECT_FALSE(frontend->askYesNo(question, true));
+    EXPECT_TRUE(OpenBoxes().isEmpty());
+    EXPECT_FALSE(frontend->askYesNo(question, true)) << "no box any more while the program ends";
+    EXPECT_TRUE(frontend->saveFileName(QStringLiteral("x"), QStringLiteral("*.dds")).isEmpty());
+}
+
+TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)
+{
+    trigger("ZentraleMenu");
+    ZentraleForm *form = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == u"ZentraleForm" && widget->isVisible())
+            form = qobject_cast<ZentraleForm *>(widget);
+    }
+    ASSERT_NE(form, nullptr);
+    EXPECT_TRUE(form->findChild<QRadioButton *>(QStringLiteral("Iopt2"))->isChecked());
+    form->findChild<QLineEdit *>(QStringLiteral("ComPortNrTxt"))->setText(QStringLiteral(" ttyUSB7 "));
+    form->findChild<QRadioButton *>(QStringLiteral("Iopt0"))->setChecked(true);
+    auto *ok = form->findChild<QPushButton *>(QStringLiteral("OKButton"));
+    const int before = handheld().state.normalModes;
+    events.after(100'000, [ok] { ok->click(); }); // a second click while the first one works
+    ok->click();
+    EXPECT_EQ(handheld().state.normalModes, before + 1);
+    EXPECT_FALSE(port.isOpen());
+    EXPECT_FALSE(HandreglerGefunden);
+    EXPECT_EQ(PortNumber.text, QStringLiteral(" ttyUSB7 "));
+    EXPECT_EQ(InterfaceType, InterfaceOrvanto1);
+    EXPECT_FALSE(action("LokDataMenu")->isVisible());
+    trigger("ZentraleMenu");
+    form->close(); // Cancel: nobody waits, so the program goes on
+    EXPECT_EQ(CurrentRunState(), RunState::Running);
+}
+
+TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
+{
+    const StoppableJob job;
+    frontend->showProgress(QStringLiteral("Lösche Lok 1"));
+    QWidget *progress = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == u"Fortschritt")
+            progress = widget;
+    }
+    ASSERT_NE(progress, nullptr);
+    for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+        progress->close();
+        progress->close();
+        later([answer] {
+            EXPECT_EQ(OpenBoxes().size(), 1);
+            BoxTitled(QStringLiteral("Abbrechen?"))->button(answer)->click();
+        });
+        events.run(1);
+        EXPECT_EQ(StoppableJob::stopRequested(), answer == QMessageBox::Yes);
+        EXPECT_TRUE(progress->isVisible());
+    }
+}
