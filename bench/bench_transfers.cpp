@@ -1,6 +1,7 @@
 // Prints what every kind of transfer costs: messages, simulated time at the 50 ms cadence, the pure line time of the
 // same bytes, and the CPU time of program and simulation together.
 
+#include "handheld/block_tables.h"
 #include "handheld/discovery.h"
 #include "handheld/loco_record.h"
 #include "handheld/options.h"
@@ -29,7 +30,10 @@ std::vector<Kind> Kinds()
         {"read loco symbol", [] { ReadLokSymbol(1); }}, {"write loco symbol", [] { WriteLokSymbol(1); }},
         {"read symbol half", [] { ReadFktSymbol(1, 0); }}, {"write symbol half", [] { WriteFktSymbol(1, 0); }},
         {"read start image", [] { ReadStartImage(); }}, {"write start image", [] { WriteStartImage(); }},
-        {"read settings", [] { ReadSettingsBlock(); }}, {"write settings", [] { WriteSettingsBlock(); }}};
+        {"read settings", [] { ReadSettingsBlock(); }}, {"write settings", [] { WriteSettingsBlock(); }},
+        {"read routes", [] { ReadRoutes(); }}, {"write routes", [] { WriteRoutes(); }},
+        {"read assignment", [] { ReadMagZuordnung(); }}, {"write assignment", [] { WriteMagZuordnung(); }},
+        {"read accessory list", [] { ReadMagListe(); }}, {"write accessory list", [] { WriteMagListe(); }}};
 }
 
 } // namespace

@@ -16,7 +16,7 @@ bool IsDemoPort(const QString &portText)
 
 QString PortDevice(const QString &portText)
 {
-    const QString name = portText.trimmed();
+    QString name = portText.trimmed();
     const bool isNumber =
         !name.isEmpty() && std::all_of(name.begin(), name.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
     if (!isNumber)
