@@ -19,6 +19,7 @@ namespace
 {
 
 constexpr double StepTimeoutSeconds = 2;
+constexpr double QuietSeconds = 1.5;
 constexpr int NoAckYet = -1;
 constexpr int AckAlreadyDone = 1;
 
@@ -31,6 +32,7 @@ constexpr int RangeLast = 50;
 constexpr int RecordTries = 1 + 5; // a failed read of a part is repeated five times
 constexpr int MostRecords = 500;
 constexpr int FirstPosition = 7501;
+constexpr int RecordFollows = 0;
 constexpr int EndOfDatabase = 255;
 constexpr size_t NameStart = 3; // D4
 constexpr size_t NameBytes = 16;
@@ -186,6 +188,7 @@ int RequestStep(const Data &data, const Commands &commands, Data *answer = nullp
     int inner = Exchange(data, commands, code);
     if (inner == 0 && code != AckAccepted)
         inner = InnerNoAcknowledge;
+    RawReplyWanted = true; // what came before the acknowledge answers an older request
     if (inner == 0 && !Await(StationAnswered))
         inner = InnerNoAnswer;
     RawReplyWanted = false;
@@ -194,14 +197,36 @@ int RequestStep(const Data &data, const Commands &commands, Data *answer = nullp
     return inner;
 }
 
+/// After a failed request its answer may still come, and would pass for the next one's: drops answers until none has
+/// come for a while.
+void DropLateAnswers()
+{
+    double quietSince = TheEvents().timeOfDay();
+    RawReplyWanted = true;
+    const auto quiet = [&quietSince] {
+        if (!RawReplyWanted) {
+            RawReplyWanted = true;
+            quietSince = TheEvents().timeOfDay();
+        }
+        return SecondsSince(quietSince) > QuietSeconds || !Comm().isOpen();
+    };
+    PumpUntil(quiet);
+    RawReplyWanted = false;
+}
+
+/// One piece of a record. The answer is 0 or 255 in D1 of the first piece; anything else counts as no answer.
 int ReadPart(int number, int part, Data &answer)
 {
     const int position = FirstPosition + number - 1;
     int inner = 0;
     for (int attempt = 0; attempt < RecordTries; ++attempt) {
         inner = RequestStep({position >> 8, position & 0xFF, part}, {3, 1, 5}, &answer);
+        const bool strange = part == 0 && answer.at(0) != RecordFollows && answer.at(0) != EndOfDatabase;
+        if (inner == 0 && strange)
+            inner = InnerNoAnswer;
         if (inner == 0 || !Comm().isOpen() || WaitsMustEnd())
             break;
+        DropLateAnswers();
     }
     return inner;
 }

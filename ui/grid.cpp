@@ -105,6 +105,7 @@ QTableWidgetItem *Grid::cellItem(int row, int column)
     if (item(row, column) == nullptr) {
         auto *created = new QTableWidgetItem;
         created->setTextAlignment(Qt::AlignCenter);
+        created->setFlags(created->flags() & ~Qt::ItemIsEditable); // or Tab would open an editor in the next cell
         setItem(row, column, created);
     }
     return item(row, column);

@@ -50,7 +50,7 @@ void ProgressWindow::closeEvent(QCloseEvent *event)
     TheEvents().post([this] {
         const BoxText question{QStringLiteral("Soll nach dem laufenden Datensatz aufgehört werden?"),
             QStringLiteral("Abbrechen?"), BoxIcon::None};
-        if (TheFrontend().askYesNo(question, true))
+        if (TheFrontend().askYesNo(question, false))
             ConfirmStop();
         asking = false;
     });

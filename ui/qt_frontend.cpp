@@ -20,6 +20,8 @@
 namespace
 {
 
+constexpr qsizetype MostBoxLines = 25;
+
 std::vector<QWidget *> waitingWindows; // innermost last
 
 QMessageBox::Icon QtIcon(BoxIcon icon)
@@ -80,7 +82,10 @@ std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
 {
     auto widget = std::make_unique<QMessageBox>();
     widget->setTextFormat(Qt::PlainText);
-    widget->setText(ScreenLines(box.text));
+    const QStringList lines = ScreenLines(box.text).split(u'\n');
+    widget->setText(lines.first(qMin(lines.size(), MostBoxLines)).join(u'\n'));
+    if (lines.size() > MostBoxLines)
+        widget->setDetailedText(lines.join(u'\n')); // the buttons must stay on the screen
     widget->setWindowTitle(box.title);
     widget->setIcon(QtIcon(box.icon));
     widget->setWindowModality(Qt::ApplicationModal);

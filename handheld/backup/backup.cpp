@@ -2,6 +2,8 @@
 
 #include "handheld/backup/kept_state.h"
 #include "handheld/backup/number_list.h"
+#include "handheld/flash_map.h"
+#include "handheld/transfer.h"
 #include "platform/files.h"
 #include "platform/run_control.h"
 #include "platform/world.h"
@@ -52,7 +54,8 @@ void SaveLoco(Job &job, int address)
     if (!IsEmptyName(LokName)) {
         job.saved.set(index);
         Keep(job, id, status, PackLoco(address, CurrentLocoRecord()));
-    } else if (status != 0) {
+    } else if (status != 0 || SpiBuf.at(ReadPosition) != EmptyByte) {
+        // Also a record whose name begins with a character that no handheld writes: it must not be left out silently.
         job.outcome.unread.push_back(id);
     }
 }

@@ -104,7 +104,9 @@ QString DoubtfulGroup(const RestoreOutcome &outcome)
 {
     if (outcome.doubtful.empty())
         return {};
-    return Group(QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben:"), outcome.doubtful);
+    // When the handheld missed the page load, the whole page was written from other data.
+    return Group(QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben:"), outcome.doubtful)
+        + QStringLiteral("\rBitte auch die Nachbarn prüfen (je 8 Loks und je 8 Symbolnummern liegen zusammen).");
 }
 
 void ReportBrokenOff(const RestoreOutcome &outcome)

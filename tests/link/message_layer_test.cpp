@@ -61,6 +61,22 @@ TEST_F(MessageLayer, ADifferentEchoCountsAsNone)
     EXPECT_EQ(layout().bus.log.size(), 1U) << "a message is never sent again";
 }
 
+TEST_F(MessageLayer, TheEchosChecksumCountsToo)
+{
+    sim::Faults faults;
+    faults.lostEcho.nth = 1;
+    layout().faults.set(faults);
+    user.acceptAnyBox();
+    lay({0xBC, 1, 2});
+    events.run(0.3);
+    receive({0xBC, 1, 2, 0x00});
+    events.run(0.2);
+    EXPECT_EQ(TxLen, 2) << "not the echo";
+    receive({0xBC, 1, 2, 0xFF ^ 0xBC ^ 1 ^ 2});
+    events.run(0.2);
+    EXPECT_EQ(TxLen, -1);
+}
+
 TEST_F(MessageLayer, EchoTimeLimitAndMidnight)
 {
     user.acceptAnyBox();

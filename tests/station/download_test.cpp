@@ -194,8 +194,9 @@ TEST_F(Download, TheWindowCorrectsSendsAndSaves)
 
     flash().setBytes(24 * 64, QByteArray(64, '\xFF'));
     const QByteArray before = flashBytes(3 * 64, 64);
-    const QString question = QStringLiteral("Von 2 Loks sind 1 im Handregler schon gespeichert und werden "
-                                            "überschrieben.\rSollen die Loks gesendet werden?");
+    const QString question =
+        QStringLiteral("Von 2 Loks sind 1 im Handregler schon gespeichert und werden überschrieben\r"
+                       "(ihre Funktionssymbole bleiben). Sollen die Loks gesendet werden?");
     const QString title = QStringLiteral("Lokdaten senden");
     user.expect(question, title, QStringLiteral("Nein"));
     press("SendenBut");
@@ -205,8 +206,36 @@ TEST_F(Download, TheWindowCorrectsSendsAndSaves)
     user.expect(QStringLiteral("2 Loks in den Handregler geschrieben."), title);
     press("SendenBut");
     EXPECT_EQ(LokName, QStringLiteral("-leer-")) << "the editor's record is put back";
+    EXPECT_EQ(flashBytes(3 * 64 + 33, 24), before.mid(33, 24)) << "the station knows no function symbols";
     EXPECT_EQ(ReadLocoRecord(24), 0);
     EXPECT_EQ(LokName, QStringLiteral("STRASSE 0123456789012"));
     EXPECT_EQ(FktModus.at(0), 1);
     EXPECT_EQ(LokSymbol, 8);
+}
+
+TEST_F(Download, ALateAnswerNeverPassesForTheNextOne)
+{
+    for (int delayMs = 2050; delayMs <= 3000; delayMs += 190) {
+        layout().station.requests.clear();
+        bool late = false;
+        const auto timer = events.every(10, [&] { // one answer in the record loop is late
+            auto &settings = layout().station.settings;
+            settings.answerDelayUs = layout().station.requests.size() == 7 && !late ? delayMs * 1000 : 60'000;
+            late = late || layout().station.requests.size() > 7;
+        });
+        EXPECT_EQ(DownloadLocos(), 0);
+        events.stop(timer);
+        ASSERT_EQ(DownloadedLocos.size(), 9U) << delayMs;
+        for (size_t i = 0; i < 9; ++i)
+            EXPECT_EQ(DownloadedLocos.at(i).locoSymbol, layout().station.locos.at(i).symbol) << delayMs;
+    }
+}
+
+TEST_F(Download, ASecondSmallerDownloadReplacesTheFirst)
+{
+    trigger("LokDataMenu");
+    importWindow()->findChild<QLineEdit *>(QStringLiteral("FilterTxt"))->setText(QStringLiteral("4"));
+    layout().station.locos.resize(2);
+    trigger("LokDataMenu");
+    EXPECT_EQ(importWindow()->findChild<Grid *>(QStringLiteral("LokImportTab"))->rowCount(), 2);
 }

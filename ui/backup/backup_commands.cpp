@@ -10,10 +10,7 @@
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
 #include "ui/progress.h"
-
-#include <QApplication>
-#include <QCheckBox>
-#include <QLineEdit>
+#include "ui/shown_record.h"
 
 namespace
 {
@@ -22,38 +19,6 @@ QString Filter()
 {
     return QStringLiteral("*.dds");
 }
-
-template <typename Control> const Control *MainWindowControl(const char *name)
-{
-    for (const QWidget *window : QApplication::topLevelWidgets()) {
-        if (window->objectName() == u"VeskaWin")
-            return window->findChild<Control *>(QLatin1String(name));
-    }
-    return nullptr;
-}
-
-/// The loco editor's name and check box stay usable during a long job. What the user changed there meanwhile goes
-/// into the current record once the job has put that back.
-class ShownRecord
-{
-public:
-    ShownRecord() = default;
-    ~ShownRecord()
-    {
-        if (name != nullptr && name->text() != nameBefore)
-            LokName = UpperLatin1(name->text());
-        if (multiUni != nullptr && multiUni->isChecked() != multiUniBefore)
-            MultiUni = multiUni->isChecked() ? 1 : 0;
-    }
-    ShownRecord(const ShownRecord &) = delete;
-    ShownRecord &operator=(const ShownRecord &) = delete;
-
-private:
-    const QLineEdit *name = MainWindowControl<QLineEdit>("LoknameTxt");
-    const QCheckBox *multiUni = MainWindowControl<QCheckBox>("MultiUniChk");
-    QString nameBefore = name != nullptr ? name->text() : QString();
-    bool multiUniBefore = multiUni != nullptr && multiUni->isChecked();
-};
 
 BackupOutcome RunBackup(const QString &fileName, const BackupSelection &selection)
 {

@@ -14,7 +14,9 @@
 #include "ui/pickers.h"
 #include "ui/picture_cache.h"
 #include "ui/progress.h"
+#include "ui/shown_record.h"
 
+#include <QDir>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -23,8 +25,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
-#include <optional>
 
 namespace
 {
@@ -45,51 +47,58 @@ QString LocoCount(size_t count)
     return QString::number(count) + (count == 1 ? QStringLiteral(" Lok") : QStringLiteral(" Loks"));
 }
 
-/// Counts the locos whose place in the handheld is taken; nothing when the check was broken off.
-std::optional<int> CountTaken(const std::vector<DownloadedLoco> &locos)
+/// Finds the locos whose place in the handheld is taken. False when that was broken off.
+bool FindTaken(const std::vector<DownloadedLoco> &locos, std::vector<bool> &taken)
 {
     const StoppableJob job;
-    int taken = 0;
+    const Progress progress(QStringLiteral("Prüfe Lok "));
     for (const DownloadedLoco &loco : locos) {
         TheFrontend().setProgressText(QStringLiteral("Prüfe Lok ") + QString::number(loco.address));
         int status = 0;
-        taken += LocoRecordIsUsed(loco.address, status) ? 1 : 0;
+        taken.push_back(LocoRecordIsUsed(loco.address, status));
         if (status != 0 || StoppableJob::stopRequested())
-            return std::nullopt;
+            return false;
     }
-    return taken;
+    return true;
 }
 
-bool MayOverwrite(const std::vector<DownloadedLoco> &locos)
+bool MayOverwrite(const std::vector<DownloadedLoco> &locos, std::vector<bool> &taken)
 {
-    std::optional<int> taken;
-    {
-        const Progress progress(QStringLiteral("Prüfe Lok "));
-        taken = CountTaken(locos);
-    }
-    if (!taken)
+    if (!FindTaken(locos, taken))
         return false;
-    if (*taken == 0)
+    const auto count = std::count(taken.begin(), taken.end(), true);
+    if (count == 0)
         return true;
-    const QString text = QStringLiteral("Von %1 sind %2 im Handregler schon gespeichert und werden überschrieben.\r"
-                                        "Sollen die Loks gesendet werden?")
-                             .arg(locos.size() == 1 ? QStringLiteral("1 Lok") : LocoCount(locos.size()))
-                             .arg(*taken);
+    const QString text = QStringLiteral("Von %1 sind %2 im Handregler schon gespeichert und werden überschrieben\r"
+                                        "(ihre Funktionssymbole bleiben). Sollen die Loks gesendet werden?")
+                             .arg(LocoCount(locos.size()))
+                             .arg(count);
     return TheFrontend().askYesNo({text, QStringLiteral("Lokdaten senden"), BoxIcon::Information}, false);
 }
 
+/// Writes one loco. The station knows no function symbols: those of a record that is overwritten are kept.
+int WriteLoco(const DownloadedLoco &loco, bool taken)
+{
+    LocoRecord record = RecordOfLoco(loco);
+    if (taken) {
+        if (const int status = ReadLocoRecord(loco.address); status != 0)
+            return status;
+        record.symbols = FktSymbol;
+    }
+    SetCurrentLocoRecord(record);
+    return WriteLocoRecord(loco.address);
+}
+
 /// Number of records written; stops at the first failure, at the user's wish, and when port or program end.
-size_t WriteLocos(const std::vector<DownloadedLoco> &locos)
+size_t WriteLocos(const std::vector<DownloadedLoco> &locos, const std::vector<bool> &taken)
 {
     const StoppableJob job;
     const Progress progress(QStringLiteral("Sende Lok "));
     size_t written = 0;
-    for (const DownloadedLoco &loco : locos) {
-        if (StoppableJob::stopRequested())
-            break;
+    while (written < locos.size() && !StoppableJob::stopRequested()) {
+        const DownloadedLoco &loco = locos.at(written);
         TheFrontend().setProgressText(QStringLiteral("Sende Lok ") + QString::number(loco.address));
-        SetCurrentLocoRecord(RecordOfLoco(loco));
-        if (WriteLocoRecord(loco.address) != 0)
+        if (WriteLoco(loco, taken.at(written)) != 0)
             break;
         ++written;
     }
@@ -100,7 +109,7 @@ void ReportSent(const std::vector<DownloadedLoco> &locos, size_t written)
 {
     QString text = QStringLiteral("%1 in den Handregler geschrieben.").arg(LocoCount(written));
     if (written < locos.size()) {
-        text += QStringLiteral("\rNicht geschrieben, beginnend mit Adresse %1: %2.")
+        text += QStringLiteral("\rNicht oder nicht sicher geschrieben ab Adresse %1: %2.")
                     .arg(locos.at(written).address)
                     .arg(LocoCount(locos.size() - written));
     }
@@ -173,10 +182,10 @@ void ImportWindow::buildLayout()
 
 void ImportWindow::load()
 {
+    grid->setRowCount(0); // before the locos change: every row shows one
     locos = DownloadedLocos;
     unusable = UnusableLocos;
     filterTxt->clear();
-    grid->setRowCount(0);
     grid->setRowCount(static_cast<int>(locos.size()));
     for (int row = 0; row < grid->rowCount(); ++row)
         fillRow(row);
@@ -194,6 +203,7 @@ void ImportWindow::fillName(int row)
     grid->setText(row, NameColumn, loco.name);
     QTableWidgetItem *item = grid->item(row, NameColumn);
     item->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    item->setFlags(item->flags() | Qt::ItemIsEditable);
     item->setToolTip(loco.stationName);
     filling = false;
 }
@@ -206,6 +216,7 @@ void ImportWindow::fillRow(int row)
     filling = true;
     grid->setText(row, AddressColumn, QString::number(loco.address));
     const bool known = loco.locoSymbol < LokSymbolCount;
+    grid->setText(row, SymbolColumn, known ? QString() : QString::number(loco.locoSymbol));
     grid->setPicture(
         row, SymbolColumn, known ? PictureOfFile(PicturePath(SymbolKind::Loco, loco.locoSymbol, 0)) : QPixmap());
     for (size_t f = 0; f < FunctionCount; ++f)
@@ -273,7 +284,7 @@ void ImportWindow::showCount()
     if (chosen != locos.size())
         text += QStringLiteral(", davon %1 zum Senden und Sichern gewählt").arg(chosen);
     if (unusable > 0)
-        text += QStringLiteral("; %1 mit Adressen über 9999 weggelassen").arg(unusable);
+        text += QStringLiteral("; %1 mit Adressen außerhalb 1 .. 9999 weggelassen").arg(unusable);
     countLbl->setText(text);
 }
 
@@ -302,10 +313,11 @@ void ImportWindow::send()
         chosen.push_back(locos.at(static_cast<size_t>(row)));
     if (chosen.empty() || !HandheldConnected())
         return;
+    const ShownRecord shown;
     const KeptState kept;
-    if (!MayOverwrite(chosen))
-        return;
-    ReportSent(chosen, WriteLocos(chosen));
+    std::vector<bool> taken;
+    if (MayOverwrite(chosen, taken))
+        ReportSent(chosen, WriteLocos(chosen, taken));
 }
 
 void ImportWindow::save()
@@ -325,8 +337,9 @@ void ImportWindow::save()
         file += PackLoco(loco.address, RecordOfLoco(loco));
     }
     if (!ReplaceFile(name, file)) {
-        TheFrontend().showBox({QStringLiteral("Die Datei \"%1\" kann nicht geschrieben werden!").arg(name),
-            QStringLiteral("Fehler!"), BoxIcon::Critical});
+        TheFrontend().showBox(
+            {QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(QDir::toNativeSeparators(name)),
+                QStringLiteral("Fehler!"), BoxIcon::Critical});
     }
 }
 
