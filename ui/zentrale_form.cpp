@@ -94,6 +94,7 @@ void ZentraleForm::load()
     raise();
     activateWindow();
     comPortNrTxt->setFocus();
+    comPortNrTxt->selectAll();
 }
 
 int ZentraleForm::chosenKind() const
