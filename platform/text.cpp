@@ -38,6 +38,13 @@ QString NumberText(int number)
     return u' ' + QString::number(number);
 }
 
+QString WithoutTrailingBlanks(QString text)
+{
+    while (text.endsWith(u' '))
+        text.chop(1);
+    return text;
+}
+
 QString HexByte(int value)
 {
     return QString::number(value, 16).toUpper().rightJustified(2, u'0');

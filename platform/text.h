@@ -14,6 +14,9 @@ QString UpperLatin1(const QString &text);
 /// A number as it is appended to a message text that does not end in a blank: decimal with one leading blank.
 QString NumberText(int number);
 
+/// The text without the blanks at its end.
+QString WithoutTrailingBlanks(QString text);
+
 /// The value as upper-case hexadecimal text, padded to two digits.
 QString HexByte(int value);
 

@@ -231,13 +231,6 @@ int ReadPart(int number, int part, Data &answer)
     return inner;
 }
 
-QString WithoutTrailingBlanks(QString text)
-{
-    while (text.endsWith(u' '))
-        text.chop(1);
-    return text;
-}
-
 QString NameOf(const Data &answer)
 {
     QByteArray bytes;

@@ -183,9 +183,8 @@ void LocoEditor::clearShownRecord()
 void LocoEditor::showName()
 {
     const QSignalBlocker blocker(loknameTxt);
-    QString shown = IsEmptyName(LokName) ? LeerName() : LokName;
-    while (shown.endsWith(u' '))
-        shown.chop(1); // the record's filling blanks would only be in the way of typing
+    // The record's filling blanks would only be in the way of typing.
+    const QString shown = IsEmptyName(LokName) ? LeerName() : WithoutTrailingBlanks(LokName);
     loknameTxt->setText(shown);
     loknameTxt->setCursorPosition(0);
 }

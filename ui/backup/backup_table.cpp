@@ -148,12 +148,7 @@ std::vector<BackupLoco> LocosIn(const DdsContent &content)
 
 QString ShownName(const LocoRecord &record)
 {
-    if (IsEmptyName(record.name))
-        return LeerName();
-    QString name = record.name;
-    while (name.endsWith(u' '))
-        name.chop(1);
-    return name;
+    return IsEmptyName(record.name) ? LeerName() : WithoutTrailingBlanks(record.name);
 }
 
 QPixmap LocoPicture(const LocoRecord &record)
