@@ -20,6 +20,7 @@ namespace
 
 constexpr double StepTimeoutSeconds = 2;
 constexpr double QuietSeconds = 1.5;
+constexpr double LongestQuietWaitSeconds = 10;
 constexpr int NoAckYet = -1;
 constexpr int AckAlreadyDone = 1;
 
@@ -198,17 +199,19 @@ int RequestStep(const Data &data, const Commands &commands, Data *answer = nullp
 }
 
 /// After a failed request its answer may still come, and would pass for the next one's: drops answers until none has
-/// come for a while.
+/// come for a while. Traffic of other devices does not prolong the wait, and no traffic keeps it up for good.
 void DropLateAnswers()
 {
-    double quietSince = TheEvents().timeOfDay();
+    const double start = TheEvents().timeOfDay();
+    double quietSince = start;
     RawReplyWanted = true;
-    const auto quiet = [&quietSince] {
-        if (!RawReplyWanted) {
+    const auto quiet = [&] {
+        if (StationAnswered()) {
             RawReplyWanted = true;
             quietSince = TheEvents().timeOfDay();
         }
-        return SecondsSince(quietSince) > QuietSeconds || !Comm().isOpen();
+        const bool enough = SecondsSince(quietSince) > QuietSeconds || SecondsSince(start) > LongestQuietWaitSeconds;
+        return enough || !Comm().isOpen() || StoppableJob::stopRequested();
     };
     PumpUntil(quiet);
     RawReplyWanted = false;

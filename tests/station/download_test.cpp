@@ -231,6 +231,25 @@ TEST_F(Download, ALateAnswerNeverPassesForTheNextOne)
     }
 }
 
+TEST_F(Download, TrafficOfOthersNeverKeepsUpTheWaitForLateAnswers)
+{
+    const sim::Bytes station = sim::WithChecksum(
+        {0xE5, 0x1F, 0x01, 0x50, 0x43, 0, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
+    sim::Bytes foreign = station;
+    foreign.at(2) = 8;
+    for (const sim::Bytes &message : {foreign, station}) {
+        const auto timer = events.every(1000, [&] { layout().inject(message); });
+        layout().station.requests.clear();
+        layout().station.settings.silentFrom = 6;
+        user.acceptAnyBox();
+        const qint64 start = events.nowUs;
+        DownloadLocos();
+        events.stop(timer);
+        EXPECT_LT(events.nowUs - start, 120'000'000);
+        expectHandheldUsable();
+    }
+}
+
 TEST_F(Download, ASecondSmallerDownloadReplacesTheFirst)
 {
     trigger("LokDataMenu");
