@@ -11,6 +11,11 @@ constexpr quint8 ContinuousRead = 0xE8;
 constexpr quint8 PageToBuffer1 = 0x53;
 constexpr quint8 Buffer1Write = 0x84;
 constexpr quint8 Buffer1ToPage = 0x83;
+constexpr quint8 ComparePage = 0x60;
+constexpr quint8 Status = 0xD7;
+constexpr quint8 StatusReady = 0x80;
+constexpr quint8 StatusDiffers = 0x40;
+constexpr quint8 StatusSize = 0x34;
 constexpr std::size_t CommandSize = 4;
 constexpr std::size_t ReadHeaderSize = 8;
 constexpr quint8 Erased = 0xFF;
@@ -41,7 +46,10 @@ void Dataflash::clock(std::span<quint8> bytes, qint64 nowUs)
     if (bytes.empty())
         return;
     const quint8 opcode = bytes[0];
-    if (nowUs >= state.busyUntilUs && bytes.size() >= CommandSize && run(bytes, nowUs)) {
+    if (opcode == Status) {
+        ++state.executed.at(opcode);
+        readStatus(bytes, nowUs);
+    } else if (nowUs >= state.busyUntilUs && bytes.size() >= CommandSize && run(bytes, nowUs)) {
         ++state.executed.at(opcode);
     } else {
         ++state.ignored;
@@ -65,6 +73,9 @@ bool Dataflash::run(std::span<quint8> bytes, qint64 nowUs)
         break;
     case Buffer1ToPage:
         program(address / PageSize, nowUs);
+        break;
+    case ComparePage:
+        compare(address / PageSize, nowUs);
         break;
     default:
         return false;
@@ -105,6 +116,22 @@ void Dataflash::program(int page, qint64 nowUs)
     state.programmingPage = page;
     state.busyUntilUs = nowUs + EraseAndProgramUs;
     savePage(page);
+}
+
+void Dataflash::compare(int page, qint64 nowUs)
+{
+    const auto stored = state.memory.begin() + PageStart(page);
+    state.differs = !std::equal(state.buffer1.begin(), state.buffer1.end(), stored);
+    state.busyUntilUs = nowUs + TransferUs;
+    state.programmingPage = -1;
+}
+
+void Dataflash::readStatus(std::span<quint8> bytes, qint64 nowUs) const
+{
+    const int ready = nowUs >= state.busyUntilUs ? StatusReady : 0;
+    const int differs = state.differs ? StatusDiffers : 0;
+    bytes[0] = FloatingOutput; // while the opcode goes in
+    std::ranges::fill(bytes.subspan(1), static_cast<quint8>(ready | differs | StatusSize));
 }
 
 void Dataflash::cutPower(qint64 nowUs)

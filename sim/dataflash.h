@@ -5,7 +5,9 @@
 //   0x53  A23-16 A15-8 x                                  page to buffer 1
 //   0x84  x  (bit 0 = offset bit 8)  offset 7-0  data...  buffer 1 write, wraps at the buffer's end
 //   0x83  A23-16 A15-8 x                                  buffer 1 to page with built-in erase
-// While the chip is busy it ignores commands. Where it drives no data its output floats high and reads 0xFF.
+//   0x60  A23-16 A15-8 x                                  compare page with buffer 1; the result stands in the status
+//   0xD7  status out...                                   bit 7 = ready, bit 6 = page and buffer differed, 0x34 = size
+// While the chip is busy it ignores commands, except for the status. Where it drives no data its output floats high and reads 0xFF.
 #pragma once
 
 #include <QByteArray>
@@ -31,6 +33,7 @@ struct DataflashState {
     std::array<int, 256> executed{};                                   // index = opcode: accepted commands
     int ignored = 0;          // commands that came while the chip was busy, were cut short or unknown
     int programmingPage = -1; // page of the last program command
+    bool differs = false;     // result of the last compare
     qint64 busyUntilUs = 0;
 };
 
@@ -61,6 +64,8 @@ private:
     void loadBuffer(int page, qint64 nowUs);
     void writeBuffer(std::span<const quint8> data, int offset);
     void program(int page, qint64 nowUs);
+    void compare(int page, qint64 nowUs);
+    void readStatus(std::span<quint8> bytes, qint64 nowUs) const;
     void savePage(int page);
     [[nodiscard]] bool run(std::span<quint8> bytes, qint64 nowUs);
 

@@ -37,6 +37,9 @@ struct Faults {
     int foreignCount = 3;
     Fault hangUp; // the interface vanishes when this message is written
 
+    // Occasion: a request that reaches the handheld. It does not hear it, and so does not answer.
+    Fault missedRequest;
+
     // Occasion: a long acknowledge of the handheld.
     Fault lostAck;
     Fault otherAck; // it carries otherAckCode instead of the usual code

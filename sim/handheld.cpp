@@ -81,6 +81,8 @@ std::vector<BusAnswer> Handheld::receive(const Bytes &message, qint64 timeUs)
         ++state.rejected;
         return {};
     }
+    if (box.strikes(box.faults.missedRequest))
+        return {};
     return handle(message, timeUs);
 }
 

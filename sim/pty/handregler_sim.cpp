@@ -36,6 +36,7 @@ const std::array FaultOptions{
     FaultOption{"foreign", &Faults::foreignBeforeEcho, "fremde Meldungen vor dem Echo."},
     FaultOption{"foreign-after", &Faults::foreignAfterEcho, "fremde Meldungen zwischen Echo und Antwort."},
     FaultOption{"hangup-after", &Faults::hangUp, "Port bei dieser Meldung trennen."},
+    FaultOption{"miss-request", &Faults::missedRequest, "Handregler überhört eine Anforderung."},
     FaultOption{"lose-ack", &Faults::lostAck, "Quittung verlieren."},
     FaultOption{"other-ack", &Faults::otherAck, "Quittung mit Code 0."},
     FaultOption{"power-cut", &Faults::powerCut, "Stromausfall beim Programmieren einer Seite."},
