@@ -1,4 +1,4 @@
-#include "link/branding.h"
+#include "program/branding.h"
 
 const Branding &TheBranding()
 {

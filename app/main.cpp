@@ -1,16 +1,15 @@
 // Puts the program together: platform, link, windows, and the simulated handheld behind the port named "Demo".
 
 #include "handheld/discovery.h"
-#include "link/open_port.h"
-#include "link/start_up.h"
+#include "link/link_driver.h"
 #include "platform/files.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_serial_port.h"
-#include "platform/run_control.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
+#include "program/run_control.h"
 #include "sim/demo_port.h"
-#include "ui/catalogues/symbol_catalogue.h"
+#include "ui/common/start_up.h"
 #include "ui/main_window.h"
 #include "ui/qt_frontend.h"
 
@@ -44,7 +43,7 @@ void EndProgram(QtFrontend &frontend)
 {
     SetRunState(RunState::Leaving);
     frontend.hideAllWindows();
-    CloseHandheld();
+    static_cast<void>(SendHandheldBack()); // a silent one needs nothing more
     Comm().close();
     SetRunState(RunState::Ended);
     QtEvents::quit();
@@ -66,14 +65,16 @@ int main(int argc, char *argv[])
     QtSerialPort machinePort(events);
     sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
-    InstallWorld({&events, &port, nullptr});
+    InstallWorld({&events, &port});
     QtFrontend frontend;
-    InstallWorld({&events, &port, &frontend});
+    InstallAsk(&frontend);
+    InstallWindows(&frontend);
     MainWindow mainWindow(frontend);
     frontend.setMainWindow(&mainWindow);
+    const LinkDriver driver;
 
     OnEndReady([&frontend] { EndProgram(frontend); });
     TakeEndSignals(events);
-    events.post([] { Main({ScanCatalogues, ConnectHandheld}); });
+    events.post(Main);
     return QtEvents::run();
 }

@@ -1,11 +1,11 @@
 // Prints what opening a symbol picker costs with a full catalogue: the first time, again, and the growth of the
 // program's memory over a hundred choices.
 
-#include "platform/run_control.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
 #include "tests/support/window_world.h"
-#include "ui/catalogues/symbol_catalogue.h"
-#include "ui/grid.h"
-#include "ui/pickers.h"
+#include "ui/common/pickers.h"
+#include "ui/widgets/grid.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

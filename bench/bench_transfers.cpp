@@ -1,12 +1,9 @@
 // Prints what every kind of transfer costs: messages, simulated time at the 50 ms cadence, the pure line time of the
 // same bytes, and the CPU time of program and simulation together.
 
-#include "handheld/block_tables.h"
 #include "handheld/discovery.h"
-#include "handheld/loco_record.h"
 #include "handheld/options.h"
-#include "handheld/symbol_storage.h"
-#include "link/open_port.h"
+#include "handheld/record_kinds.h"
 #include "tests/support/virtual_world.h"
 
 #include <cstdio>
@@ -23,17 +20,38 @@ struct Kind {
     std::function<void()> run;
 };
 
+SpiImage image{};
+
+std::function<void()> Reading(const RecordId &id)
+{
+    return [id] { static_cast<void>(ReadRecord(image, id, [](int) {})); };
+}
+
+std::function<void()> Writing(const RecordId &id, const RecordValue &value)
+{
+    return [=] { static_cast<void>(WriteRecord(image, id, value, Patience::Agreed)); };
+}
+
 std::vector<Kind> Kinds()
 {
-    return {{"handheld search", ConnectHandheld}, {"read loco record", [] { ReadLocoRecord(3); }},
-        {"write loco record", [] { WriteLocoRecord(3); }}, {"delete loco record", [] { DeleteLocoRecord(4); }},
-        {"read loco symbol", [] { ReadLokSymbol(1); }}, {"write loco symbol", [] { WriteLokSymbol(1); }},
-        {"read symbol half", [] { ReadFktSymbol(1, 0); }}, {"write symbol half", [] { WriteFktSymbol(1, 0); }},
-        {"read start image", [] { ReadStartImage(); }}, {"write start image", [] { WriteStartImage(); }},
-        {"read settings", [] { ReadSettingsBlock(); }}, {"write settings", [] { WriteSettingsBlock(); }},
-        {"read routes", [] { ReadRoutes(); }}, {"write routes", [] { WriteRoutes(); }},
-        {"read assignment", [] { ReadMagZuordnung(); }}, {"write assignment", [] { WriteMagZuordnung(); }},
-        {"read accessory list", [] { ReadMagListe(); }}, {"write accessory list", [] { WriteMagListe(); }}};
+    constexpr auto agreed = Patience::Agreed;
+    const Picture start{StartImageGeometry, std::vector<int>(262, 0)};
+    return {{"handheld search", [] { static_cast<void>(FindHandheld()); }},
+        {"read loco record", Reading({KindLoco, 3})}, {"write loco record", Writing({KindLoco, 3}, LocoRecord{})},
+        {"delete loco record", [] { static_cast<void>(DeleteLoco(image, 4, agreed)); }},
+        {"read loco symbol", Reading({KindLokSymbol, 1})},
+        {"write loco symbol", Writing({KindLokSymbol, 1}, EmptyPicture(SymbolKind::Loco))},
+        {"read symbol half", Reading({KindFktSymbolOn, 1})},
+        {"write symbol half", Writing({KindFktSymbolOn, 1}, EmptyPicture(SymbolKind::Function))},
+        {"read start image", [] { static_cast<void>(ReadStartPicture(image)); }},
+        {"write start image", [start] { static_cast<void>(WriteStartPicture(image, start, agreed)); }},
+        {"read settings", [] { static_cast<void>(ReadSettingsBlock(image)); }},
+        {"write settings", [] { static_cast<void>(WriteSettingsBlock(image, {}, agreed)); }},
+        {"read routes", Reading({KindRoutes, 0})}, {"write routes", Writing({KindRoutes, 0}, Routes{})},
+        {"read assignment", Reading({KindMagZuordnung, 0})},
+        {"write assignment", Writing({KindMagZuordnung, 0}, Assignment{})},
+        {"read accessory list", Reading({KindMagListe, 0})},
+        {"write accessory list", Writing({KindMagListe, 0}, AccessoryList{})}};
 }
 
 } // namespace

@@ -2,25 +2,14 @@
 
 #include "handheld/backup/dds_file.h"
 #include "handheld/backup/selection.h"
-#include "link/settings_file.h"
+#include "program/settings_file.h"
 
 namespace
 {
 
 QByteArray PackedAgain(const DdsRecord &record)
 {
-    switch (record.id.kind) {
-    case KindLoco:
-        return PackLoco(record.id.number, UnpackLoco(record));
-    case KindRoutes:
-    case KindMagZuordnung:
-    case KindMagListe:
-        UnpackBlock(record);
-        return PackBlock(record.id.kind);
-    default:
-        UnpackSymbol(record);
-        return PackSymbol(record.id);
-    }
+    return PackRecord(record.id, UnpackRecord(record));
 }
 
 bool NumberIsPossible(const RecordId &id)
@@ -68,8 +57,8 @@ const char *SelectionFault(const QByteArray &bytes)
 
 const char *ReadAsEveryFile(const QByteArray &bytes)
 {
-    ParseSettings(bytes);
-    if (InterfaceType < InterfaceNone || InterfaceType > InterfaceDirect)
+    const int kind = ParseSettings(bytes).interfaceType;
+    if (kind < InterfaceNone || kind > InterfaceDirect)
         return "there is no such interface";
     const char *fault = BackupFileFault(bytes);
     return fault != nullptr ? fault : SelectionFault(bytes);

@@ -1,15 +1,8 @@
 #include "handheld/block_tables.h"
 
 #include "handheld/flash_map.h"
-#include "handheld/transfer.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
 
 #include <algorithm>
-
-std::array<int, 513> FsDaten{};
-std::array<int, 2601> MagZuordDaten{};
-std::array<int, 513> MagListeDaten{};
 
 namespace
 {
@@ -23,49 +16,36 @@ struct PageTable {
     int blockSize;
     int lastSlice; // the message that starts the execution
 };
-constexpr PageTable Routes{RoutesAddress, 4, 80, 80};
-constexpr PageTable MagListe{MagListeAddress, 8, 64, 80}; // its last slice carries nothing that is needed
+constexpr PageTable RouteTable{RoutesAddress, 4, 80, 80};
+constexpr PageTable ListTable{MagListeAddress, 8, 64, 80}; // its last slice carries nothing that is needed
 
 constexpr int GroupSize = 64;
 constexpr int GroupLastSlice = 60;
 constexpr int GroupCount = LastAccessoryAddress / GroupSize;
 
-int ReadPageTable(const PageTable &source, std::array<int, 513> &table)
+template <typename Table> Result<Table> ReadPageTable(SpiImage &image, const PageTable &source)
 {
-    std::array<int, 513> received = table;
-    int failed = 0;
-    for (int k = 0; k < BlockCount && !TransferBrokenOff(); ++k) {
+    Result<Table> read;
+    for (int k = 0; k < BlockCount && !read.outcome.brokenOff(); ++k) {
         const int start = k * source.blockSize;
-        failed |= ReadFlash(source.pageAddress + source.firstOffset + start, source.blockSize);
-        std::copy_n(SpiBuf.begin() + ReadPosition, source.blockSize, received.begin() + start);
+        read.outcome.keep(ReadFlash(image, source.pageAddress + source.firstOffset + start, source.blockSize));
+        std::copy_n(image.begin() + ReadPosition, source.blockSize, read.value.begin() + start);
     }
-    if (TransferBrokenOff())
-        return 1;
-    table = received;
-    return failed;
+    return read;
 }
 
-int WritePageTable(const PageTable &target, const std::array<int, 513> &table)
+template <typename Table>
+Outcome WritePageTable(SpiImage &image, const PageTable &target, const Table &table, Patience patience)
 {
-    const PageSequence sequence;
-    int failed = 0;
-    for (int k = 0; k < BlockCount && !TransferBrokenOff(); ++k) {
+    // The page holds nothing else that the tool uses; it is not loaded first.
+    PageWrite page{target.pageAddress, false, {}};
+    for (int k = 0; k < BlockCount; ++k) {
         const int start = k * target.blockSize;
-        LayBufferWrite(target.firstOffset + start);
-        std::copy_n(table.begin() + start, target.blockSize, SpiBuf.begin() + WritePosition);
-        failed |= WriteSlices(target.lastSlice, WritePosition + target.blockSize);
+        const auto first = table.begin() + start;
+        page.parts.push_back({target.firstOffset + start, {first, first + target.blockSize}, target.lastSlice,
+            WritePosition + target.blockSize});
     }
-    int programStatus = 0;
-    write_buf1_to_flash(target.pageAddress, programStatus);
-    return failed | programStatus;
-}
-
-/// Writes `count` entries from an accessory address on into buffer 1.
-int WriteGroup(int firstAccessory, int count)
-{
-    LayBufferWrite(PageOffset(MagZuordAddress + firstAccessory));
-    std::copy_n(MagZuordDaten.begin() + firstAccessory, count, SpiBuf.begin() + WritePosition);
-    return WriteSlices(count == GroupSize ? GroupLastSlice : 0, WritePosition + count);
+    return ProgramPage(image, page, patience);
 }
 
 /// Where the group begins that holds an accessory address and does not cross the end of its page, since buffer 1
@@ -76,85 +56,67 @@ int GroupStart(int accessory)
     return std::min(accessory, lastStart);
 }
 
-/// Writes the part of the assignment that lies in one page. `group` counts on over the pages.
-int WriteAssignmentPage(int firstAccessory, int lastAccessory, int &group)
+/// The part of the assignment that lies in one page.
+PageWrite AssignmentPage(const Assignment &assignment, int firstAccessory, int lastAccessory)
 {
-    const PageSequence sequence;
-    const int address = MagZuordAddress + firstAccessory;
-    int failed = 0;
-    move_spibuf_to_buf1(address, failed);
-    for (int next = firstAccessory; next <= lastAccessory && !TransferBrokenOff();) {
-        TheFrontend().setProgressText(QStringLiteral("Schreibe Fahrstraßen ") + QString::number(group++));
+    PageWrite page{MagZuordAddress + firstAccessory, true, {}};
+    for (int next = firstAccessory; next <= lastAccessory;) {
         const int start = GroupStart(next);
         const int count = std::min(GroupSize, lastAccessory - start + 1);
-        failed |= WriteGroup(start, count);
+        const auto first = assignment.begin() + start - 1;
+        page.parts.push_back({PageOffset(MagZuordAddress + start), {first, first + count},
+            count == GroupSize ? GroupLastSlice : 0, WritePosition + count});
         next = start + count;
     }
-    int programStatus = 0;
-    write_buf1_to_flash(address, programStatus);
-    return failed | programStatus;
+    return page;
 }
 
 } // namespace
 
-int ReadRoutes()
+Result<Routes> ReadRouteTable(SpiImage &image)
 {
-    return ReadPageTable(Routes, FsDaten);
+    return ReadPageTable<Routes>(image, RouteTable);
 }
 
-int WriteRoutes()
+Outcome WriteRouteTable(SpiImage &image, const Routes &routes, Patience patience)
 {
-    return WritePageTable(Routes, FsDaten);
+    return WritePageTable(image, RouteTable, routes, patience);
 }
 
-int ReadMagListe()
+Result<AccessoryList> ReadAccessoryList(SpiImage &image)
 {
-    return ReadPageTable(MagListe, MagListeDaten);
+    return ReadPageTable<AccessoryList>(image, ListTable);
 }
 
-int WriteMagListe()
+Outcome WriteAccessoryList(SpiImage &image, const AccessoryList &list, Patience patience)
 {
-    return WritePageTable(MagListe, MagListeDaten);
+    return WritePageTable(image, ListTable, list, patience);
 }
 
-int ReadMagZuordnung()
+Result<Assignment> ReadAssignment(SpiImage &image, const std::function<void(int)> &onGroup)
 {
-    auto received = MagZuordDaten;
-    int failed = 0;
-    for (int g = 0; g < GroupCount && !TransferBrokenOff(); ++g) {
-        TheFrontend().setProgressText(QStringLiteral("Lese Zuordnungsdaten ") + QString::number(g));
-        const int first = g * GroupSize + 1;
-        failed |= ReadFlash(MagZuordAddress + first, GroupSize);
-        std::copy_n(SpiBuf.begin() + ReadPosition, GroupSize, received.begin() + first);
+    Result<Assignment> read;
+    for (int g = 0; g < GroupCount && !read.outcome.brokenOff(); ++g) {
+        onGroup(g);
+        // From one byte behind the boundary: byte 0x0E0000 + a belongs to address a, and address 0 does not exist.
+        read.outcome.keep(ReadFlash(image, MagZuordAddress + 1 + g * GroupSize, GroupSize));
+        std::copy_n(image.begin() + ReadPosition, GroupSize, read.value.begin() + g * GroupSize);
     }
-    if (TransferBrokenOff())
-        return 1;
-    MagZuordDaten = received;
-    return failed;
+    return read;
 }
 
-int WriteMagZuordnung()
+Outcome WriteAssignment(SpiImage &image, const Assignment &assignment, Patience patience)
 {
-    int failed = 0;
-    int group = 0;
-    int first = 1;
-    while (first <= LastAccessoryAddress && !TransferBrokenOff()) {
+    Outcome outcome;
+    for (int first = 1; first <= LastAccessoryAddress;) {
         const int pageEnd = (first / FlashPageSize + 1) * FlashPageSize - 1;
         const int last = std::min(pageEnd, LastAccessoryAddress);
-        failed |= WriteAssignmentPage(first, last, group);
+        outcome.keep(ProgramPage(image, AssignmentPage(assignment, first, last), patience));
+        if (outcome.how() == End::GivenUp && first > 1)
+            return Outcome(End::NoAnswer, outcome.at()); // the pages before it are written
+        if (outcome.brokenOff() || (patience == Patience::Job && !outcome.ok()))
+            return outcome;
         first = last + 1;
     }
-    return first <= LastAccessoryAddress ? 1 : failed;
-}
-
-bool TransferBrokenOff()
-{
-    return !Comm().isOpen() || WaitsMustEnd();
-}
-
-void ResetBlockTables()
-{
-    FsDaten = {};
-    MagZuordDaten = {};
-    MagListeDaten = {};
+    return outcome;
 }

@@ -2,18 +2,13 @@
 
 #include "handheld/flash_map.h"
 #include "handheld/transfer.h"
-#include "link/branding.h"
-#include "link/open_port.h"
-#include "link/settings_file.h"
+#include "link/exchange.h"
+#include "link/open_link.h"
 #include "link/text_encoding.h"
-#include "platform/run_control.h"
 #include "platform/text.h"
 #include "platform/world.h"
-
-QString HandheldVersion;
-QString HandheldDate;
-QString HandheldType;
-QString HandheldKind;
+#include "program/ask.h"
+#include "program/run_control.h"
 
 namespace
 {
@@ -26,16 +21,21 @@ constexpr int SecondStateText = 52;
 constexpr size_t TypeIndex = 5;
 constexpr size_t TypeLength = 5;
 
-QString Decimal(size_t index)
+constexpr double LastTrafficSeconds = 0.5; // pause after the handheld was sent back
+
+/// The call of a search went out and its answer was not awaited to the end: the handheld may be in service.
+bool calledWithoutAnswer = false;
+
+QString Decimal(int byte)
 {
-    return QString::number(SpiBuf.at(index));
+    return QString::number(byte);
 }
 
-QString TypeNumber()
+QString TypeNumber(const std::array<int, 20> &answer)
 {
     QString type;
     for (size_t i = TypeIndex; i < TypeIndex + TypeLength; ++i) {
-        const int byte = SpiBuf.at(i);
+        const int byte = answer.at(i);
         type += byte < 10 ? QString::number(byte) : QString(QChar(static_cast<char16_t>(byte)));
     }
     return type;
@@ -70,128 +70,108 @@ QString KindOfType(const QString &type)
     return {};
 }
 
-void ShowInTitle()
-{
-    QString title = TheBranding().windowTitle + QStringLiteral(" : Vers: ");
-    if (HandheldVersion.isEmpty())
-        title += QStringLiteral("unbekannt");
-    else
-        title += HandheldVersion + QStringLiteral(" vom ") + HandheldDate + QStringLiteral(" Type: ") + HandheldType;
-    TheFrontend().setMainWindowTitle(title);
-}
-
 void ReportNoHandheld()
 {
     if (PortLost || BoxesAreSilent())
         return;
-    TheFrontend().showBox({QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"),
-        QStringLiteral("Achtung"), BoxIcon::Critical});
+    TheAsk().showBox({QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"),
+        BoxIcon::Critical});
 }
 
-void Identify()
+Request NormalModeRequest()
 {
-    ReadHandheldInfo(HandheldVersion, HandheldDate, HandheldType);
-    HandheldKind = KindOfType(HandheldType);
+    Request request = Request::toHandheld();
+    constexpr std::array<std::pair<size_t, quint8>, 5> pattern{
+        {{5, 0x70}, {10, 0x30}, {15, 0x10}, {20, 0x50}, {25, 0x60}}};
+    for (const auto &[index, value] : pattern)
+        request.bytes.at(index) = value;
+    return request;
+}
+
+/// Nothing of a broken-off call is left in the slot: the message has gone out, or it never will.
+bool CallHasGoneOut()
+{
+    if (TxLen == -1 || TxWaitEcho)
+        return true;
+    DropPendingMessage();
+    return false;
 }
 
 } // namespace
 
-bool PortReady()
+Outcome SetNormalMode(bool noWait)
 {
-    if (Comm().isOpen())
-        return true;
-    int status = 0;
-    OpenPort(status);
-    if (status != 0)
-        return false;
-    if (!Comm().isOpen() && InterfaceType != InterfaceNone) {
-        TheFrontend().showBox(
-            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
-    }
-    return Comm().isOpen();
+    return noWait ? SendOnly(NormalModeRequest()) : ExchangeForAck(NormalModeRequest());
 }
 
-void SetNormalMode(bool noWait, int &status)
+Result<HandheldInfo> ReadHandheldInfo()
 {
-    BeginTransferMessage();
-    TxMsg.at(5) = 0x70;
-    TxMsg.at(10) = 0x30;
-    TxMsg.at(15) = 0x10;
-    TxMsg.at(20) = 0x50;
-    TxMsg.at(25) = 0x60;
-    LastAckCode = 0;
-    SendTransferMessage();
-    status = noWait ? 0 : AwaitAnswer([] { return LastAckCode == AckAccepted; }, QString());
-}
-
-void ReadHandheldInfo(QString &version, QString &date, QString &type)
-{
-    BeginTransferMessage();
-    TxMsg.at(10) = 0x30;
-    SpiReadDone = 0;
-    SpiReadStart = 0;
-    SendTransferMessage();
-    if (AwaitAnswer([] { return SpiReadDone == 1; }, QStringLiteral("read_spibuf")) != 0) {
-        version = date = type = QString();
-        return;
-    }
-    version = Decimal(0) + u'.' + Decimal(1);
-    date = Decimal(2) + u'.' + Decimal(3) + u'.' + Decimal(4);
-    type = TypeNumber();
+    Request request = Request::toHandheld();
+    request.bytes.at(10) = 0x30;
+    const auto answer = ExchangeForReadBack(request);
+    if (answer.outcome.timedOut() && !BoxesAreSilent())
+        TheAsk().showBox({QStringLiteral("Timeout"), QStringLiteral("read_spibuf"), BoxIcon::Critical});
+    if (!answer.ok() && answer.outcome.how() != End::Damaged)
+        return {{}, answer.outcome};
+    const auto &bytes = answer.value;
+    const QString version = Decimal(bytes.at(0)) + u'.' + Decimal(bytes.at(1));
+    const QString date = Decimal(bytes.at(2)) + u'.' + Decimal(bytes.at(3)) + u'.' + Decimal(bytes.at(4));
+    return {{version, date, TypeNumber(bytes), {}}, answer.outcome};
 }
 
 QString ReadHandheldText(int block, int number)
 {
+    SpiImage image{};
     const int address = TextTableAddress + block * TextBlockSize + number * TextEntrySize;
-    int status = 0;
-    read_flash_to_spibuf(address, TextEntrySize, status);
+    Outcome outcome = read_flash_to_spibuf(address, TextEntrySize);
     for (const int start : {0, SliceSize}) {
-        if (status == 0)
-            read_spibuf(start, status);
+        if (outcome.ok())
+            outcome = read_spibuf(image, start);
     }
-    const int length = SpiBuf.at(ReadPosition);
-    if (status != 0 || length >= TextLengthLimit)
+    const int length = image.at(ReadPosition);
+    if (!outcome.ok() || length >= TextLengthLimit)
         return {};
-    return DecodeName(SpiBuf, ReadPosition + 1, length);
+    return DecodeName(image, ReadPosition + 1, length);
 }
 
-void ConnectHandheld()
+Result<HandheldInfo> FindHandheld()
 {
-    HandheldVersion = HandheldDate = HandheldType = HandheldKind = QString();
-    if (!PortReady())
-        return;
-    int status = 1;
-    SetNormalMode(false, status);
-    if (status == 0) {
-        HandreglerGefunden = true;
-        Identify();
-    } else {
+    const Outcome called = SetNormalMode(false);
+    if (!called.ok()) {
+        calledWithoutAnswer = called.how() == End::ProgramEnds && CallHasGoneOut();
         ReportNoHandheld();
+        return {{}, called};
     }
-    ShowInTitle();
+    HandreglerGefunden = true;
+    HandheldInfo info = ReadHandheldInfo().value;
+    info.kind = KindOfType(info.type);
+    return {info, called};
 }
 
-bool HandheldConnected()
+Outcome SendHandheldBack()
 {
-    if (!HandreglerGefunden) {
-        const auto shown = SpiBuf;
-        ConnectHandheld();
-        SpiBuf = shown;
-    }
-    return HandreglerGefunden && !WaitsMustEnd();
-}
-
-void CloseHandheld()
-{
-    if (!HandreglerGefunden)
-        return;
-    int status = 0;
-    SetNormalMode(false, status);
+    if (!HandreglerGefunden && !calledWithoutAnswer)
+        return {};
+    const MustFinish exchange; // behind a closed port, or without the program, it would stay in service
+    calledWithoutAnswer = false;
+    HandreglerGefunden = false; // at once: nobody sends it back a second time
+    Outcome outcome = SetNormalMode(false);
     WaitSeconds(LastTrafficSeconds);
+    return outcome;
+}
+
+Outcome SendHandheldBackNoWait()
+{
+    const MustFinish exchange;
+    Outcome laid = SetNormalMode(true);
+    if (!laid.ok())
+        return laid;
     HandreglerGefunden = false;
+    WaitSeconds(LastTrafficSeconds);
+    return laid;
 }
 
 void ResetDiscovery()
 {
-    HandheldVersion = HandheldDate = HandheldType = HandheldKind = QString();
+    calledWithoutAnswer = false;
 }

@@ -1,45 +1,41 @@
 // Finding the handheld, its version and kind, and sending it back to normal operation.
 #pragma once
 
+#include "program/outcome.h"
+
 #include <QString>
 
-/// What the last successful search read; empty when the handheld did not identify itself.
-extern QString HandheldVersion; // for example "1.2"
-extern QString HandheldDate;    // day.month.year without padding, for example "14.3.8"
-extern QString HandheldType;    // five characters, for example "51201"
-extern QString HandheldKind;    // "Funk-HR", "Digital-Set" or empty
+/// What a handheld says about itself; all empty when it did not identify itself.
+struct HandheldInfo {
+    QString version; // for example "1.2"
+    QString date;    // day.month.year without padding, for example "14.3.8"
+    QString type;    // five characters, for example "51201"
+    QString kind;    // "Funk-HR", "Digital-Set" or empty
+};
 
 /// Sends the normal-mode message, which calls the handheld into service and sends it back to normal operation.
-/// noWait: returns at once with status 0. Otherwise status 0 when the handheld acknowledged within 2 s, else 1.
-/// Shows no box.
-void SetNormalMode(bool noWait, int &status);
+/// noWait: done as soon as it is laid. Otherwise done when the handheld acknowledged within 2 s. Shows no box.
+Outcome SetNormalMode(bool noWait);
 
-/// Pause after the handheld was sent back, for the last traffic.
-constexpr double LastTrafficSeconds = 0.5;
-
-/// Asks the handheld to identify itself. The texts stay empty when no answer came within 2 s, which the user
-/// sees as the box "Timeout" / "read_spibuf". The answer lies in SpiBuf[0..19]:
+/// Asks the handheld to identify itself; the kind is not set. No answer within 2 s shows the box "Timeout" /
+/// "read_spibuf". The answer's 20 bytes:
 ///   0 version major, 1 version minor, 2-4 day, month, year, 5-9 type number (ASCII, or digit values below 10)
-void ReadHandheldInfo(QString &version, QString &date, QString &type);
+Result<HandheldInfo> ReadHandheldInfo();
 
 /// A text of the handheld's display text table: 32 bytes, byte 0 = length (below 22), then the characters in the
 /// handheld's codes. Empty when there is no text or the handheld does not answer ("Timeout" box).
 QString ReadHandheldText(int block, int number);
 
-/// Opens the port when it is closed. False when it stays closed: "ComPort konnte nicht geöffnet werden!" has been
-/// shown then, except when no interface kind has been chosen yet or the program ends.
-bool PortReady();
+/// Calls the handheld over the open port, sets HandreglerGefunden when it acknowledges, and reads what it is. The
+/// outcome is that of the call; a failure is told: "Handregler antwortet nicht!".
+Result<HandheldInfo> FindHandheld();
 
-/// The handheld search: opens the port when it is closed, calls the handheld, reads version and kind, shows them
-/// in the main window's title and sets HandreglerGefunden. Failures are reported by boxes: "ComPort konnte nicht
-/// geöffnet werden!", "Handregler antwortet nicht!".
-void ConnectHandheld();
+/// Sends a found handheld back to normal operation, also one whose search was broken off after the call had gone out;
+/// exactly once, even when the program is already ending. Done also when there is none to be sent back.
+Outcome SendHandheldBack();
 
-/// The connection guard of every handheld command: searches when no handheld has been found yet. SpiBuf is as
-/// before afterwards, since a window may show what it holds. False when there is still no handheld.
-bool HandheldConnected();
-
-/// Sends a found handheld back to normal operation, at the end of the program.
-void CloseHandheld();
+/// The same without waiting for its acknowledge: pauses for the last traffic instead. HandreglerGefunden stays true
+/// when the message could not leave, so that the end of the program sends it.
+Outcome SendHandheldBackNoWait();
 
 void ResetDiscovery();

@@ -16,7 +16,7 @@
 constexpr int FlashPageSize = 512;
 constexpr int EmptyByte = 0xFF;
 
-constexpr int LocoRecordSize = 64;
+constexpr int LocoRecordSize = 64; // bytes of a record, and the distance between two
 constexpr int FirstLoco = 1;
 constexpr int LastLoco = 9999;
 

@@ -1,18 +1,8 @@
 #include "handheld/loco_record.h"
 
-#include "handheld/flash_map.h"
-#include "handheld/transfer.h"
 #include "link/text_encoding.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
 
 #include <algorithm>
-
-QString LokName = LeerName();
-std::array<int, FunctionCount> FktSymbol{};
-std::array<int, FunctionCount> FktModus{};
-int MultiUni = 0;
-int LokSymbol = 0;
 
 namespace
 {
@@ -28,21 +18,6 @@ constexpr int BitsPerByte = 8;
 constexpr int LastSlice = 60;
 constexpr int ExecuteLength = WritePosition + LocoRecordSize;
 
-QString EmptyName(int length)
-{
-    return QString(length, FillerCharacter);
-}
-
-size_t ReadIndex(size_t offset)
-{
-    return ReadPosition + offset;
-}
-
-size_t WriteIndex(size_t offset)
-{
-    return WritePosition + offset;
-}
-
 size_t ModeByte(size_t function)
 {
     return OffsetModes + function / BitsPerByte;
@@ -53,65 +28,52 @@ int ModeMask(size_t function)
     return 1 << (function % BitsPerByte);
 }
 
-void DecodeFields()
+LocoBytes BytesAt(const SpiImage &image, int position)
 {
-    FktSymbol.at(0) = 0; // f0 has no symbol in the record
-    for (size_t f = 1; f < FunctionCount; ++f)
-        FktSymbol.at(f) = SpiBuf.at(ReadIndex(OffsetFktSymbol + f));
-    for (size_t f = 0; f < FunctionCount; ++f)
-        FktModus.at(f) = (SpiBuf.at(ReadIndex(ModeByte(f))) & ModeMask(f)) != 0 ? 1 : 0;
-    MultiUni = (SpiBuf.at(ReadIndex(OffsetLastMode)) & MultiUniBit) != 0 ? 1 : 0;
-    LokSymbol = SpiBuf.at(ReadIndex(OffsetLokSymbol));
+    LocoBytes bytes{};
+    std::copy_n(image.begin() + position, bytes.size(), bytes.begin());
+    return bytes;
 }
 
-void EncodeNameField()
+/// Page load, buffer write, page program of a record's place.
+Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<int> data, int lastSlice, Patience patience)
 {
-    if (IsEmptyName(LokName))
-        std::fill_n(SpiBuf.begin() + WritePosition, NameLength, EmptyByte);
-    else
-        EncodeName(LokName, SpiBuf, static_cast<int>(WriteIndex(OffsetName)), NameLength);
-}
-
-void EncodeFields()
-{
-    SpiBuf.at(WriteIndex(OffsetLokSymbol)) = LokSymbol;
-    for (size_t offset = OffsetModes; offset <= OffsetLastMode; ++offset)
-        SpiBuf.at(WriteIndex(offset)) = 0;
-    for (size_t f = 0; f < FunctionCount; ++f)
-        SpiBuf.at(WriteIndex(ModeByte(f))) += FktModus.at(f) == 1 ? ModeMask(f) : 0;
-    SpiBuf.at(WriteIndex(OffsetLastMode)) += MultiUni * MultiUniBit;
-    for (size_t f = 1; f < FunctionCount; ++f)
-        SpiBuf.at(WriteIndex(OffsetFktSymbol + f)) = FktSymbol.at(f);
-}
-
-/// Page load, buffer write of the laid record, page program. lastSlice 0 sends only the first 19 bytes.
-int ProgramRecord(int locoNumber, int lastSlice)
-{
-    const PageSequence sequence;
     const int address = LocoRecordAddress(locoNumber);
-    int loadStatus = 0;
-    move_spibuf_to_buf1(address, loadStatus);
-    LayBufferWrite(PageOffset(address));
-    const int sliceStatus = WriteSlices(lastSlice, ExecuteLength);
-    int programStatus = 0;
-    write_buf1_to_flash(address, programStatus);
-    return loadStatus | sliceStatus | programStatus;
+    const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
+    return ProgramPage(image, {address, true, {part}}, patience);
 }
 
 } // namespace
 
-LocoRecord CurrentLocoRecord()
+LocoRecord DecodeLoco(const LocoBytes &bytes)
 {
-    return {LokName, FktSymbol, FktModus, MultiUni, LokSymbol};
+    LocoRecord record;
+    record.name = bytes.at(OffsetName) == EmptyByte ? EmptyName() : DecodeName(bytes, OffsetName, NameLength);
+    for (size_t f = 1; f < FunctionCount; ++f) // f0 has no symbol in the record
+        record.symbols.at(f) = bytes.at(OffsetFktSymbol + f);
+    for (size_t f = 0; f < FunctionCount; ++f)
+        record.modes.at(f) = (bytes.at(ModeByte(f)) & ModeMask(f)) != 0 ? 1 : 0;
+    record.multiUni = (bytes.at(OffsetLastMode) & MultiUniBit) != 0 ? 1 : 0;
+    record.locoSymbol = bytes.at(OffsetLokSymbol);
+    return record;
 }
 
-void SetCurrentLocoRecord(const LocoRecord &record)
+LocoBytes EncodeLoco(const LocoRecord &record, const LocoBytes &beneath)
 {
-    LokName = record.name;
-    FktSymbol = record.symbols;
-    FktModus = record.modes;
-    MultiUni = record.multiUni;
-    LokSymbol = record.locoSymbol;
+    LocoBytes bytes = beneath;
+    if (IsEmptyName(record.name))
+        std::fill_n(bytes.begin() + OffsetName, NameLength, EmptyByte);
+    else
+        EncodeName(record.name, bytes, OffsetName, NameLength);
+    for (size_t offset = OffsetModes; offset <= OffsetLastMode; ++offset)
+        bytes.at(offset) = 0;
+    for (size_t f = 0; f < FunctionCount; ++f)
+        bytes.at(ModeByte(f)) += record.modes.at(f) == 1 ? ModeMask(f) : 0;
+    bytes.at(OffsetLastMode) += record.multiUni * MultiUniBit;
+    for (size_t f = 1; f < FunctionCount; ++f)
+        bytes.at(OffsetFktSymbol + f) = record.symbols.at(f);
+    bytes.at(OffsetLokSymbol) = record.locoSymbol;
+    return bytes;
 }
 
 bool IsEmptyName(const QString &name)
@@ -119,50 +81,9 @@ bool IsEmptyName(const QString &name)
     return name.startsWith(FillerCharacter);
 }
 
-int ReadLocoRecord(int locoNumber)
+QString EmptyName(int length)
 {
-    int status = 0;
-    read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize, status);
-    int failed = status | ReadSlices(0, 0);
-    if (SpiBuf.at(ReadIndex(OffsetName)) == EmptyByte) {
-        LokName = EmptyName(NameLength);
-    } else {
-        failed |= ReadSlices(SliceSize, LastSlice);
-        LokName = DecodeName(SpiBuf, static_cast<int>(ReadIndex(OffsetName)), NameLength);
-    }
-    DecodeFields();
-    return failed;
-}
-
-int WriteLocoRecord(int locoNumber)
-{
-    EncodeNameField();
-    EncodeFields();
-    return ProgramRecord(locoNumber, LastSlice);
-}
-
-int DeleteLocoRecord(int locoNumber)
-{
-    std::fill_n(SpiBuf.begin() + WritePosition, NameLength, EmptyByte);
-    return ProgramRecord(locoNumber, 0);
-}
-
-bool LocoRecordIsUsed(int locoNumber, int &status)
-{
-    read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1, status);
-    if (status == 0)
-        read_spibuf(0, status);
-    return status == 0 && SpiBuf.at(ReadIndex(OffsetName)) != EmptyByte;
-}
-
-void ClearAllLocoRecords()
-{
-    const StoppableJob job;
-    for (int n = FirstLoco; n <= LastLoco && !StoppableJob::stopRequested(); ++n) {
-        TheFrontend().setProgressText(QStringLiteral("Lösche Lok ") + QString::number(n));
-        if (DeleteLocoRecord(n) != 0 || !Comm().isOpen())
-            return;
-    }
+    return QString(length, FillerCharacter);
 }
 
 QString FitLocoName(const QString &name)
@@ -170,7 +91,31 @@ QString FitLocoName(const QString &name)
     return name.leftJustified(NameLength, u' ', true);
 }
 
-void ResetLocoRecord()
+Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
 {
-    SetCurrentLocoRecord({LeerName(), {}, {}, 0, 0});
+    Outcome outcome = read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize);
+    outcome.keep(ReadSlices(image, 0, 0));
+    if (image.at(ReadPosition) != EmptyByte)
+        outcome.keep(ReadSlices(image, SliceSize, LastSlice));
+    return {DecodeLoco(BytesAt(image, ReadPosition)), outcome};
+}
+
+Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience)
+{
+    const LocoBytes bytes = EncodeLoco(record, BytesAt(image, WritePosition));
+    return ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
+}
+
+Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
+{
+    return ProgramRecord(image, locoNumber, std::vector<int>(NameLength, EmptyByte), 0, patience);
+}
+
+Result<bool> LocoIsUsed(int locoNumber)
+{
+    SpiImage image{};
+    Outcome outcome = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
+    if (outcome.ok())
+        outcome = read_spibuf(image, 0);
+    return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
 }

@@ -13,8 +13,11 @@
 //       61     1  loco symbol number
 //       62     2  not interpreted
 //
-// Bytes that are not interpreted are programmed from what SpiBuf holds at their place.
+// Bytes that are not interpreted are programmed from what the image holds at their place.
 #pragma once
+
+#include "handheld/flash_map.h"
+#include "handheld/transfer.h"
 
 #include <QString>
 
@@ -23,52 +26,49 @@
 constexpr int NameLength = 21;
 constexpr int FunctionCount = 25; // f0 .. f24
 
-/// The name of a record that holds nothing.
+/// What windows and lists show for a record that holds nothing.
 inline QString LeerName()
 {
     return QStringLiteral("-leer-");
 }
 
-// --- The current record. Filled by ReadLocoRecord, changed by the editor, written by WriteLocoRecord. ---
-extern QString LokName; // 21 characters as decoded, 21 of code 255 for an empty record, "-leer-" before a read
-extern std::array<int, FunctionCount> FktSymbol; // 1..24: symbol number of the function; 0 unused
-extern std::array<int, FunctionCount> FktModus;  // 0..24: 1 = momentary, 0 = latching
-extern int MultiUni;                             // 0 or 1: one symbol for all functions
-extern int LokSymbol;                            // loco symbol number
-
-/// The six parts of a record together, for those who have to put the shown one back.
 struct LocoRecord {
-    QString name;
-    std::array<int, FunctionCount> symbols{};
-    std::array<int, FunctionCount> modes{};
-    int multiUni = 0;
-    int locoSymbol = 0;
+    QString name;                             // 21 characters as decoded; 21 of code 255 for an empty record
+    std::array<int, FunctionCount> symbols{}; // 1..24: symbol number of the function; 0 unused
+    std::array<int, FunctionCount> modes{};   // 0..24: 1 = momentary, 0 = latching
+    int multiUni = 0;                         // 0 or 1: one symbol for all functions
+    int locoSymbol = 0;                       // 0..63; 0..255 in a handheld that others have written
+    bool operator==(const LocoRecord &) const = default;
 };
-LocoRecord CurrentLocoRecord();
-void SetCurrentLocoRecord(const LocoRecord &record);
+
+/// The 64 bytes of a record, one byte value each.
+using LocoBytes = std::array<int, LocoRecordSize>;
+
+/// The record that the bytes hold. An empty record has the empty name; its other fields are whatever stands there.
+LocoRecord DecodeLoco(const LocoBytes &bytes);
+
+/// The bytes of a record, laid over `beneath`, whose other bytes stay.
+LocoBytes EncodeLoco(const LocoRecord &record, const LocoBytes &beneath);
 
 /// True when the name stands for an empty record: it begins with the character of code 255.
 bool IsEmptyName(const QString &name);
 
-/// Reads a record into the current one. Goes on after a time-out ("Timeout" box), so that the fields then hold what
-/// the buffer held; returns 1 in that case.
-int ReadLocoRecord(int locoNumber);
-
-/// Writes the current record; the other records of its page stay. Goes on after a time-out; returns 1 then.
-int WriteLocoRecord(int locoNumber);
-
-/// Marks a record as empty; the current record is not touched. Goes on after a time-out; returns 1 then.
-int DeleteLocoRecord(int locoNumber);
-
-/// Asks whether a record holds a loco, without touching the current record. status 1 after a time-out ("Timeout" box)
-/// or when broken off; the answer is false then.
-bool LocoRecordIsUsed(int locoNumber, int &status);
-
-/// Deletes all records 1..9999, each shown as "Lösche Lok n" in the progress window. Ends early when a delete
-/// failed (after its box), the user stops it, the port is lost or the program ends.
-void ClearAllLocoRecords();
+/// The name that marks a record as empty: so many characters of code 255.
+QString EmptyName(int length = NameLength);
 
 /// The name cut to 21 characters, or filled with blanks up to 21.
 QString FitLocoName(const QString &name);
 
-void ResetLocoRecord();
+/// Reads a record; an empty one needs only its first slice. Goes on after a time-out ("Timeout" box), so that the
+/// value then holds what the image held.
+Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber);
+
+/// Writes a record; the other records of its page stay.
+Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience);
+
+/// Marks a record as empty with a single message of data. Its bytes 15 .. 63 are programmed from what the handheld's
+/// buffer held, since byte 0 alone decides.
+Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience);
+
+/// Asks whether a record holds a loco, with two messages.
+Result<bool> LocoIsUsed(int locoNumber);

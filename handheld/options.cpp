@@ -1,46 +1,39 @@
 #include "handheld/options.h"
 
 #include "handheld/flash_map.h"
-#include "handheld/transfer.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
+
+#include <algorithm>
 
 namespace
 {
 
-constexpr int SettingsSize = 128;
-constexpr int SwitchOffTimeOffset = 5;
+constexpr size_t SwitchOffTimeOffset = 5;
 constexpr int LastSlice = 120;
-constexpr double SettleSeconds = 0.5;
 
 } // namespace
 
-int ReadSettingsBlock()
+Result<SettingsBlock> ReadSettingsBlock(SpiImage &image)
 {
-    const int status = ReadFlash(SettingsAddress, SettingsSize);
-    MoveToWritePosition(SettingsSize - 1);
-    return status;
+    Result<SettingsBlock> read;
+    read.outcome = ReadFlash(image, SettingsAddress, SettingsSize);
+    MoveToWritePosition(image, SettingsSize - 1);
+    std::copy_n(image.begin() + WritePosition, SettingsSize, read.value.begin());
+    return read;
 }
 
-int WriteSettingsBlock()
+Outcome WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, Patience patience)
 {
     // The page is not loaded first: its bytes from 128 on are programmed from what buffer 1 holds.
-    const PageSequence sequence;
-    LayBufferWrite(0);
-    const int sliceStatus = WriteSlices(LastSlice, WritePosition + SettingsSize);
-    int programStatus = 0;
-    write_buf1_to_flash(SettingsAddress, programStatus);
-    return sliceStatus | programStatus;
+    const PagePart part{0, {settings.begin(), settings.end()}, LastSlice, WritePosition + SettingsSize};
+    return ProgramPage(image, {SettingsAddress, false, {part}}, patience);
 }
 
-void ClearSwitchOffTime()
+Outcome ClearSwitchOffTime(SpiImage &image)
 {
-    TheFrontend().showProgress(QStringLiteral("Abschaltzeit ändern"));
-    ReadSettingsBlock();
-    if (!WaitsMustEnd()) {
-        SpiBuf.at(WritePosition + SwitchOffTimeOffset) = 0;
-        WriteSettingsBlock();
-    }
-    WaitSeconds(SettleSeconds);
-    TheFrontend().hideProgress();
+    Result<SettingsBlock> settings = ReadSettingsBlock(image);
+    if (settings.outcome.brokenOff())
+        return settings.outcome;
+    settings.value.at(SwitchOffTimeOffset) = 0;
+    settings.outcome.keep(WriteSettingsBlock(image, settings.value, Patience::Agreed));
+    return settings.outcome;
 }

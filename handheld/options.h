@@ -3,11 +3,15 @@
 // Settings: 128 bytes at 0x3F0000; offset 5 = switch-off time (0 = never). All other bytes are carried over.
 #pragma once
 
-/// Reads the 128 bytes and lays them in write position, SpiBuf[4..131]. Goes on after a time-out; returns 1 then.
-int ReadSettingsBlock();
+#include "handheld/transfer.h"
 
-/// Writes SpiBuf[4..131] back. Goes on after a time-out; returns 1 then.
-int WriteSettingsBlock();
+constexpr int SettingsSize = 128;
+using SettingsBlock = std::array<int, SettingsSize>;
 
-/// Sets the switch-off time to zero, with the progress text "Abschaltzeit ändern". The caller has asked the user.
-void ClearSwitchOffTime();
+/// Reads the 128 bytes. Goes on after a time-out; the value then holds what the image held.
+Result<SettingsBlock> ReadSettingsBlock(SpiImage &image);
+
+Outcome WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, Patience patience);
+
+/// Sets the switch-off time to zero; the steps go on after a time-out. The caller has asked the user.
+Outcome ClearSwitchOffTime(SpiImage &image);

@@ -6,12 +6,12 @@
 //   accessory symbol n, h     0x0F8000 + n x 64 + h x 32     30 (14 x 14 pixels)            2 bytes, untouched
 //   start image               0x118000                       262 (80 x 26 pixels)           page bytes kept
 //
-// n = 0..255 for the pairs. The first two bytes of a picture are width / 2 - 1 and height - 1, then its rows.
-// In SpiBuf a picture always lies in write position, from index 4. All operations go on after a time-out (each
-// shows its "Timeout" box) and return 1 then.
+// n = 0..255 for the pairs. In the image a picture lies in write position, from index 4, after a read; what lies behind
+// it there is programmed with a loco symbol. Reads go on after a time-out (each shows its "Timeout" box).
 #pragma once
 
-enum class SymbolKind { Loco, Function, Accessory };
+#include "handheld/picture.h"
+#include "handheld/transfer.h"
 
 /// Which half of a pair is which, in the handheld: the index of the option buttons too.
 constexpr int HalfOn = 0;  // function symbol ON, accessory symbol green
@@ -19,24 +19,12 @@ constexpr int HalfOff = 1; // function symbol OFF, accessory symbol red
 
 constexpr int LokSymbolCount = 64;
 constexpr int PairCount = 256;
-constexpr int LokSymbolBytes = 98;
-constexpr int HalfSymbolBytes = 30;
-constexpr int StartImageBytes = 262;
 
-int ReadLokSymbol(int n);
-int WriteLokSymbol(int n);
-int ReadFktSymbol(int n, int half);
-int WriteFktSymbol(int n, int half);
-int ReadMagSymbol(int n, int half);
-int WriteMagSymbol(int n, int half);
+/// The picture of a symbol with the bytes that a backup carries; half is ignored for loco symbols.
+Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half);
 
-/// The operation for a kind; half is ignored for loco symbols.
-int ReadSymbol(SymbolKind kind, int n, int half);
-int WriteSymbol(SymbolKind kind, int n, int half);
+/// Writes a picture and what it carries behind itself.
+Outcome WritePicture(SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, Patience patience);
 
-int ReadStartImage();
-int WriteStartImage();
-
-/// Resets the function symbols 164 to 255 to an empty picture, each shown as "Fktsym. n" in the progress window.
-/// Ends early after a symbol that failed, when the user stops it, the port is lost or the program ends.
-void ResetFktSymbols();
+Result<Picture> ReadStartPicture(SpiImage &image);
+Outcome WriteStartPicture(SpiImage &image, const Picture &picture, Patience patience);

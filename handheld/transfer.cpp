@@ -1,188 +1,267 @@
 #include "handheld/transfer.h"
 
-#include "platform/run_control.h"
+#include "link/exchange.h"
 #include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+
+#include <algorithm>
 
 namespace
 {
 
-constexpr double AnswerTimeoutSeconds = 2;
-
 constexpr quint8 FlagExecute = 0x10;
 constexpr quint8 FlagReadBack = 0x20;
 constexpr size_t FlagByte = 10;
-constexpr size_t LengthByte = 29;
-constexpr std::array<size_t, 20> DataBytes{
-    6, 7, 8, 9, 11, 12, 13, 14, 16, 17, 18, 19, 21, 22, 23, 24, 26, 27, 28, 29};
+constexpr size_t LengthNumber = 20; // D20 carries the execute length
 
 constexpr int ChipContinuousRead = 0xE8;
 constexpr int ChipPageToBuffer1 = 0x53;
 constexpr int ChipBuffer1Write = 0x84;
 constexpr int ChipProgramPage = 0x83;
+constexpr int ChipComparePage = 0x60;
+constexpr int ChipStatus = 0xD7;
+constexpr int StatusReady = 0x80;
+constexpr int StatusDiffers = 0x40;
 constexpr int ReadCommandLength = 8; // opcode, address, four dummy bytes
 constexpr int PageCommandLength = 4; // opcode, address
+constexpr int StatusCommandLength = 2;
 constexpr int LastReadableIndex = MaxSliceStart + SliceSize - 1;
 
-void LayData(size_t number, int value)
-{
-    TxMsg.at(DataBytes.at(number - 1)) = static_cast<quint8>(value);
-}
+constexpr int LoadRepeats = 2;    // after the first load
+constexpr int StatusLooks = 5;    // until the chip is ready; it compares in less than a millisecond
+constexpr int PartRepeats = 1;    // of a job
+constexpr int ProgramRepeats = 1; // of a job
 
-void LayStartIndex(int start)
+void LayStartIndex(Request &request, int start)
 {
     Q_ASSERT(start >= 0 && start <= MaxSliceStart);
-    TxMsg.at(15) |= static_cast<quint8>((start >> 6 & 1) << 4);
-    TxMsg.at(20) |= static_cast<quint8>((start >> 3 & 7) << 4);
-    TxMsg.at(25) |= static_cast<quint8>((start & 7) << 4);
+    request.bytes.at(15) |= static_cast<quint8>((start >> 6 & 1) << 4);
+    request.bytes.at(20) |= static_cast<quint8>((start >> 3 & 7) << 4);
+    request.bytes.at(25) |= static_cast<quint8>((start & 7) << 4);
 }
 
-void LayChipCommand(int opcode, int byte1, int byte2, int byte3, int executeLength)
+Request ChipCommand(std::array<int, 4> bytes, int executeLength)
 {
-    BeginTransferMessage();
-    LayData(1, opcode);
-    LayData(2, byte1);
-    LayData(3, byte2);
-    LayData(4, byte3);
-    TxMsg.at(FlagByte) = FlagExecute;
-    TxMsg.at(LengthByte) = static_cast<quint8>(executeLength);
+    Request request = Request::toHandheld();
+    for (size_t i = 0; i < bytes.size(); ++i)
+        request.setData(i + 1, bytes.at(i));
+    request.bytes.at(FlagByte) = FlagExecute;
+    request.setData(LengthNumber, executeLength);
+    return request;
 }
 
-int SendAndAwaitAck(const QString &commandName)
+Request PageCommand(int opcode, int address)
 {
-    LastAckCode = 0;
-    SendTransferMessage();
-    return AwaitAnswer([] { return LastAckCode == AckAccepted; }, commandName);
+    return ChipCommand({opcode, (address & 0xFF0000) / 65536, (address & 0xFE00) / 256, 0}, PageCommandLength);
 }
 
-int PageCommand(int opcode, int address)
+/// Tells the user about a time-out, and names the command in the outcome.
+Outcome Told(const Outcome &outcome, const QString &command)
 {
-    LayChipCommand(opcode, (address & 0xFF0000) / 65536, (address & 0xFE00) / 256, 0, PageCommandLength);
-    return SendAndAwaitAck(QStringLiteral("move_spibuf_to_buf1"));
+    if (outcome.ok())
+        return outcome;
+    if (outcome.timedOut()) {
+        if (!BoxesAreSilent())
+            TheAsk().showBox({QStringLiteral("Timeout"), command, BoxIcon::Critical});
+        AbandonPageSequence();
+    }
+    return Outcome(outcome.how(), command);
+}
+
+Outcome AskChip(const Request &request, const QString &command)
+{
+    return Told(ExchangeForAck(request), command);
+}
+
+QString PageCommandName()
+{
+    return QStringLiteral("move_spibuf_to_buf1"); // of both page commands, on purpose
+}
+
+Request ReadBackRequest(int start)
+{
+    Request request = Request::toHandheld();
+    request.bytes.at(FlagByte) = FlagReadBack;
+    LayStartIndex(request, start);
+    return request;
+}
+
+/// The chip's status register, read through the handheld's buffer.
+Result<int> ReadStatus()
+{
+    if (Outcome asked = ExchangeForAck(ChipCommand({ChipStatus, 0, 0, 0}, StatusCommandLength)); !asked.ok())
+        return {0, asked};
+    const auto answer = ExchangeForReadBack(ReadBackRequest(0));
+    return {answer.value.at(1), answer.outcome};
+}
+
+/// Whether the page is in buffer 1 after a load that nobody acknowledged; the load is repeated until it is.
+Outcome SecureLoad(const Outcome &unanswered, int address)
+{
+    for (int repeat = 0;; ++repeat) {
+        const Result<bool> equal = PageEqualsBuffer1(address);
+        if (equal.ok() && equal.value)
+            return {};
+        if (repeat == LoadRepeats || equal.outcome.brokenOff())
+            return unanswered;
+        const Outcome again = ExchangeForAck(PageCommand(ChipPageToBuffer1, address));
+        if (again.ok())
+            return {};
+        if (!equal.ok())
+            return unanswered; // neither question nor load is answered: nobody is there
+    }
+}
+
+Outcome LoadPage(int address)
+{
+    Outcome loaded = move_spibuf_to_buf1(address);
+    return loaded.timedOut() ? SecureLoad(loaded, address) : loaded;
+}
+
+/// The buffer-write command and the part's data.
+void LayPart(SpiImage &image, const PagePart &part)
+{
+    image.at(0) = ChipBuffer1Write;
+    image.at(1) = 0;
+    image.at(2) = part.offset >> 8 & 1;
+    image.at(3) = part.offset & 0xFF;
+    std::copy(part.data.begin(), part.data.end(), image.begin() + WritePosition);
+}
+
+/// Stores the slices and lets the last one start the execution. Goes on after a time-out.
+Outcome WriteSlices(const SpiImage &image, const PagePart &part)
+{
+    Outcome outcome;
+    for (int start = 0; start <= part.lastSlice; start += SliceSize)
+        outcome.keep(write_to_spibuf(image, start, start == part.lastSlice ? part.executeLength : 0));
+    return outcome;
+}
+
+Outcome WritePart(SpiImage &image, const PagePart &part, Patience patience)
+{
+    LayPart(image, part);
+    Outcome written = WriteSlices(image, part);
+    // All of it again: what the handheld clocked through the chip has replaced its buffer.
+    for (int repeat = 0; repeat < PartRepeats && patience == Patience::Job && written.timedOut(); ++repeat)
+        written = WriteSlices(image, part);
+    return written;
+}
+
+/// A job finds out whether the page was programmed although nobody acknowledged it, and repeats it where it was not.
+Outcome SecureProgram(const Outcome &unanswered, int address)
+{
+    for (int repeat = 0;; ++repeat) {
+        const Result<bool> equal = PageEqualsBuffer1(address);
+        if (equal.ok() && equal.value)
+            return {};
+        if (repeat == ProgramRepeats || !equal.ok())
+            return unanswered;
+        if (ExchangeForAck(PageCommand(ChipProgramPage, address)).ok())
+            return {};
+    }
 }
 
 } // namespace
 
-void BeginTransferMessage()
-{
-    // Only while the program ends can the wait be cut short; the old message is of no use then.
-    if (!PumpUntil([] { return TxLen == -1 || !Comm().isOpen(); }))
-        DropPendingMessage();
-    TxMsg = {};
-    TxMsg.at(0) = OpcodeImmediate;
-    TxMsg.at(1) = TransferMessageLength;
-    TxMsg.at(2) = 0x08;
-    TxMsg.at(3) = 0x66;
-    TxMsg.at(4) = 0x33;
-}
-
-void SendTransferMessage()
-{
-    if (!Comm().isOpen() || TxLen != -1 || WaitsMustEnd())
-        return;
-    PackHighBits();
-    TxLen = TransferLastIndex;
-}
-
-int AwaitAnswer(const std::function<bool()> &answered, const QString &boxTitle)
-{
-    const double start = TheEvents().timeOfDay();
-    while (!answered()) {
-        if (!Comm().isOpen() || WaitsMustEnd())
-            return 1;
-        if (TheEvents().timeOfDay() - start > AnswerTimeoutSeconds) {
-            if (!boxTitle.isEmpty() && !BoxesAreSilent())
-                TheFrontend().showBox({QStringLiteral("Timeout"), boxTitle, BoxIcon::Critical});
-            AbandonPageSequence();
-            return 1;
-        }
-        TheEvents().pump();
-    }
-    return 0;
-}
-
-void read_flash_to_spibuf(int address, int count, int &status)
+Outcome read_flash_to_spibuf(int address, int count)
 {
     Q_ASSERT(ReadPosition + count - 1 <= LastReadableIndex);
-    LayChipCommand(
-        ChipContinuousRead, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF, count + ReadCommandLength);
-    status = SendAndAwaitAck(QStringLiteral("read_flash_to_spibuf"));
+    return AskChip(ChipCommand({ChipContinuousRead, address >> 16 & 0xFF, address >> 8 & 0xFF, address & 0xFF},
+                       count + ReadCommandLength),
+        QStringLiteral("read_flash_to_spibuf"));
 }
 
-void read_spibuf(int start, int &status)
+Outcome read_spibuf(SpiImage &image, int start)
 {
-    BeginTransferMessage();
-    TxMsg.at(FlagByte) = FlagReadBack;
-    LayStartIndex(start);
-    SpiReadDone = 0;
-    SpiReadStart = start;
-    SendTransferMessage();
-    status = AwaitAnswer([] { return SpiReadDone == 1; }, QStringLiteral("read_spibuf"));
+    const auto answer = ExchangeForReadBack(ReadBackRequest(start));
+    // Damaged bytes are taken, as the handheld's own software takes them; the outcome says that they are doubtful.
+    if (answer.ok() || answer.outcome.how() == End::Damaged)
+        std::copy(answer.value.begin(), answer.value.end(), image.begin() + start);
+    return Told(answer.outcome, QStringLiteral("read_spibuf"));
 }
 
-void write_to_spibuf(int start, int executeLength, int &status)
+Outcome write_to_spibuf(const SpiImage &image, int start, int executeLength)
 {
-    BeginTransferMessage();
-    for (int i = 0; i < SliceSize; ++i)
-        TxMsg.at(DataBytes.at(static_cast<size_t>(i))) =
-            static_cast<quint8>(SpiBuf.at(static_cast<size_t>(start + i)));
+    Request request = Request::toHandheld();
+    for (size_t i = 0; i < SliceSize; ++i)
+        request.setData(i + 1, image.at(static_cast<size_t>(start) + i));
     if (executeLength != 0) {
-        TxMsg.at(FlagByte) = FlagExecute;
-        TxMsg.at(LengthByte) = static_cast<quint8>(executeLength);
+        request.bytes.at(FlagByte) = FlagExecute;
+        request.setData(LengthNumber, executeLength);
     }
-    LayStartIndex(start);
-    status = SendAndAwaitAck(QStringLiteral("write_to_spibuf"));
+    LayStartIndex(request, start);
+    return AskChip(request, QStringLiteral("write_to_spibuf"));
 }
 
-void move_spibuf_to_buf1(int address, int &status)
+Outcome move_spibuf_to_buf1(int address)
 {
-    status = PageCommand(ChipPageToBuffer1, address);
+    return AskChip(PageCommand(ChipPageToBuffer1, address), PageCommandName());
 }
 
-void write_buf1_to_flash(int address, int &status)
+Outcome write_buf1_to_flash(int address)
 {
-    status = PageCommand(ChipProgramPage, address);
+    return AskChip(PageCommand(ChipProgramPage, address), PageCommandName());
 }
 
-int ReadSlices(int first, int last)
+Result<bool> PageEqualsBuffer1(int address)
 {
-    int failed = 0;
-    for (int start = first; start <= last; start += SliceSize) {
-        int status = 0;
-        read_spibuf(start, status);
-        failed |= status;
+    if (Outcome asked = ExchangeForAck(PageCommand(ChipComparePage, address)); !asked.ok())
+        return {false, asked};
+    for (int look = 0; look < StatusLooks; ++look) {
+        const Result<int> status = ReadStatus();
+        if (!status.ok())
+            return {false, status.outcome};
+        if ((status.value & StatusReady) != 0)
+            return {(status.value & StatusDiffers) == 0, {}};
     }
-    return failed;
+    return {false, Outcome(End::NoAnswer)};
 }
 
-int ReadFlash(int address, int n)
+Outcome ReadSlices(SpiImage &image, int first, int last)
 {
-    int status = 0;
-    read_flash_to_spibuf(address, n, status);
+    Outcome outcome;
+    for (int start = first; start <= last; start += SliceSize)
+        outcome.keep(read_spibuf(image, start));
+    return outcome;
+}
+
+Outcome ReadFlash(SpiImage &image, int address, int n)
+{
+    Outcome outcome = read_flash_to_spibuf(address, n);
     const int lastIndex = ReadPosition + n - 1;
-    return ReadSlices(0, lastIndex / SliceSize * SliceSize) | status;
+    outcome.keep(ReadSlices(image, 0, lastIndex / SliceSize * SliceSize));
+    return outcome;
 }
 
-void LayBufferWrite(int pageOffset)
-{
-    SpiBuf.at(0) = ChipBuffer1Write;
-    SpiBuf.at(1) = 0;
-    SpiBuf.at(2) = pageOffset >> 8 & 1;
-    SpiBuf.at(3) = pageOffset & 0xFF;
-}
-
-int WriteSlices(int last, int executeLength)
-{
-    int failed = 0;
-    for (int start = 0; start <= last; start += SliceSize) {
-        int status = 0;
-        write_to_spibuf(start, start == last ? executeLength : 0, status);
-        failed |= status;
-    }
-    return failed;
-}
-
-void MoveToWritePosition(int lastIndex)
+void MoveToWritePosition(SpiImage &image, int lastIndex)
 {
     for (size_t i = 0; i <= static_cast<size_t>(lastIndex); ++i)
-        SpiBuf.at(WritePosition + i) = SpiBuf.at(ReadPosition + i);
+        image.at(WritePosition + i) = image.at(ReadPosition + i);
+}
+
+Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience)
+{
+    const PageSequence sequence;
+    const bool job = patience == Patience::Job;
+    Outcome outcome;
+    if (page.loadFirst)
+        outcome = LoadPage(page.address);
+    for (const PagePart &part : page.parts) {
+        if ((job && !outcome.ok()) || TransferBrokenOff())
+            break;
+        outcome.keep(WritePart(image, part, patience));
+    }
+    if (job && !outcome.ok())
+        return outcome.timedOut() ? Outcome(End::GivenUp, outcome.at()) : outcome;
+    Outcome programmed = write_buf1_to_flash(page.address);
+    if (job && programmed.timedOut())
+        programmed = SecureProgram(programmed, page.address);
+    outcome.keep(programmed);
+    return outcome;
+}
+
+bool TransferBrokenOff()
+{
+    return !Comm().isOpen() || WaitsMustEnd();
 }

@@ -1,4 +1,4 @@
-// The five commands by which the handheld's dataflash is read and written, and the sequences built of them.
+// The commands by which the handheld's dataflash is read and written, and the sequences built of them.
 //
 // The PC fills the handheld's SPI buffer in slices of 20 bytes and lets the handheld clock it through the flash
 // chip; what the chip answers replaces the buffer and is read back in slices of 20 bytes.
@@ -10,60 +10,96 @@
 //   byte 20 bits 4-6   bits 3-5 of it
 //   byte 25 bits 4-6   bits 0-2 of it
 //
-// Every command is one message; it waits for the acknowledge code 127 (or the read-back) for 2 seconds while
-// events go on. Status 0 = answered. Status 1 = time-out, after a box "Timeout" (critical) titled with the
-// command's name; also, without a box, when the port is closed or lost and when the program ends.
+// Chip commands (bytes laid into the buffer, AT45 family, pages of 512 bytes, one RAM buffer "buffer 1"):
+//   0xE8 A A A 0 0 0 0   continuous read, data from index 8 on
+//   0x53 A A A           page to buffer 1            0x60 A A A   compare page with buffer 1
+//   0x84 0 O O data      buffer 1 write              0xD7 0       status register: bit 7 ready, bit 6 = 0 equal
+//   0x83 A A A           buffer 1 to page, with erase
+//
+// Every command is one message (see link/exchange.h). A time-out shows a box "Timeout" (critical) titled with the
+// command's name; without a box it ends when the port is lost, when the program ends, and with the outcome Damaged.
 #pragma once
 
-#include "link/message_layer.h"
+#include "program/outcome.h"
 
-#include <functional>
+#include <array>
+#include <vector>
 
-constexpr int ReadPosition = 8;  // first data byte in SpiBuf after a read
-constexpr int WritePosition = 4; // first data byte in SpiBuf for a write
+/// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. A sequence works on an image that
+/// its caller owns, because bytes that nobody lays are programmed from what the image holds.
+constexpr int SpiBufSize = 513;
+using SpiImage = std::array<int, SpiBufSize>;
+
+constexpr int ReadPosition = 8;  // first data byte in the image after a read
+constexpr int WritePosition = 4; // first data byte in the image for a write
 constexpr int SliceSize = 20;
 constexpr int MaxSliceStart = 127;
 
+/// What happens after a time-out inside a page sequence. A single command of the user tells him and goes on with its
+/// remaining steps, as agreed. A job tries the step again and gives up before a page is programmed from a doubtful
+/// buffer.
+enum class Patience { Agreed, Job };
+
 /// Reads count flash bytes from a byte address into the handheld's buffer, from index 8 on. Index 8 + count - 1
 /// must not exceed 146, the last byte a read-back can reach.
-void read_flash_to_spibuf(int address, int count, int &status);
+Outcome read_flash_to_spibuf(int address, int count);
 
-/// Reads 20 bytes of the handheld's buffer into SpiBuf[start .. start + 19]; start is 0..127.
-void read_spibuf(int start, int &status);
+/// Reads 20 bytes of the handheld's buffer into image[start .. start + 19]; start is 0..127. The image stays as it is
+/// when no answer came.
+Outcome read_spibuf(SpiImage &image, int start);
 
-/// Writes SpiBuf[start .. start + 19] to the handheld's buffer; start is 0..127. With an execute length other than
+/// Writes image[start .. start + 19] to the handheld's buffer; start is 0..127. With an execute length other than
 /// 0 the twentieth byte is that length instead of data, and the handheld clocks so many bytes through the chip.
-void write_to_spibuf(int start, int executeLength, int &status);
+Outcome write_to_spibuf(const SpiImage &image, int start, int executeLength);
 
 /// Loads the page that holds the address into the chip's buffer 1.
-void move_spibuf_to_buf1(int address, int &status);
+Outcome move_spibuf_to_buf1(int address);
 
 /// Programs buffer 1 into the page that holds the address. Its time-out box is titled "move_spibuf_to_buf1".
-void write_buf1_to_flash(int address, int &status);
+Outcome write_buf1_to_flash(int address);
 
-/// Reads n bytes (1..128) at a flash address into SpiBuf[8 ..]: one flash read, then the slices that cover them.
-/// Goes on after a time-out; returns 1 if any step failed.
-int ReadFlash(int address, int n);
+/// Asks the chip whether a page and buffer 1 are equal. Shows no box.
+Result<bool> PageEqualsBuffer1(int address);
 
-/// read_spibuf with the starts first, first + 20, ... last.
-int ReadSlices(int first, int last);
+/// Reads n bytes (1..128) at a flash address into image[8 ..]: one flash read, then the slices that cover them.
+/// Goes on after a time-out; the outcome is the first failure.
+Outcome ReadFlash(SpiImage &image, int address, int n);
 
-/// Lays the buffer-write command for a page offset at SpiBuf[0..3].
-void LayBufferWrite(int pageOffset);
+/// read_spibuf with the starts first, first + 20, ... last. Goes on after a time-out.
+Outcome ReadSlices(SpiImage &image, int first, int last);
 
-/// write_to_spibuf with the starts 0, 20, ... below last, then start last with the execute length. Goes on after
-/// a time-out; returns 1 if any step failed.
-int WriteSlices(int last, int executeLength);
+/// image[4 + i] := image[8 + i] for i = 0 .. lastIndex: from read position to write position.
+void MoveToWritePosition(SpiImage &image, int lastIndex);
 
-/// SpiBuf[4 + i] := SpiBuf[8 + i] for i = 0 .. lastIndex: from read position to write position.
-void MoveToWritePosition(int lastIndex);
+/// One buffer write: data for a place in the page.
+struct PagePart {
+    int offset = 0;        // in the page, 0..511
+    std::vector<int> data; // laid at image[4 ..]; what lies behind it in the image is sent as it is
+    int lastSlice = 0;     // start index of the message that starts the execution
+    int executeLength = 0; // bytes that the handheld then clocks through the chip, the 4 of the command included
+};
 
-/// Lays the first bytes of a transfer message into the cleared TxMsg.
-void BeginTransferMessage();
+/// A page that is to be programmed once.
+struct PageWrite {
+    int address = 0;       // any address in it
+    bool loadFirst = true; // false: bytes that no part lays are programmed from what buffer 1 holds
+    std::vector<PagePart> parts;
+};
 
-/// Hands the message in TxMsg[0..29] to the message layer, as soon as its slot is free.
-void SendTransferMessage();
+/// The one page sequence: load, buffer writes, program. It is finished even when the program ends, or not begun.
+///
+/// A load without an acknowledge is never believed: the chip is asked whether page and buffer are equal, and the load
+/// is repeated, twice at most. Eight records share a page, and a page that is programmed from another buffer destroys
+/// seven neighbours. Only when the chip can't be asked either, a single command goes on as agreed; a job ends here.
+Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience);
 
-/// Waits for the condition. Status 1 after more than 2 s (with a "Timeout" box when a title is given), or at once
-/// when the port is closed or waits must end. A wait that spans midnight ends only with the answer.
-int AwaitAnswer(const std::function<bool()> &answered, const QString &boxTitle);
+/// The same after each change of the last slice's place: where a part of n data bytes must begin its last message so
+/// that all of them are sent before it.
+constexpr int LastSliceFor(int n)
+{
+    // The last message carries only 19 data bytes; index 4 + n - 1 must be among them.
+    return (WritePosition + n) / SliceSize * SliceSize;
+}
+
+/// True when nothing more can be transferred: the port is closed or lost, or the program is ending.
+bool TransferBrokenOff();

@@ -1,10 +1,12 @@
 #include "link/message_layer.h"
 
-#include "link/settings_file.h"
-#include "platform/run_control.h"
+#include "link/open_link.h"
 #include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
 
 #include <algorithm>
+#include <utility>
 
 LocoNetMessage TxMsg{};
 int TxLen = -1;
@@ -31,9 +33,10 @@ bool RawReplyWanted = false;
 std::array<int, 25> RawReply{};
 std::array<int, 5> RawReplyHead{};
 
-std::array<int, SpiBufSize> SpiBuf{};
-int SpiReadStart = 0;
+bool SpiReadWanted = false;
 int SpiReadDone = 0;
+bool SpiReadSound = false;
+std::array<int, 20> SpiReadData{};
 
 std::function<void(const LocoNetMessage &)> DownloadAnswerCheck;
 bool PortInTextMode = false;
@@ -51,7 +54,9 @@ constexpr size_t GroupDataBytes = 4;
 
 int ctsPosition = -1; // next byte of a transmission that CTS holds up; -1 = none
 double ctsStart = 0;
-int transmission = 0; // counts transmissions, so that a stale CTS poll ends itself
+int transmission = 0;            // counts transmissions, so that a stale CTS poll ends itself
+bool lateAnswerPossible = false; // the last awaited answer never came
+std::function<void(const Traffic &)> trafficTap;
 
 size_t Index(int i)
 {
@@ -70,7 +75,7 @@ void MarkAsWritten()
 {
     ctsPosition = -1;
     TxWaitEcho = true;
-    TxTime = TheEvents().timeOfDay();
+    TxTime = NowSeconds();
 }
 
 /// Writes one byte while CTS is on and lets events run before the next one; while CTS is off, looks again later.
@@ -83,6 +88,7 @@ void TransmitUnderCts(int id)
         return;
     }
     if (!Comm().cts() || !Comm().outputEmpty()) {
+        // CTS and a full driver tell nobody when they change.
         TheEvents().after(CtsPollUs, [id] { TransmitUnderCts(id); });
         return;
     }
@@ -96,7 +102,7 @@ void Transmit()
     LayChecksum();
     if (InterfaceType == InterfaceOrvanto1) {
         ctsPosition = 0;
-        ctsStart = TheEvents().timeOfDay();
+        ctsStart = NowSeconds();
         TransmitUnderCts(++transmission);
         return;
     }
@@ -114,8 +120,8 @@ void SuperviseEcho()
     TxLen = -1;
     TxWaitEcho = false;
     if (!BoxesAreSilent()) {
-        TheFrontend().postBox({QStringLiteral("Message kann nicht gesendet werden!"),
-            QStringLiteral("LocoNet Fehler"), BoxIcon::Critical});
+        TheAsk().postBox({QStringLiteral("Message kann nicht gesendet werden!"), QStringLiteral("LocoNet Fehler"),
+            BoxIcon::Critical});
     }
 }
 
@@ -131,6 +137,21 @@ int LengthOfOpcode(int opcode)
     default:
         return -1;
     }
+}
+
+/// All bytes of a sound message, its checksum included, XOR to 0xFF.
+bool ChecksumRight(std::span<const quint8> bytes)
+{
+    int sum = 0;
+    for (const quint8 byte : bytes)
+        sum ^= byte;
+    return sum == 0xFF;
+}
+
+void ShowTap(std::span<const quint8> bytes)
+{
+    if (trafficTap)
+        trafficTap({bytes, ChecksumRight(bytes)});
 }
 
 void StartMessage(int opcode)
@@ -159,8 +180,10 @@ void StoreByte(int byte)
         if (byte > MaxMessageIndex || byte <= 0)
             RxInMessage = false;
     }
-    RxRing.at(Index(RxSlot)).at(Index(RxCount)) = static_cast<quint8>(byte);
+    LocoNetMessage &slot = RxRing.at(Index(RxSlot));
+    slot.at(Index(RxCount)) = static_cast<quint8>(byte);
     if (RxInMessage && RxCount == RxExpected - 1) {
+        ShowTap(std::span(slot).first(Index(RxExpected)));
         RxWrite = RxSlot;
         RxEmpty = false;
         RxInMessage = false;
@@ -185,10 +208,18 @@ template <typename Visit> void ForEachDataByte(Visit visit)
 
 void StoreReadBack(LocoNetMessage &message)
 {
+    // An answer may come although the echo was lost. After a request without an answer it may as well be the late
+    // one of that request: then only an answer behind the echo counts.
+    const bool echoMissing = TxLen != -1;
+    if (!SpiReadWanted || (echoMissing && lateAnswerPossible))
+        return;
+    SpiReadSound = ChecksumRight(std::span(message).first(TransferMessageLength));
     UnpackHighBits(message);
-    int index = SpiReadStart;
-    ForEachDataByte([&](size_t, size_t data, quint8) { SpiBuf.at(Index(index++)) = message.at(data); });
+    size_t index = 0;
+    ForEachDataByte([&](size_t, size_t data, quint8) { SpiReadData.at(index++) = message.at(data); });
+    SpiReadWanted = false;
     SpiReadDone = 1;
+    lateAnswerPossible = false;
 }
 
 void DispatchPeerTransfer(LocoNetMessage &message)
@@ -211,8 +242,10 @@ void DispatchByOpcode(LocoNetMessage &message)
 {
     switch (message.at(0)) {
     case OpcodeLongAck:
-        if (AwaitingAck && AckOpcode == OpcodeImmediate && message.at(1) == LongAckOfImmediate)
+        if (AwaitingAck && AckOpcode == OpcodeImmediate && message.at(1) == LongAckOfImmediate) {
             LastAckCode = message.at(2);
+            lateAnswerPossible = false;
+        }
         break;
     case OpcodePeerTransfer:
         DispatchPeerTransfer(message);
@@ -246,6 +279,29 @@ void CheckEcho(const LocoNetMessage &message)
 
 } // namespace
 
+void TapTraffic(std::function<void(const Traffic &)> tap)
+{
+    trafficTap = std::move(tap);
+}
+
+Outcome LayMessage(const LocoNetMessage &message, int lastIndex)
+{
+    if (!Comm().isOpen())
+        return Outcome(End::PortLost);
+    if (TxLen != -1)
+        return Outcome(End::NotSent);
+    TxMsg = message;
+    TxLen = lastIndex; // last: from here on the timer may send it
+    return {};
+}
+
+void ForgetAnswer()
+{
+    AwaitingAck = false;
+    SpiReadWanted = false;
+    lateAnswerPossible = true;
+}
+
 void SendTask()
 {
     if (TxLen == -1 || ctsPosition >= 0)
@@ -278,18 +334,18 @@ void DispatchTask()
     LocoNetMessage &message = RxRing.at(Index(RxRead));
     const LocoNetMessage received = message; // a read-back restores high bits in the slot
     DispatchByOpcode(message);
-    AwaitingAck = false;
+    AwaitingAck = false; // only the first message after the echo can be the answer
     CheckEcho(received);
     if (RxWrite == RxRead)
         RxEmpty = true;
 }
 
-void PackHighBits()
+void PackHighBits(LocoNetMessage &message)
 {
-    ForEachDataByte([](size_t collector, size_t data, quint8 mask) {
-        if ((TxMsg.at(data) & OpcodeBit) != 0)
-            TxMsg.at(collector) |= mask;
-        TxMsg.at(data) &= 0x7F;
+    ForEachDataByte([&message](size_t collector, size_t data, quint8 mask) {
+        if ((message.at(data) & OpcodeBit) != 0)
+            message.at(collector) |= mask;
+        message.at(data) &= 0x7F;
     });
 }
 
@@ -315,6 +371,8 @@ void DropPendingMessage()
     TxWaitEcho = false;
     ctsPosition = -1;
     AwaitingAck = false;
+    SpiReadWanted = false;
+    lateAnswerPossible = false;
     RxInMessage = false;
     RxRead = RxWrite; // what was received before belongs to no later request
     RxEmpty = true;
@@ -337,8 +395,10 @@ void ResetMessageLayer()
     RawReplyWanted = false;
     RawReply = {};
     RawReplyHead = {};
-    SpiBuf.fill(0);
-    SpiReadStart = SpiReadDone = 0;
+    SpiReadDone = 0;
+    SpiReadSound = false;
+    SpiReadData = {};
     DownloadAnswerCheck = nullptr;
+    trafficTap = nullptr;
     PortInTextMode = false;
 }

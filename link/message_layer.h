@@ -1,9 +1,10 @@
 // LocoNet message layer: one outgoing message slot, the echo and acknowledge rules, the assembly of received
 // bytes into messages in a ring, and their dispatch by opcode.
 //
-// A caller lays the bytes of a message in TxMsg[0..n] and sets TxLen := n last. SendTask() adds the checksum and
+// LayMessage() lays the bytes of a message in TxMsg[0..n] and sets TxLen := n last. SendTask() adds the checksum and
 // transmits; the slot is free again (TxLen = -1) when the message's own echo has come back, or after 2 seconds
-// without it, which the user sees as "Message kann nicht gesendet werden!" / "LocoNet Fehler".
+// without it, which the user sees as "Message kann nicht gesendet werden!" / "LocoNet Fehler". Requests that want an
+// answer go through link/exchange.h.
 //
 // 31-byte messages (opcode 0xED sent, 0xE5 received):
 //   byte 0      opcode
@@ -15,10 +16,13 @@
 //   byte 30     checksum
 #pragma once
 
+#include "program/outcome.h"
+
 #include <QtGlobal>
 
 #include <array>
 #include <functional>
+#include <span>
 
 constexpr int MaxMessageIndex = 64;
 constexpr int RingSlots = 32;
@@ -37,7 +41,7 @@ using LocoNetMessage = std::array<quint8, MaxMessageIndex + 1>;
 extern LocoNetMessage TxMsg; // bytes 0..TxLen, checksum at TxLen + 1
 extern int TxLen;            // index of the last byte before the checksum; -1 = slot free
 extern bool TxWaitEcho;      // written to the port, echo not received yet
-extern double TxTime;        // time of day at which the message was written
+extern double TxTime;        // NowSeconds() at which the message was written
 extern bool AwaitingAck;     // from the echo of a message that expects a reply to the next received message
 extern int AckOpcode;        // opcode of that message
 extern int AckImmByte;       // byte 5 of the last echoed 0xED message
@@ -62,18 +66,33 @@ extern std::array<int, 25> RawReply; // five collectors, then D1..D20, as receiv
 
 extern std::array<int, 5> RawReplyHead; // bytes 0..4 of the message in RawReply: who sent it
 
-/// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. Filled by callers before a
-/// write and by received read-backs.
-constexpr int SpiBufSize = 513;
-extern std::array<int, SpiBufSize> SpiBuf;
-extern int SpiReadStart; // where the 20 bytes of the pending read-back go
-extern int SpiReadDone;  // 1 when they have come
+/// The read-back that is awaited. Only an answer that can belong to it is taken; all others are late or foreign.
+extern bool SpiReadWanted;              // set when the request is laid, cleared by its answer and when it is given up
+extern int SpiReadDone;                 // 1 when the answer has come
+extern bool SpiReadSound;               // its checksum was right
+extern std::array<int, 20> SpiReadData; // its bytes D1..D20 with their bit 7
 
 /// Receives each 0xE5 message while HandheldMode is false (the command-station download registers itself).
 extern std::function<void(const LocoNetMessage &)> DownloadAnswerCheck;
 
 /// True while the text set-up of an interface owns the received bytes; ReceiveBytes leaves them alone then.
 extern bool PortInTextMode;
+
+/// A message as it came from the line, before it is handled.
+struct Traffic {
+    std::span<const quint8> bytes; // with the checksum; valid during the call
+    bool checksumRight = false;
+};
+/// Sees every complete message, also echoes and the traffic of others. It must not wait.
+void TapTraffic(std::function<void(const Traffic &)> tap);
+
+/// Lays a message (bytes 0..lastIndex; the checksum is added when it is sent). Nothing is laid, and the outcome says
+/// why, when the slot is occupied (NotSent) or the port is closed (PortLost).
+Outcome LayMessage(const LocoNetMessage &message, int lastIndex);
+
+/// Forgets which answer was awaited: what still comes is late and belongs to nobody. An answer that comes before the
+/// echo of the next request is then known to be late.
+void ForgetAnswer();
 
 /// Transmits a laid message or supervises the echo of the sent one. Run every 50 ms, never waits: where CTS is
 /// off, an interface of kind 1 gets the rest of the message as soon as CTS comes back, at most 3 s after the
@@ -86,8 +105,8 @@ void DispatchTask();
 /// Reads all waiting bytes and assembles messages. Run by the port's receive event and every 100 ms.
 void ReceiveBytes();
 
-/// Moves bit 7 of the 20 data bytes of the message in TxMsg into the collector bytes, whose other bits stay.
-void PackHighBits();
+/// Moves bit 7 of the 20 data bytes of a message into the collector bytes, whose other bits stay.
+void PackHighBits(LocoNetMessage &message);
 
 /// Restores bit 7 of the 20 data bytes of a received message from its collectors.
 void UnpackHighBits(LocoNetMessage &message);

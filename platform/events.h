@@ -16,10 +16,7 @@ public:
 
     virtual ~Events() = default;
 
-    /// Time of day: seconds since local midnight, 0 <= t < 86400, with sub-second resolution.
-    [[nodiscard]] virtual double timeOfDay() const = 0;
-
-    /// Microseconds since some fixed moment; never goes back, knows no midnight.
+    /// Microseconds since some fixed moment; never goes back, knows no midnight. Every limit is measured with it.
     [[nodiscard]] virtual qint64 monotonicUs() const = 0;
 
     /// Calls the action every intervalMs milliseconds until stop(). An action that still runs is not entered

@@ -1,15 +1,17 @@
 #include "platform/files.h"
 
-#include "platform/world.h"
-
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
+#include <QTemporaryFile>
+
+#include <filesystem>
+#include <system_error>
 
 namespace
 {
 
-bool unwritableReported = false;
 QString programFolder; // NOLINT(cert-err58-cpp): QString's default constructor does not throw
 
 /// The entry of the folder that matches the name without regard to case, or the name itself.
@@ -24,6 +26,11 @@ QString EntryInAnyCase(const QString &folder, const QString &name)
             return entry;
     }
     return name;
+}
+
+std::filesystem::path SystemPath(const QString &path)
+{
+    return {path.toStdU16String()};
 }
 
 } // namespace
@@ -53,26 +60,43 @@ bool FileExists(const QString &path)
     return file.open(QIODevice::ReadOnly);
 }
 
+std::optional<QByteArray> ReadWholeFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return file.readAll();
+}
+
 bool ReplaceFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
 }
 
-void ReportUnwritable(const QString &relative)
+bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content)
 {
-    if (unwritableReported)
-        return;
-    unwritableReported = true;
-    TheFrontend().showBox({QStringLiteral("Die Datei %1 kann nicht geschrieben werden!\r"
-                                          "Das Programm arbeitet weiter, kann sich hier aber nichts merken.")
-                               .arg(relative),
-        QStringLiteral("Fehler!"), BoxIcon::Critical});
+    QTemporaryFile file(KonfPath(QStringLiteral("\\konf")) + QStringLiteral("/neu-XXXXXX.tmp"));
+    if (!file.open() || file.write(content) != content.size() || !file.flush())
+        return false;
+    // A file of its own has the usual rights; a temporary one only those of its owner.
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+    file.close();
+    std::error_code failure;
+    std::filesystem::rename(SystemPath(file.fileName()), SystemPath(path), failure);
+    if (failure)
+        return false; // the temporary file goes with its object
+    file.setAutoRemove(false);
+    return true;
 }
 
-void ResetFiles()
+bool IsSameFile(const QString &one, const QString &other)
 {
-    unwritableReported = false;
+    const QFileInfo first(one);
+    const QFileInfo second(other);
+    if (first.exists() && second.exists())
+        return first == second;
+    return first.absoluteFilePath() == second.absoluteFilePath();
 }
 
 QStringList FileNames(const QString &folder)

@@ -1,9 +1,11 @@
-// Where the program's files are.
+// Where the program's files are, and how they are written so that none is ever half there.
 #pragma once
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+
+#include <optional>
 
 /// The folder that holds the program and its konf folder. Set once by main() or by a test.
 void SetProgramFolder(const QString &folder);
@@ -17,13 +19,19 @@ QString KonfPath(const QString &relative);
 /// True when the file can be opened for reading.
 bool FileExists(const QString &path);
 
+/// All bytes of a file; nothing when it cannot be read.
+std::optional<QByteArray> ReadWholeFile(const QString &path);
+
 /// Replaces the file's content so that the file is never half written: written beside it, then renamed.
 /// False when the folder or file cannot be written; the old file is untouched then.
 bool ReplaceFile(const QString &path, const QByteArray &content);
 
-/// Tells the user that a file beside the program cannot be written: a "Fehler!" box, once in a run.
-void ReportUnwritable(const QString &relative);
-void ResetFiles();
+/// The same for files in folders that are scanned: what is half written lies in the konf folder, never in the folder
+/// of the file, so that a broken save leaves nothing there. Both folders are on one file system.
+bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content);
+
+/// True when two names lead to the same file; also where neither exists yet.
+bool IsSameFile(const QString &one, const QString &other);
 
 /// Names of the files (no folders) in a folder, sorted by name without regard to case. Empty when the folder
 /// does not exist.

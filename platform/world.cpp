@@ -21,9 +21,3 @@ SerialPort &Comm()
     Q_ASSERT(installed.comm != nullptr);
     return *installed.comm;
 }
-
-Frontend &TheFrontend()
-{
-    Q_ASSERT(installed.frontend != nullptr);
-    return *installed.frontend;
-}

@@ -2,13 +2,11 @@
 #pragma once
 
 #include "platform/events.h"
-#include "platform/frontend.h"
 #include "platform/serial_port.h"
 
 struct World {
     Events *events = nullptr;
     SerialPort *comm = nullptr;
-    Frontend *frontend = nullptr;
 };
 
 /// Installs the outer world; the objects stay owned by the caller and must outlive all use.
@@ -17,4 +15,3 @@ void InstallWorld(const World &world);
 /// The installed parts; asking for one that was not installed is a programming error (assertion).
 Events &TheEvents();
 SerialPort &Comm();
-Frontend &TheFrontend();

@@ -1,26 +1,25 @@
 #include "station/download.h"
 
 #include "handheld/flash_map.h"
-#include "link/branding.h"
-#include "link/message_layer.h"
-#include "link/open_port.h"
+#include "link/exchange.h"
+#include "link/open_link.h"
 #include "link/text_encoding.h"
-#include "platform/run_control.h"
 #include "platform/text.h"
 #include "platform/world.h"
+#include "program/ask.h"
+#include "program/branding.h"
+#include "program/run_control.h"
 
 #include <algorithm>
 #include <functional>
-
-std::vector<DownloadedLoco> DownloadedLocos;
-int UnusableLocos = 0;
+#include <utility>
 
 namespace
 {
 
-constexpr double StepTimeoutSeconds = 2;
 constexpr double QuietSeconds = 1.5;
 constexpr double LongestQuietWaitSeconds = 10;
+constexpr int QuietPollMs = 100;
 constexpr int NoAckYet = -1;
 constexpr int AckAlreadyDone = 1;
 
@@ -56,16 +55,20 @@ constexpr std::array<int, 5> AnswerHead{OpcodePeerTransfer, TransferMessageLengt
 constexpr std::array<std::pair<size_t, int>, 11> EntryAnswer{{{5, 0x70}, {10, 0x70}, {15, 0x30}, {20, 0x70}, {16, 12},
     {17, 8}, {18, 19}, {19, 30}, {21, 19}, {22, 19}, {23, 7}}};
 
-/// Waits for the condition; false after 2 s, at once when the port is lost or waits must end.
-bool Await(const std::function<bool()> &done)
+/// A wait of a step ends when the user has confirmed the stop; leaving the download mode goes on all the same.
+bool stepsMayStop = false;
+
+bool StopsNow()
 {
-    const double start = TheEvents().timeOfDay();
-    while (!done()) {
-        if (!Comm().isOpen() || WaitsMustEnd() || SecondsSince(start) > StepTimeoutSeconds)
-            return false;
-        TheEvents().pump();
-    }
-    return true;
+    return stepsMayStop && StoppableJob::stopRequested();
+}
+
+/// Waits for the condition; false after 2 s, at once when the port is lost, waits must end or the user stops.
+bool Came(const std::function<bool()> &done)
+{
+    bool held = false;
+    const Outcome outcome = Await([&] { return (held = done()) || StopsNow(); });
+    return outcome.ok() && held;
 }
 
 /// Visits each data value of the working record with its collector and the bit that stands for its bit 7.
@@ -98,37 +101,35 @@ Data ReceivedData()
     return data;
 }
 
-void LayMessage()
+LocoNetMessage MessageOfWorkingRecord()
 {
-    TxMsg = {};
-    std::copy(RequestHead.begin(), RequestHead.end(), TxMsg.begin());
+    LocoNetMessage message{};
+    std::copy(RequestHead.begin(), RequestHead.end(), message.begin());
     size_t index = RequestHead.size();
     for (size_t group = 0; group < CollectorCount; ++group) {
-        TxMsg.at(index++) = static_cast<quint8>(RawReply.at(group));
+        message.at(index++) = static_cast<quint8>(RawReply.at(group));
         for (size_t k = 0; k < BytesPerCollector; ++k)
-            TxMsg.at(index++) = static_cast<quint8>(RawReply.at(CollectorCount + group * BytesPerCollector + k));
+            message.at(index++) = static_cast<quint8>(RawReply.at(CollectorCount + group * BytesPerCollector + k));
     }
+    return message;
 }
 
 /// Sends a request and waits until it is out. 0 or InnerNotSent.
 int SendRequest(const Data &data, const Commands &commands)
 {
-    const auto slotFree = [] { return TxLen == -1; };
-    if (!PumpUntil([&] { return slotFree() || !Comm().isOpen(); }) || !Comm().isOpen())
-        return InnerNotSent;
     LayWorkingRecord(data, commands);
-    LayMessage();
+    if (const Outcome laid = LayWhenFree(MessageOfWorkingRecord(), TransferLastIndex); !laid.ok())
+        return InnerNotSent;
     LastAckCode = NoAckYet;
-    TxLen = TransferLastIndex;
-    return Await(slotFree) ? 0 : InnerNotSent;
+    return Came([] { return TxLen == -1; }) ? 0 : InnerNotSent;
 }
 
 /// Sends a request and returns the acknowledge code in `code`. 0, InnerNotSent or InnerNoAcknowledge.
-int Exchange(const Data &data, const Commands &commands, int &code)
+int ExchangeWithStation(const Data &data, const Commands &commands, int &code)
 {
     if (const int inner = SendRequest(data, commands); inner != 0)
         return inner;
-    const bool acknowledged = Await([] { return LastAckCode != NoAckYet; });
+    const bool acknowledged = Came([] { return LastAckCode != NoAckYet; });
     code = LastAckCode;
     return acknowledged ? 0 : InnerNoAcknowledge;
 }
@@ -147,17 +148,18 @@ bool EntryAnswered()
 {
     DownloadAnswerCheck = CheckEntryAnswer;
     HandheldMode = false;
-    const bool answered = Await([] { return HandheldMode; });
+    const bool answered = Came([] { return HandheldMode; });
     HandheldMode = true;
     DownloadAnswerCheck = nullptr;
     return answered;
 }
 
-int EnterDownloadMode()
+/// `entered` becomes true when the station has gone into its download mode.
+int EnterDownloadMode(bool &entered)
 {
     constexpr Commands commands{3, 7, 0};
     int code = 0;
-    if (const int inner = Exchange(EntryData, commands, code); inner != 0)
+    if (const int inner = ExchangeWithStation(EntryData, commands, code); inner != 0)
         return inner;
     if (code == AckAccepted) {
         if (!EntryAnswered())
@@ -165,7 +167,8 @@ int EnterDownloadMode()
     } else if (code != AckAlreadyDone) {
         return InnerNoAcknowledge;
     }
-    if (const int inner = Exchange(SecondEntryData, commands, code); inner != 0)
+    entered = true;
+    if (const int inner = ExchangeWithStation(SecondEntryData, commands, code); inner != 0)
         return inner;
     return code == AckAccepted || code == AckAlreadyDone ? 0 : InnerNoAcknowledge;
 }
@@ -186,11 +189,11 @@ int RequestStep(const Data &data, const Commands &commands, Data *answer = nullp
 {
     int code = 0;
     RawReplyWanted = true;
-    int inner = Exchange(data, commands, code);
+    int inner = ExchangeWithStation(data, commands, code);
     if (inner == 0 && code != AckAccepted)
         inner = InnerNoAcknowledge;
     RawReplyWanted = true; // what came before the acknowledge answers an older request
-    if (inner == 0 && !Await(StationAnswered))
+    if (inner == 0 && !Came(StationAnswered))
         inner = InnerNoAnswer;
     RawReplyWanted = false;
     if (inner == 0 && answer != nullptr)
@@ -202,18 +205,19 @@ int RequestStep(const Data &data, const Commands &commands, Data *answer = nullp
 /// come for a while. Traffic of other devices does not prolong the wait, and no traffic keeps it up for good.
 void DropLateAnswers()
 {
-    const double start = TheEvents().timeOfDay();
+    const double start = NowSeconds();
     double quietSince = start;
     RawReplyWanted = true;
     const auto quiet = [&] {
         if (StationAnswered()) {
             RawReplyWanted = true;
-            quietSince = TheEvents().timeOfDay();
+            quietSince = NowSeconds();
         }
         const bool enough = SecondsSince(quietSince) > QuietSeconds || SecondsSince(start) > LongestQuietWaitSeconds;
-        return enough || !Comm().isOpen() || StoppableJob::stopRequested();
+        return enough || !Comm().isOpen() || StopsNow();
     };
-    PumpUntil(quiet);
+    const WakeUps looks(QuietPollMs); // silence tells nobody that it goes on
+    static_cast<void>(PumpUntil(quiet));
     RawReplyWanted = false;
 }
 
@@ -227,7 +231,7 @@ int ReadPart(int number, int part, Data &answer)
         const bool strange = part == 0 && answer.at(0) != RecordFollows && answer.at(0) != EndOfDatabase;
         if (inner == 0 && strange)
             inner = InnerNoAnswer;
-        if (inner == 0 || !Comm().isOpen() || WaitsMustEnd())
+        if (inner == 0 || !Comm().isOpen() || WaitsMustEnd() || StopsNow())
             break;
         DropLateAnswers();
     }
@@ -256,30 +260,34 @@ DownloadedLoco LocoOf(const Data &first, const Data &second)
     return loco;
 }
 
-void Keep(const DownloadedLoco &loco)
+void Keep(Download &download, const DownloadedLoco &loco)
 {
     if (loco.address >= FirstLoco && loco.address <= LastLoco)
-        DownloadedLocos.push_back(loco);
+        download.locos.push_back(loco);
     else
-        ++UnusableLocos;
+        ++download.unusable;
 }
 
-int ReadRecords()
+/// Reads records until the station has no more; 0 also when the user stops.
+int ReadRecords(Download &download)
 {
     const StoppableJob job;
-    for (int n = 1; n <= MostRecords && !StoppableJob::stopRequested(); ++n) {
-        TheFrontend().setProgressText(QStringLiteral("Datensatz: ") + QString::number(n));
+    const bool wereStoppable = std::exchange(stepsMayStop, true);
+    int inner = 0;
+    for (int n = 1; n <= MostRecords && inner == 0 && !StopsNow(); ++n) {
+        TheAsk().showProgress(QStringLiteral("Datensatz: ") + QString::number(n));
         Data first{};
         Data second{};
-        if (const int inner = ReadPart(n, 0, first); inner != 0)
-            return inner;
-        if (first.at(0) == EndOfDatabase)
-            return 0;
-        if (const int inner = ReadPart(n, 1, second); inner != 0)
-            return inner;
-        Keep(LocoOf(first, second));
+        inner = ReadPart(n, 0, first);
+        if (inner != 0 || first.at(0) == EndOfDatabase)
+            break;
+        inner = ReadPart(n, 1, second);
+        if (inner == 0)
+            Keep(download, LocoOf(first, second));
     }
-    return 0;
+    const bool stopped = StopsNow() && CurrentRunState() == RunState::Running;
+    stepsMayStop = wereStoppable;
+    return stopped ? 0 : inner;
 }
 
 int WithBase(int base, int inner)
@@ -288,16 +296,16 @@ int WithBase(int base, int inner)
 }
 
 /// The steps between entering and leaving, up to the first that fails.
-int ReadDatabase()
+int ReadDatabase(Download &download)
 {
     if (const int inner = RequestStep({}, {3, 1, 0}); inner != 0)
         return WithBase(BasePreparation, inner);
     if (const int inner = RequestStep({RangeFirst, RangeLast}, {3, 1, 1}); inner != 0)
         return WithBase(BaseRange, inner);
-    TheFrontend().setProgressText(QStringLiteral("Datenbank lesen"));
+    TheAsk().showProgress(QStringLiteral("Datenbank lesen"));
     if (const int inner = RequestStep({1}, {3, 1, 3}); inner != 0)
         return WithBase(BaseDatabase, inner);
-    return WithBase(BaseRecords, ReadRecords());
+    return WithBase(BaseRecords, ReadRecords(download));
 }
 
 /// Also when the program ends: the station would stay in its download mode otherwise.
@@ -307,11 +315,15 @@ int LeaveDownloadMode()
     return WithBase(BaseLeaving, RequestStep(EntryData, {3, 7, 1}));
 }
 
-int RunDownload()
+int RunDownload(Download &download)
 {
-    if (const int inner = EnterDownloadMode(); inner != 0)
+    bool entered = false;
+    if (const int inner = EnterDownloadMode(entered); inner != 0) {
+        if (entered) // its first request was answered: the station is in its download mode
+            static_cast<void>(LeaveDownloadMode());
         return WithBase(BaseEntry, inner);
-    const int status = ReadDatabase();
+    }
+    const int status = ReadDatabase(download);
     const int leaving = LeaveDownloadMode();
     return status != 0 ? status : leaving;
 }
@@ -323,34 +335,25 @@ void ReportFailure(int status)
     const bool entryFailed = status < BaseLeaving;
     const QString text = entryFailed ? TheBranding().noStationText
                                      : QStringLiteral("Fehler beim Lesen der Datenbank:") + NumberText(status);
-    TheFrontend().showBox({text, QStringLiteral("Achtung!"), BoxIcon::None});
+    TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::None});
 }
 
 } // namespace
 
-int DownloadLocos()
+Download DownloadLocos()
 {
-    const auto shown = SpiBuf;
-    DownloadedLocos.clear();
-    UnusableLocos = 0;
-    TheFrontend().showProgress(TheBranding().downloadText);
-    const int status = RunDownload();
-    HandheldMode = true;
+    Download download;
+    TheAsk().showProgress(TheBranding().downloadText);
+    download.status = RunDownload(download);
+    HandheldMode = true; // or 0xE5 messages would not reach the memory transfer any more
     RawReplyWanted = false;
-    SpiBuf = shown;
-    TheFrontend().hideProgress();
-    if (status != 0)
-        ReportFailure(status);
-    return status;
+    TheAsk().hideProgress();
+    if (download.status != 0)
+        ReportFailure(download.status);
+    return download;
 }
 
 LocoRecord RecordOfLoco(const DownloadedLoco &loco)
 {
     return {FitLocoName(loco.name), {}, loco.modes, loco.multiUni, loco.locoSymbol};
-}
-
-void ResetDownload()
-{
-    DownloadedLocos.clear();
-    UnusableLocos = 0;
 }

@@ -38,18 +38,17 @@ struct DownloadedLoco {
     int locoSymbol = 0;
 };
 
-/// What the last download brought, in the station's order. Written by DownloadLocos, read by the import window.
-extern std::vector<DownloadedLoco> DownloadedLocos;
+/// What a download brought.
+struct Download {
+    int status = 0;                    // 0 = the whole database was read
+    std::vector<DownloadedLoco> locos; // in the station's order; after a failure those read until then
+    int unusable = 0;                  // records whose address no handheld can hold; they are left out
+};
 
-/// Records of the station whose address no handheld can hold; they are left out.
-extern int UnusableLocos;
-
-/// The whole download with its progress texts and boxes: "Keine ... vorhanden!" when no station answers, "Fehler beim
-/// Lesen der Datenbank:" and the status after a later failure; DownloadedLocos holds what was read until then.
-/// Returns the status. HandheldMode is true again and SpiBuf as before afterwards, whatever happened. The port is open.
-int DownloadLocos();
+/// The whole download over the open port, with its progress texts and boxes: "Keine ... vorhanden!" when no station
+/// answers, "Fehler beim Lesen der Datenbank:" and the status after a later failure. HandheldMode is true again
+/// afterwards, whatever happened. A confirmed stop ends it at once; what was read until then is returned.
+[[nodiscard]] Download DownloadLocos();
 
 /// The record that a downloaded loco becomes in the handheld; it has no function symbols.
 LocoRecord RecordOfLoco(const DownloadedLoco &loco);
-
-void ResetDownload();

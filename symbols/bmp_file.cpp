@@ -1,13 +1,10 @@
 #include "symbols/bmp_file.h"
 
-#include "link/message_layer.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "platform/world.h"
-#include "symbols/symbol_geometry.h"
+#include "program/ask.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include <optional>
@@ -33,7 +30,7 @@ struct BmpLayout {
 
 void ShowError(const QString &text)
 {
-    TheFrontend().showBox({text, QStringLiteral("Fehler!"), BoxIcon::Critical});
+    TheAsk().showBox({text, QStringLiteral("Fehler!"), BoxIcon::Critical});
 }
 
 /// A byte of the file; bytes past its end count as zero.
@@ -49,45 +46,37 @@ QString SizeError(int expected, int found)
 }
 
 /// What is wrong with the header; empty when the file fits. The order of the checks is the order of the messages.
-QString HeaderError(const QByteArray &file)
+QString HeaderError(const QByteArray &file, PictureGeometry geometry)
 {
     if (const int depth = ByteAt(file, OffsetBitDepth); depth != 1)
         return QStringLiteral("Farbtiefe des BMP Files muss 1 sein! Hier:") + NumberText(depth);
     if (ByteAt(file, OffsetCompression) != 0)
         return QStringLiteral("Das BMP-File darf nicht komprimiert sein!");
     const int width = ByteAt(file, OffsetWidth);
-    if (width != SymbolWidth && !(SymbolWidth == 6 && width == 8))
-        return SizeError(SymbolWidth, width);
+    if (width != geometry.width && !(geometry.width == 6 && width == 8))
+        return SizeError(geometry.width, width);
     const int height = ByteAt(file, OffsetHeight);
     const bool topDown = ByteAt(file, OffsetHeightTopByte) > 0x7F;
     if (topDown) {
-        return SizeError(SymbolHeight, height)
+        return SizeError(geometry.height, height)
             + QStringLiteral("\rDie Datei ist von oben nach unten gespeichert; das wird nicht unterstützt.");
     }
-    return height != SymbolHeight ? SizeError(SymbolHeight, height) : QString();
+    return height != geometry.height ? SizeError(geometry.height, height) : QString();
 }
 
-BmpLayout LayoutOf(const QByteArray &file)
+BmpLayout LayoutOf(const QByteArray &file, PictureGeometry geometry)
 {
     const int rowBytes = RowBytesOf(ByteAt(file, OffsetWidth));
     const int dataSize = ByteAt(file, OffsetDataSize) + 256 * ByteAt(file, OffsetDataSize + 1);
     // The stored row length may be no whole number; whole bytes of the difference are skipped.
-    const int surplus = dataSize - rowBytes * SymbolHeight;
-    return {ByteAt(file, OffsetDataOffset), rowBytes, surplus > 0 ? surplus / SymbolHeight : 0};
+    const int surplus = dataSize - rowBytes * geometry.height;
+    return {ByteAt(file, OffsetDataOffset), rowBytes, surplus > 0 ? surplus / geometry.height : 0};
 }
 
 /// End of the last row's pixel bytes.
-int EndOfPixels(const BmpLayout &layout)
+int EndOfPixels(const BmpLayout &layout, int height)
 {
-    return layout.dataOffset + SymbolHeight * layout.rowBytes + (SymbolHeight - 1) * layout.padding;
-}
-
-std::optional<QByteArray> ReadWhole(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.readAll();
+    return layout.dataOffset + height * layout.rowBytes + (height - 1) * layout.padding;
 }
 
 void PutLittleEndian(QByteArray &bytes, int offset, int value)
@@ -96,11 +85,11 @@ void PutLittleEndian(QByteArray &bytes, int offset, int value)
         bytes[offset + i] = static_cast<char>(value >> (8 * i) & ByteMask);
 }
 
-/// An all white picture of the present geometry.
-QByteArray NewTemplate()
+/// An all white picture.
+QByteArray NewTemplate(PictureGeometry geometry)
 {
-    const int stride = (SymbolWidth + 31) / 32 * 4;
-    const int dataSize = stride * SymbolHeight;
+    const int stride = (geometry.width + 31) / 32 * 4;
+    const int dataSize = stride * geometry.height;
     QByteArray file(NewDataOffset, '\0');
     file.append(QByteArray(dataSize, '\xFF'));
     file[0] = 'B';
@@ -108,8 +97,8 @@ QByteArray NewTemplate()
     PutLittleEndian(file, 2, NewDataOffset + dataSize);
     PutLittleEndian(file, OffsetDataOffset, NewDataOffset);
     PutLittleEndian(file, 14, 40); // size of the info header
-    PutLittleEndian(file, OffsetWidth, SymbolWidth);
-    PutLittleEndian(file, OffsetHeight, SymbolHeight);
+    PutLittleEndian(file, OffsetWidth, geometry.width);
+    PutLittleEndian(file, OffsetHeight, geometry.height);
     file[26] = 1; // planes
     file[OffsetBitDepth] = 1;
     PutLittleEndian(file, OffsetDataSize, dataSize);
@@ -118,34 +107,35 @@ QByteArray NewTemplate()
 }
 
 /// Overwrites the pixel rows; the padding repeats the last byte of each row.
-void PutPixels(QByteArray &file, const BmpLayout &layout)
+void PutPixels(QByteArray &file, const BmpLayout &layout, const PictureRows &rows, int height)
 {
-    auto index = static_cast<size_t>(FirstPixelIndex());
+    size_t index = 0;
     int position = layout.dataOffset;
-    const qsizetype end = position + SymbolHeight * (layout.rowBytes + layout.padding);
+    const qsizetype end = position + height * (layout.rowBytes + layout.padding);
     if (file.size() < end)
         file.resize(end, '\xFF');
-    for (int row = 0; row < SymbolHeight; ++row) {
+    for (int row = 0; row < height; ++row) {
         for (int i = 0; i < layout.rowBytes; ++i)
-            file[position++] = static_cast<char>(255 - SpiBuf.at(index++));
+            file[position++] = static_cast<char>(255 - rows.at(index++));
         for (int i = 0; i < layout.padding; ++i, ++position)
             file[position] = file.at(position - 1);
     }
 }
 
-void GetPixels(const QByteArray &file, const BmpLayout &layout)
+PictureRows GetPixels(const QByteArray &file, const BmpLayout &layout, int height)
 {
-    auto index = static_cast<size_t>(FirstPixelIndex());
+    PictureRows rows;
     int position = layout.dataOffset;
-    for (int row = 0; row < SymbolHeight; ++row, position += layout.padding) {
+    for (int row = 0; row < height; ++row, position += layout.padding) {
         for (int i = 0; i < layout.rowBytes; ++i)
-            SpiBuf.at(index++) = 255 - ByteAt(file, position++);
+            rows.push_back(255 - ByteAt(file, position++));
     }
+    return rows;
 }
 
 bool SaveFile(const QString &path, const QByteArray &content)
 {
-    if (ReplaceFile(path, content))
+    if (ReplaceFileInScannedFolder(path, content) || ReplaceFile(path, content))
         return true;
     ShowError(QStringLiteral("Die Datei \"%1\" kann nicht geschrieben werden!").arg(path));
     return false;
@@ -155,51 +145,51 @@ bool SaveFile(const QString &path, const QByteArray &content)
 
 QString TemplatePath(int width)
 {
-    return KonfPath(width == LokSymbolWidth ? QStringLiteral("\\konf\\temp_loksym.bmp")
-                                            : QStringLiteral("\\konf\\temp_lokfkt.bmp"));
+    return KonfPath(width == LokSymbolGeometry.width ? QStringLiteral("\\konf\\temp_loksym.bmp")
+                                                     : QStringLiteral("\\konf\\temp_lokfkt.bmp"));
 }
 
-void LoadBmpToSpibuf(const QString &fileName, int &result)
+PictureRows RowsOf(const Picture &picture)
 {
-    result = 1;
-    const std::optional<QByteArray> file = ReadWhole(fileName);
+    const auto first = picture.bytes.begin() + SizeBytes;
+    return {first, picture.bytes.begin() + FlashBytesOf(picture.geometry)};
+}
+
+std::optional<PictureRows> LoadBmp(const QString &fileName, PictureGeometry geometry)
+{
+    const std::optional<QByteArray> file = ReadWholeFile(fileName);
     if (!file) {
         ShowError(QStringLiteral("Die Datei \"%1\" kann nicht gelesen werden!").arg(fileName));
-        return;
+        return {};
     }
-    if (const QString error = HeaderError(*file); !error.isEmpty()) {
+    if (const QString error = HeaderError(*file, geometry); !error.isEmpty()) {
         ShowError(error);
-        return;
+        return {};
     }
-    const BmpLayout layout = LayoutOf(*file);
-    if (EndOfPixels(layout) > file->size()) {
-        ShowError(QStringLiteral("Die BMP-Datei ist unvollständig: %1 Bytes statt %2!")
-                      .arg(file->size())
-                      .arg(EndOfPixels(layout)));
-        return;
+    const BmpLayout layout = LayoutOf(*file, geometry);
+    const int end = EndOfPixels(layout, geometry.height);
+    if (end > file->size()) {
+        ShowError(QStringLiteral("Die BMP-Datei ist unvollständig: %1 Bytes statt %2!").arg(file->size()).arg(end));
+        return {};
     }
-    GetPixels(*file, layout);
-    result = 0;
+    return GetPixels(*file, layout, geometry.height);
 }
 
-void SaveSpibufToBmp(const QString &fileName, int &result)
+bool SaveBmp(const PictureRows &rows, PictureGeometry geometry, const QString &fileName)
 {
-    result = 1;
-    if (SymbolWidth != LokSymbolWidth && SymbolWidth != HalfSymbolWidth)
-        return;
-    const QString templatePath = TemplatePath(SymbolWidth);
-    QByteArray file = ReadWhole(templatePath).value_or(NewTemplate());
-    if (const QString error = HeaderError(file); !error.isEmpty()) {
+    if (geometry.width != LokSymbolGeometry.width && geometry.width != HalfSymbolGeometry.width)
+        return false;
+    const QString templatePath = TemplatePath(geometry.width);
+    QByteArray file = ReadWholeFile(templatePath).value_or(NewTemplate(geometry));
+    if (const QString error = HeaderError(file, geometry); !error.isEmpty()) {
         ShowError(error);
-        return;
+        return false;
     }
-    PutPixels(file, LayoutOf(file));
-    if (!ReplaceFile(templatePath, file)) {
+    PutPixels(file, LayoutOf(file, geometry), rows, geometry.height);
+    const bool templateWritten = ReplaceFile(templatePath, file);
+    if (!templateWritten)
         ReportUnwritable(QDir::toNativeSeparators(QStringLiteral("konf/") + QFileInfo(templatePath).fileName()));
-        if (fileName.isEmpty())
-            return;
-    }
-    const bool isTemplate = QFileInfo(fileName) == QFileInfo(templatePath);
-    if (fileName.isEmpty() || isTemplate || SaveFile(fileName, file))
-        result = 0;
+    if (fileName.isEmpty() || IsSameFile(fileName, templatePath))
+        return templateWritten;
+    return SaveFile(fileName, file); // also where the template can't be written: the user's file counts
 }

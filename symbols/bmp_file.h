@@ -1,8 +1,8 @@
-// 1-bit BMP files: from a file into the picture in SpiBuf, and back.
+// 1-bit BMP files: from a file into the rows of a picture, and back.
 //
 // Only these bytes of a file's header are consulted:
 //   10      offset of the pixel rows (below 256)
-//   18, 22  width and height, low bytes; must fit SymbolWidth and SymbolHeight
+//   18, 22  width and height, low bytes; must fit the picture
 //   28      bits a pixel, must be 1
 //   30      compression, must be 0
 //   34, 35  size of the pixel data; divided by the height it gives the stored length of a row
@@ -10,18 +10,28 @@
 // length. Saving overwrites the pixel rows of a template with the right header (konf\temp_loksym.bmp for pictures
 // 48 pixels wide, konf\temp_lokfkt.bmp for 14) and copies the template to the target; a missing template is made.
 //
-// Every refusal is a box "Fehler!" (critical) that says what is wrong; SpiBuf and all files stay as they were then.
+// Every refusal is a box "Fehler!" (critical) that says what is wrong; all files stay as they were then.
 #pragma once
+
+#include "handheld/picture.h"
 
 #include <QString>
 
-/// Loads a file as a picture of the present symbol geometry. result: 0 = loaded, 1 = refused. The two size bytes
-/// are not written.
-void LoadBmpToSpibuf(const QString &fileName, int &result);
+#include <optional>
+#include <vector>
 
-/// Writes the picture into its template and, unless fileName is empty, copies the template to fileName. result: 0 =
-/// saved, 1 = failed; silently 1 for widths other than 48 and 14, which have no template.
-void SaveSpibufToBmp(const QString &fileName, int &result);
+/// The pixel rows of a picture, RowBytesOf(width) bytes each, bottom row first.
+using PictureRows = std::vector<int>;
+
+/// The rows of a file that fits the geometry; nothing when it was refused.
+std::optional<PictureRows> LoadBmp(const QString &fileName, PictureGeometry geometry);
+
+/// Writes the rows into the template of their width and, unless fileName is empty, copies the template to fileName.
+/// False when it failed; without a box for widths other than 48 and 14, which have no template.
+[[nodiscard]] bool SaveBmp(const PictureRows &rows, PictureGeometry geometry, const QString &fileName);
+
+/// The rows of a picture value, without its size bytes.
+PictureRows RowsOf(const Picture &picture);
 
 /// Path of the template for pictures of this width (48 or 14); it shows the picture saved last.
 QString TemplatePath(int width);

@@ -2,13 +2,11 @@
 
 #include "platform/files.h"
 #include "platform/text.h"
-#include "platform/world.h"
-#include "ui/build_controls.h"
+#include "program/ask.h"
+#include "ui/widgets/build_controls.h"
 
-#include <QFile>
 #include <QFontDatabase>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -56,23 +54,12 @@ HelpWin::HelpWin() : helpTxt(new QListWidget(this))
 void HelpWin::load()
 {
     helpTxt->clear();
-    QFile file(KonfPath(QStringLiteral("\\konf\\hilfe.txt")));
-    const bool found = file.open(QIODevice::ReadOnly);
-    if (found)
-        helpTxt->addItems(Lines(file.readAll()));
-    show();
-    raise();
-    activateWindow();
-    if (!found) {
-        TheFrontend().showBox(
+    const auto help = ReadWholeFile(KonfPath(QStringLiteral("\\konf\\hilfe.txt")));
+    if (help)
+        helpTxt->addItems(Lines(*help));
+    present();
+    if (!help) {
+        TheAsk().showBox(
             {QStringLiteral("Die Hilfedatei konf\\hilfe.txt fehlt!"), QStringLiteral("Fehler!"), BoxIcon::Critical});
     }
-}
-
-void HelpWin::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        hide();
-    else
-        QWidget::keyPressEvent(event);
 }

@@ -1,11 +1,11 @@
 // The help window: the lines of konf\hilfe.txt as a list.
 #pragma once
 
-#include <QWidget>
+#include "ui/widgets/leavable_window.h"
 
 class QListWidget;
 
-class HelpWin : public QWidget
+class HelpWin : public LeavableWindow
 {
     Q_OBJECT
 
@@ -15,9 +15,6 @@ public:
     /// Reads the help file and shows the window. A missing file is reported by a "Fehler!" box; the list stays
     /// empty then.
     void load();
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QListWidget *helpTxt;

@@ -1,9 +1,8 @@
 #include "ui/info_zeichensatz.h"
 
-#include "ui/build_controls.h"
+#include "ui/widgets/build_controls.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -50,19 +49,4 @@ InfoZeichensatz::InfoZeichensatz()
     layout->addLayout(buttonRow);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
-}
-
-void InfoZeichensatz::load()
-{
-    show();
-    raise();
-    activateWindow();
-}
-
-void InfoZeichensatz::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        hide();
-    else
-        QWidget::keyPressEvent(event);
 }

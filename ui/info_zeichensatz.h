@@ -1,16 +1,12 @@
 // Tells the user which characters the handheld can show.
 #pragma once
 
-#include <QWidget>
+#include "ui/widgets/leavable_window.h"
 
-class InfoZeichensatz : public QWidget
+class InfoZeichensatz : public LeavableWindow
 {
     Q_OBJECT
 
 public:
     InfoZeichensatz();
-    void load();
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
 };

@@ -1,23 +1,22 @@
 #include "ui/main_window.h"
 
-#include "link/branding.h"
-#include "link/message_layer.h"
-#include "link/open_port.h"
-#include "link/settings_file.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
-#include "symbols/editor/pixel_editor.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
 #include "ui/backup/backup_commands.h"
-#include "ui/build_controls.h"
+#include "ui/common/command.h"
+#include "ui/common/pickers.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/help_win.h"
 #include "ui/import/import_window.h"
 #include "ui/info_zeichensatz.h"
-#include "ui/loco_editor.h"
+#include "ui/loco/loco_editor.h"
 #include "ui/option_commands.h"
-#include "ui/pickers.h"
 #include "ui/qt_frontend.h"
-#include "ui/symbol_editor.h"
+#include "ui/symbols/pixel_editor.h"
+#include "ui/symbols/start_image.h"
+#include "ui/symbols/symbol_editor.h"
+#include "ui/widgets/build_controls.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -27,9 +26,27 @@
 
 namespace
 {
-constexpr int MainTimerMs = 50;       // sends one message, dispatches one message
-constexpr int Timer1Ms = 100;         // looks for received bytes
 constexpr QSize ScreenMargin(40, 80); // room for the window's frame and a task bar
+
+/// A menu command that opens a window: it only needs that no other command runs.
+std::function<void()> Opening(std::function<void()> open)
+{
+    return [open = std::move(open)] {
+        const Command command;
+        if (command.ok())
+            open();
+    };
+}
+
+/// What shows a number's pictures is told that they changed.
+void FollowCatalogue()
+{
+    OnCatalogueChange([](SymbolKind kind, int number) {
+        DropSymbolPictures(kind, number);
+        RefreshPickerRow(kind, number);
+    });
+}
+
 } // namespace
 
 MainWindow::MainWindow(QtFrontend &qtFrontend)
@@ -49,44 +66,25 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     layout->addWidget(locoEditor);
     layout->addLayout(symbols);
     setCentralWidget(area);
-    BuildMenuBar(this, menuActions());
-    findChild<QAction *>(QStringLiteral("StartBildMenu"))->setVisible(false);
-    connect(locoEditor, &LocoEditor::startImageUnlocked, this,
-        [this] { findChild<QAction *>(QStringLiteral("StartBildMenu"))->setVisible(true); });
+    menuItems = BuildMenuBar(this, menuActions());
+    QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
+    startImage->setVisible(false);
+    connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });
     const QSize room = screen()->availableSize() - ScreenMargin;
     resize(sizeHint().boundedTo(room));
-    driveLink();
+    FollowCatalogue();
 }
 
 MainWindow::~MainWindow()
 {
+    // Windows and pictures go before the application object does.
+    OnCatalogueChange(nullptr);
     ResetEditors();
-    ResetPickers();     // before the application object goes
-    ResetPixelEditor(); // while the application lives
+    ResetPickers();
+    ResetPixelEditor();
     ResetBackupWindows();
     ResetImportWindow();
-    TheEvents().stop(mainTimer);
-    TheEvents().stop(timer1);
-    Comm().onReceive = nullptr;
-    Comm().onHangUp = nullptr;
-}
-
-void MainWindow::driveLink()
-{
-    Comm().onReceive = ReceiveBytes;
-    Comm().onHangUp = HandlePortLoss;
-    mainTimer = TheEvents().every(MainTimerMs, [] {
-        SendTask();
-        DispatchTask();
-    });
-    timer1 = TheEvents().every(Timer1Ms, ReceiveBytes);
-}
-
-void MainWindow::command(const std::function<void()> &action)
-{
-    const BusyScope busy;
-    if (busy.ok())
-        action();
+    ResetSymbolPictures();
 }
 
 MenuActions MainWindow::menuActions()
@@ -100,26 +98,34 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("Opt_clear_all_loco"), AskAndClearAllLocoRecords},
         {QStringLiteral("Opt_abschalt"), AskAndClearSwitchOffTime},
         {QStringLiteral("Opt_Fktsym"), AskAndResetFktSymbols},
-        {QStringLiteral("MagSymMenu"), [this] { command(OpenAssignmentEditor); }},
-        {QStringLiteral("MagListeMenu"), [this] { command(OpenAccessoryListEditor); }},
-        {QStringLiteral("FSMenu"), [this] { command(OpenRouteEditor); }},
+        {QStringLiteral("MagSymMenu"), Opening(OpenAssignmentEditor)},
+        {QStringLiteral("MagListeMenu"), Opening(OpenAccessoryListEditor)},
+        {QStringLiteral("FSMenu"), Opening(OpenRouteEditor)},
         {QStringLiteral("StartBildMenu"), EditStartImage},
-        {QStringLiteral("ZentraleMenu"), [this] { command([this] { frontend.openSelectionFromMenu(); }); }},
+        {QStringLiteral("ZentraleMenu"), Opening([this] { frontend.openSelectionFromMenu(); })},
         {QStringLiteral("LokDataMenu"), FetchStationLocos},
-        {QStringLiteral("zeichen_menu"), [this] { command([this] { infoZeichensatz->load(); }); }},
-        {QStringLiteral("help_menu"), [this] { command([this] { helpWin->load(); }); }},
+        {QStringLiteral("zeichen_menu"), Opening([this] { infoZeichensatz->present(); })},
+        {QStringLiteral("help_menu"), Opening([this] { helpWin->load(); })},
         {QStringLiteral("proginfo_menu"), ShowProgramInfo},
     };
 }
 
 void MainWindow::setLokDataMenuVisible(bool visible)
 {
-    findChild<QAction *>(QStringLiteral("LokDataMenu"))->setVisible(visible);
+    menuItems.at(QStringLiteral("LokDataMenu"))->setVisible(visible);
 }
 
 void MainWindow::updateLokDataMenu()
 {
     setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+}
+
+void MainWindow::enable(bool enabled)
+{
+    setEnabled(enabled);
+    // A window that the window system activates while it is disabled has no field with the focus afterwards.
+    if (enabled && focusWidget() == nullptr)
+        locoEditor->focusAddress();
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -1,7 +1,6 @@
-// The one main window: loco editor, symbol editors, menus, and the timers that drive the LocoNet link.
+// The one main window: loco editor, symbol editors, menus. It opens all other windows.
 #pragma once
 
-#include "platform/events.h"
 #include "ui/menu_bar.h"
 
 #include <QMainWindow>
@@ -18,13 +17,16 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    /// Starts the link's timers and takes the port's receive and hang-up events. The frontend outlives the window.
+    /// The frontend outlives the window.
     explicit MainWindow(QtFrontend &frontend);
     ~MainWindow() override;
 
     void setLokDataMenuVisible(bool visible);
     /// Shows or hides the download's menu item as the interface kind says.
     void updateLokDataMenu();
+
+    /// Lets the user work in the window; the address field has the focus unless another field got it.
+    void enable(bool enabled);
 
 protected:
     /// Never closes at once: the program ends when the running command has come to its end and the handheld has
@@ -33,13 +35,10 @@ protected:
 
 private:
     [[nodiscard]] MenuActions menuActions();
-    void driveLink();
-    void command(const std::function<void()> &action);
 
     QtFrontend &frontend;
     LocoEditor *locoEditor;
+    MenuItems menuItems;
     std::unique_ptr<HelpWin> helpWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
-    Events::TimerId mainTimer = 0;
-    Events::TimerId timer1 = 0;
 };

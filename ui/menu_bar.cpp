@@ -1,6 +1,6 @@
 #include "ui/menu_bar.h"
 
-#include "link/branding.h"
+#include "program/branding.h"
 
 #include <QAction>
 #include <QKeySequence>
@@ -54,7 +54,7 @@ std::vector<Menu> Menus()
     };
 }
 
-void AddItem(QMenu *menu, const Item &item, const MenuActions &actions)
+QAction *AddItem(QMenu *menu, const Item &item, const MenuActions &actions)
 {
     QAction *action = menu->addAction(item.caption);
     action->setObjectName(QLatin1String(item.name));
@@ -63,16 +63,19 @@ void AddItem(QMenu *menu, const Item &item, const MenuActions &actions)
     const auto found = actions.find(action->objectName());
     if (found != actions.end())
         QObject::connect(action, &QAction::triggered, action, found->second);
+    return action;
 }
 
 } // namespace
 
-void BuildMenuBar(QMainWindow *window, const MenuActions &actions)
+MenuItems BuildMenuBar(QMainWindow *window, const MenuActions &actions)
 {
+    MenuItems items;
     for (const Menu &menu : Menus()) {
         QMenu *widget = window->menuBar()->addMenu(menu.caption);
         widget->setObjectName(QLatin1String(menu.name));
         for (const Item &item : menu.items)
-            AddItem(widget, item, actions);
+            items[QLatin1String(item.name)] = AddItem(widget, item, actions);
     }
+    return items;
 }

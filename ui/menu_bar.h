@@ -12,5 +12,8 @@ class QMainWindow;
 /// What each item does, by the item's name; items without an entry do nothing.
 using MenuActions = std::map<QString, std::function<void()>>;
 
+/// The items by their names.
+using MenuItems = std::map<QString, QAction *>;
+
 /// Builds the menus into the window. Every item and menu carries its agreed name as objectName.
-void BuildMenuBar(QMainWindow *window, const MenuActions &actions);
+MenuItems BuildMenuBar(QMainWindow *window, const MenuActions &actions);

@@ -1,17 +1,13 @@
 #include "ui/option_commands.h"
 
 #include "handheld/discovery.h"
-#include "handheld/loco_record.h"
 #include "handheld/options.h"
-#include "handheld/symbol_storage.h"
-#include "link/branding.h"
-#include "link/message_layer.h"
-#include "link/open_port.h"
-#include "platform/run_control.h"
-#include "symbols/editor/pixel_editor.h"
-#include "symbols/symbol_geometry.h"
-#include "ui/progress.h"
-#include "ui/qt_frontend.h"
+#include "jobs/clean_up.h"
+#include "link/open_link.h"
+#include "program/branding.h"
+#include "shown/record.h"
+#include "ui/common/command.h"
+#include "ui/common/progress.h"
 
 #include <QCoreApplication>
 
@@ -30,95 +26,64 @@ QString PublisherLine()
 
 void ReturnToOperatingMode()
 {
-    const BusyScope busy;
-    if (!busy.ok() || !HandreglerGefunden)
-        return;
-    int status = 0;
-    SetNormalMode(true, status);
-    WaitSeconds(LastTrafficSeconds);
-    if (WaitsMustEnd() && TxLen != -1 && !TxWaitEcho) {
-        DropPendingMessage(); // the program ends before the message has left: its end sends it
-        return;
-    }
-    HandreglerGefunden = false;
+    const Command command;
+    if (command.ok() && HandreglerGefunden)
+        static_cast<void>(SendHandheldBackNoWait()); // what could not leave now is sent at the program's end
 }
 
 void AskAndClearAllLocoRecords()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
     const BoxText question{QStringLiteral("Sollen alle 9999 Lokdatensätze gelöscht werden?\r"
                                           "          (Löschdauer: ca. 80min)"),
         QStringLiteral("Lokdatensätze löschen"), BoxIcon::None};
-    if (!TheFrontend().askYesNo(question, false) || !HandheldConnected())
+    if (!command.confirmed(question, false))
         return;
-    const Progress progress(QStringLiteral("Lösche Lok "));
-    ClearAllLocoRecords();
+    const Progress progress;
+    static_cast<void>(ClearAllLocoRecords()); // a failure has been told, and what is left is the user's choice
 }
 
 void AskAndClearSwitchOffTime()
 {
-    const BusyScope busy;
-    if (!busy.ok() || !HandheldConnected())
+    const Command command;
+    if (!command.connected())
         return;
     const BoxText question{QStringLiteral("Soll die Abschaltzeit auf Null gesetzt werden?\r"
                                           " (für die Version 1.0 des Handreglers)        "),
         TheBranding().toolTitle, BoxIcon::Information};
-    if (TheFrontend().askYesNo(question, true))
-        ClearSwitchOffTime();
+    if (!command.confirmed(question, true))
+        return;
+    const Progress progress(QStringLiteral("Abschaltzeit ändern"));
+    if (!ClearSwitchOffTime(SpiBuf).brokenOff())
+        WaitSeconds(StandardDelaySeconds);
 }
 
 void AskAndResetFktSymbols()
 {
-    const BusyScope busy;
-    if (!busy.ok() || !HandheldConnected())
+    const Command command;
+    if (!command.connected())
         return;
     const BoxText question{
         QStringLiteral("    Sollen die leeren Funktionssymbolnummern 164 - 255 zurückgesetzt werden? \r"
                        " (Damit bei einer Auswahl dieser Symbole keine Streifen mehr im Display entstehen.)\r"
                        "                   (nur für die Version 1.0 des Handreglers)        "),
         TheBranding().fktSymTitle, BoxIcon::Information};
-    if (!TheFrontend().askYesNo(question, true))
+    if (!command.confirmed(question, false)) // drawn ones are emptied too
         return;
-    const Progress progress(QStringLiteral("Fktsym. "));
-    ResetFktSymbols();
-}
-
-void EditStartImage()
-{
-    const BusyScope busy;
-    if (!busy.ok() || !HandheldConnected())
-        return;
-    {
-        const Progress progress(QStringLiteral("Lese Startbild"));
-        ReadStartImage();
-        WaitSeconds(StandardDelaySeconds);
-    }
-    if (!Comm().isOpen() || WaitsMustEnd())
-        return;
-    SetStartImageGeometry();
-    {
-        const WaitingWindow waiting(PixelEditorWindow());
-        EditPicture();
-    }
-    const BoxText question{QStringLiteral("Soll das Startbild in den Handregler geschrieben werden?"),
-        QStringLiteral("Startbild ändern?"), BoxIcon::None};
-    if (!TheFrontend().askYesNo(question, true) || !HandheldConnected())
-        return;
-    const Progress progress(QStringLiteral("Schreibe Startbild"));
-    WriteStartImage();
-    WaitSeconds(StandardDelaySeconds);
+    const Progress progress;
+    static_cast<void>(ResetFktSymbols()); // a failure has been told
 }
 
 void ShowProgramInfo()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
     const QString blankLine(BlankLineLength, u' ');
     const QString version = QStringLiteral("                         Version ")
         + QCoreApplication::applicationVersion() + QStringLiteral("        ");
     const QStringList lines{PublisherLine(), blankLine, TheBranding().progInfoLine, version, blankLine};
-    TheFrontend().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
+    TheAsk().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
 }

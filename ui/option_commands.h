@@ -13,8 +13,5 @@ void AskAndClearSwitchOffTime();
 /// "Funktionssymbole korrigieren": connection guard, question, the reset of the symbols 164 to 255.
 void AskAndResetFktSymbols();
 
-/// "Startbild ändern": reads the start image, opens the pixel editor on it, asks, writes it back.
-void EditStartImage();
-
 /// "Programminfo".
 void ShowProgramInfo();

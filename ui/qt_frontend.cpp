@@ -1,11 +1,12 @@
 #include "ui/qt_frontend.h"
 
-#include "link/open_port.h"
-#include "platform/run_control.h"
 #include "platform/text.h"
+#include "platform/world.h"
+#include "program/run_control.h"
+#include "shown/connection.h"
 #include "ui/main_window.h"
-#include "ui/progress_window.h"
-#include "ui/zentrale_form.h"
+#include "ui/selection/zentrale_form.h"
+#include "ui/widgets/progress_window.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -21,8 +22,6 @@ namespace
 {
 
 constexpr qsizetype MostBoxLines = 25;
-
-std::vector<QWidget *> waitingWindows; // innermost last
 
 QMessageBox::Icon QtIcon(BoxIcon icon)
 {
@@ -44,6 +43,15 @@ void BelongTo(QDialog &dialog, QWidget *mainWindow)
         dialog.windowHandle()->setTransientParent(front->windowHandle());
 }
 
+/// Also a box that is open inside a page sequence ends with the program; the sequence goes on then.
+void WaitFor(QDialog &dialog)
+{
+    const WaitingWindow waiting(&dialog);
+    dialog.show();
+    static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
+    dialog.hide();
+}
+
 void BringForward(QWidget *window)
 {
     window->raise();
@@ -52,21 +60,13 @@ void BringForward(QWidget *window)
 
 } // namespace
 
-WaitingWindow::WaitingWindow(QWidget *window)
-{
-    waitingWindows.push_back(window);
-}
-
-WaitingWindow::~WaitingWindow()
-{
-    waitingWindows.pop_back();
-}
-
 QtFrontend::QtFrontend()
     : progress(std::make_unique<ProgressWindow>()), zentraleForm(std::make_unique<ZentraleForm>())
 {
     QObject::connect(zentraleForm.get(), &ZentraleForm::interfaceChosen, zentraleForm.get(),
         [this] { mainWindow->updateLokDataMenu(); });
+    progress->onClose = [this] { askToStop(); };
+    OnBusyAgain([this] { raiseWaitingWindow(); });
 }
 
 QtFrontend::~QtFrontend() = default;
@@ -93,21 +93,13 @@ std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
     return widget;
 }
 
-void QtFrontend::waitFor(QDialog &dialog)
-{
-    const WaitingWindow waiting(&dialog);
-    dialog.show();
-    PumpUntil([&dialog] { return !dialog.isVisible(); });
-    dialog.hide();
-}
-
 void QtFrontend::showBox(const BoxText &box)
 {
     if (BoxesAreSilent())
         return;
     const auto widget = makeBox(box);
     widget->setStandardButtons(QMessageBox::Ok);
-    waitFor(*widget);
+    WaitFor(*widget);
 }
 
 void QtFrontend::postBox(const BoxText &box)
@@ -129,7 +121,7 @@ bool QtFrontend::askYesNo(const BoxText &box, bool defaultYes)
     widget->button(QMessageBox::No)->setText(QStringLiteral("&Nein"));
     widget->setDefaultButton(defaultYes ? QMessageBox::Yes : QMessageBox::No);
     widget->setEscapeButton(QMessageBox::No);
-    waitFor(*widget);
+    WaitFor(*widget);
     return widget->clickedButton() == widget->button(QMessageBox::Yes);
 }
 
@@ -144,7 +136,7 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
     BelongTo(dialog, mainWindow);
-    waitFor(dialog);
+    WaitFor(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
@@ -159,7 +151,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, bool f
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     BelongTo(dialog, mainWindow);
     while (!BoxesAreSilent()) {
-        waitFor(dialog);
+        WaitFor(dialog);
         const QStringList chosen = dialog.selectedFiles();
         if (dialog.result() != QDialog::Accepted || chosen.isEmpty())
             return {};
@@ -198,16 +190,30 @@ void QtFrontend::showProgress(const QString &text)
 {
     if (BoxesAreSilent())
         return;
-    progress->showText(text);
+    const bool appears = !progress->isVisible();
     QWidget *front = QApplication::activeWindow();
     const bool usable = front != nullptr && front != progress.get();
+    progress->showText(text);
+    if (!appears)
+        return;
     progress->adjustSize();
     progress->move((usable ? front : mainWindow)->frameGeometry().center() - progress->rect().center());
 }
 
-void QtFrontend::setProgressText(const QString &text)
+/// The progress window's close box: during a job over many records it asks whether to stop after the current record.
+void QtFrontend::askToStop()
 {
-    progress->setText(text);
+    if (!JobCanBeStopped() || askingToStop)
+        return;
+    askingToStop = true;
+    // Asked from the event loop: a question may not wait inside the window system's close handling.
+    TheEvents().post([this] {
+        const BoxText question{QStringLiteral("Soll nach dem laufenden Datensatz aufgehört werden?"),
+            QStringLiteral("Abbrechen?"), BoxIcon::None};
+        if (askYesNo(question, false))
+            ConfirmStop();
+        askingToStop = false;
+    });
 }
 
 void QtFrontend::hideProgress()
@@ -242,7 +248,7 @@ void QtFrontend::raiseMainWindow()
 
 void QtFrontend::setMainWindowEnabled(bool enabled)
 {
-    mainWindow->setEnabled(enabled);
+    mainWindow->enable(enabled);
 }
 
 void QtFrontend::setMainWindowTitle(const QString &title)
@@ -257,8 +263,8 @@ void QtFrontend::setLokDataMenuVisible(bool visible)
 
 void QtFrontend::raiseWaitingWindow()
 {
-    if (!waitingWindows.empty())
-        BringForward(waitingWindows.back());
+    if (WaitedFor() != nullptr)
+        BringForward(WaitedFor());
     else if (SelectionAwaited)
         BringForward(zentraleForm.get());
     else if (progress->isVisible())

@@ -4,7 +4,8 @@
 // closing the main window ends every one of them.
 #pragma once
 
-#include "platform/frontend.h"
+#include "program/ask.h"
+#include "ui/common/windows.h"
 
 #include <functional>
 #include <memory>
@@ -17,7 +18,7 @@ class QMessageBox;
 class QWidget;
 class ZentraleForm;
 
-class QtFrontend : public Frontend
+class QtFrontend : public Ask, public Windows
 {
 public:
     QtFrontend();
@@ -35,7 +36,6 @@ public:
     QString openFileName(const QString &title, const QString &filter) override;
     QString saveFileName(const QString &title, const QString &filter) override;
     void showProgress(const QString &text) override;
-    void setProgressText(const QString &text) override;
     void hideProgress() override;
     void showSelectionWindow() override;
     void hideSelectionWindow() override;
@@ -44,10 +44,12 @@ public:
     void setMainWindowEnabled(bool enabled) override;
     void setMainWindowTitle(const QString &title) override;
     void setLokDataMenuVisible(bool visible) override;
-    void raiseWaitingWindow() override;
 
     /// Opens the selection window from the menu; nobody waits for its answer.
     void openSelectionFromMenu();
+
+    /// Brings the window forward that the running command waits for, or the progress window.
+    void raiseWaitingWindow();
 
     /// Hides every window: the program ends.
     void hideAllWindows();
@@ -56,21 +58,11 @@ private:
     QString fileName(const QString &title, const QString &filter, bool forSaving);
     bool fileAccepted(const QString &name, bool forSaving);
     std::unique_ptr<QMessageBox> makeBox(const BoxText &box);
-    void waitFor(QDialog &dialog);
+    void askToStop();
 
     MainWindow *mainWindow = nullptr;
     std::unique_ptr<ProgressWindow> progress;
     std::unique_ptr<ZentraleForm> zentraleForm;
     std::vector<std::unique_ptr<QMessageBox>> postedBoxes;
-};
-
-/// Names a window that the running command waits for, so that a second command can bring it forward. Without a
-/// named one the progress window is brought forward.
-class WaitingWindow
-{
-public:
-    explicit WaitingWindow(QWidget *window);
-    ~WaitingWindow();
-    WaitingWindow(const WaitingWindow &) = delete;
-    WaitingWindow &operator=(const WaitingWindow &) = delete;
+    bool askingToStop = false;
 };

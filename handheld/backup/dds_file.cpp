@@ -1,26 +1,13 @@
 #include "handheld/backup/dds_file.h"
 
-#include "handheld/block_tables.h"
-#include "handheld/flash_map.h"
-#include "handheld/transfer.h"
-
 #include <QFile>
+
+#include <algorithm>
 
 namespace
 {
 
 constexpr qint64 LargestFile = 16'000'000; // twenty times the largest backup
-
-/// Length with the kind byte, lowest and highest number (the blocks have none), by kind.
-struct KindLayout {
-    int length;
-    int lowest;
-    int highest;
-};
-constexpr std::array<KindLayout, LastKind + 1> Layouts{KindLayout{0, 0, 0}, KindLayout{76, FirstLoco, LastLoco},
-    KindLayout{102, 0, LokSymbolCount - 1}, KindLayout{39, 0, PairCount - 1}, KindLayout{39, 0, PairCount - 1},
-    KindLayout{321, 0, 0}, KindLayout{39, 0, PairCount - 1}, KindLayout{39, 0, PairCount - 1}, KindLayout{2049, 0, 0},
-    KindLayout{257, 0, 0}};
 
 constexpr qsizetype NumberOffset = 1;
 constexpr qsizetype HalfOffset = 3;
@@ -33,24 +20,14 @@ constexpr qsizetype FktSymbolOffset = LocoSymbolOffset + 1;
 constexpr qsizetype FktModusOffset = FktSymbolOffset + FunctionCount;
 constexpr qsizetype MultiUniOffset = FktModusOffset + FunctionCount;
 
-const KindLayout &LayoutOf(int kind)
-{
-    return Layouts.at(static_cast<size_t>(kind));
-}
-
 int ByteAt(const QByteArray &bytes, qsizetype position)
 {
     return static_cast<quint8>(bytes.at(position));
 }
 
-bool IsBlock(int kind)
-{
-    return kind == KindRoutes || kind == KindMagZuordnung || kind == KindMagListe;
-}
-
 bool IsHalf(int kind)
 {
-    return kind > KindLokSymbol && !IsBlock(kind);
+    return kind > KindLokSymbol && !IsTableKind(kind);
 }
 
 qsizetype PictureOffset(int kind)
@@ -60,29 +37,72 @@ qsizetype PictureOffset(int kind)
 
 int NumberIn(const QByteArray &record)
 {
-    return IsBlock(ByteAt(record, 0)) ? 0 : ByteAt(record, NumberOffset) * 256 + ByteAt(record, NumberOffset + 1);
+    return IsTableKind(ByteAt(record, 0)) ? 0 : ByteAt(record, NumberOffset) * 256 + ByteAt(record, NumberOffset + 1);
 }
 
 /// Begins a record: kind byte, and the number where the kind has one.
 QByteArray Begin(const RecordId &id)
 {
     QByteArray record(1, static_cast<char>(id.kind));
-    if (!IsBlock(id.kind))
+    if (!IsTableKind(id.kind))
         record.append(static_cast<char>(id.number >> 8)).append(static_cast<char>(id.number & 0xFF));
     return record;
 }
 
-template <typename Numbers> void AppendBytes(QByteArray &record, const Numbers &numbers, size_t first, size_t count)
+template <typename Numbers> void AppendBytes(QByteArray &record, const Numbers &numbers)
 {
-    for (size_t i = first; i < first + count; ++i)
-        record.append(static_cast<char>(numbers.at(i)));
+    for (const int number : numbers)
+        record.append(static_cast<char>(number));
 }
 
-template <typename Numbers>
-void TakeBytes(const QByteArray &record, qsizetype offset, Numbers &numbers, size_t first, size_t count)
+template <typename Numbers> void TakeBytes(const QByteArray &record, qsizetype offset, Numbers &numbers)
 {
-    for (size_t i = 0; i < count; ++i)
-        numbers.at(first + i) = ByteAt(record, offset + static_cast<qsizetype>(i));
+    for (int &number : numbers)
+        number = ByteAt(record, offset++);
+}
+
+void AppendValue(QByteArray &bytes, const LocoRecord &loco)
+{
+    bytes.append(FitLocoName(loco.name).toLatin1());
+    bytes.append(static_cast<char>(loco.locoSymbol));
+    AppendBytes(bytes, loco.symbols);
+    AppendBytes(bytes, loco.modes);
+    bytes.append(static_cast<char>(loco.multiUni));
+}
+
+void AppendValue(QByteArray &bytes, const Picture &picture)
+{
+    AppendBytes(bytes, picture.bytes);
+}
+
+template <size_t Count> void AppendValue(QByteArray &bytes, const std::array<int, Count> &table)
+{
+    AppendBytes(bytes, table);
+}
+
+LocoRecord UnpackLoco(const QByteArray &bytes)
+{
+    LocoRecord loco;
+    loco.name = FitLocoName(QString::fromLatin1(bytes.mid(NameOffset, NameLength)));
+    loco.locoSymbol = ByteAt(bytes, LocoSymbolOffset);
+    TakeBytes(bytes, FktSymbolOffset, loco.symbols);
+    TakeBytes(bytes, FktModusOffset, loco.modes);
+    loco.multiUni = ByteAt(bytes, MultiUniOffset);
+    return loco;
+}
+
+Picture UnpackPicture(const DdsRecord &record)
+{
+    Picture picture = EmptyPicture(SymbolKindOf(record.id.kind));
+    TakeBytes(record.bytes, PictureOffset(record.id.kind), picture.bytes);
+    return picture;
+}
+
+template <typename Table> Table UnpackTable(const DdsRecord &record)
+{
+    Table table{};
+    TakeBytes(record.bytes, 1, table);
+    return table;
 }
 
 /// A fault inside a record: the offset of the wrong byte and what is wrong with it.
@@ -94,7 +114,7 @@ struct InnerFault {
 std::optional<InnerFault> NumberFault(const QByteArray &record)
 {
     const int kind = ByteAt(record, 0);
-    const KindLayout &layout = LayoutOf(kind);
+    const RecordKind &layout = KindOf(kind);
     const int number = NumberIn(record);
     if (number >= layout.lowest && number <= layout.highest)
         return {};
@@ -141,7 +161,7 @@ std::optional<InnerFault> FaultAt(const QByteArray &file, qsizetype position)
     if (kind < KindLoco || kind > LastKind)
         return InnerFault{0, QStringLiteral("die Satzart %1 gibt es nicht").arg(kind)};
     const qsizetype left = file.size() - position;
-    const int length = LayoutOf(kind).length;
+    const int length = KindOf(kind).backupBytes;
     if (left < length)
         return InnerFault{
             left, QStringLiteral("die Datei endet mitten im Datensatz (%1 von %2 Bytes)").arg(left).arg(length)};
@@ -161,7 +181,7 @@ DdsContent ReadDds(const QByteArray &file)
             return content;
         }
         const int kind = ByteAt(file, position);
-        const QByteArray bytes = file.mid(position, LayoutOf(kind).length);
+        const QByteArray bytes = file.mid(position, KindOf(kind).backupBytes);
         content.records.push_back({{kind, NumberIn(bytes)}, position, bytes});
         position += bytes.size();
     }
@@ -185,90 +205,28 @@ QString FaultText(const DdsFault &fault)
         .arg(fault.reason);
 }
 
-QByteArray PackLoco(int address, const LocoRecord &record)
-{
-    QByteArray bytes = Begin({KindLoco, address});
-    bytes.append(FitLocoName(record.name).toLatin1());
-    bytes.append(static_cast<char>(record.locoSymbol));
-    AppendBytes(bytes, record.symbols, 0, FunctionCount);
-    AppendBytes(bytes, record.modes, 0, FunctionCount);
-    bytes.append(static_cast<char>(record.multiUni));
-    return bytes;
-}
-
-LocoRecord UnpackLoco(const DdsRecord &record)
-{
-    LocoRecord loco;
-    loco.name = FitLocoName(QString::fromLatin1(record.bytes.mid(NameOffset, NameLength)));
-    loco.locoSymbol = ByteAt(record.bytes, LocoSymbolOffset);
-    TakeBytes(record.bytes, FktSymbolOffset, loco.symbols, 0, FunctionCount);
-    TakeBytes(record.bytes, FktModusOffset, loco.modes, 0, FunctionCount);
-    loco.multiUni = ByteAt(record.bytes, MultiUniOffset);
-    return loco;
-}
-
-QByteArray PackSymbol(const RecordId &id)
+QByteArray PackRecord(const RecordId &id, const RecordValue &value)
 {
     QByteArray bytes = Begin(id);
     if (IsHalf(id.kind))
         bytes.append(static_cast<char>(HalfOf(id.kind)));
-    AppendBytes(bytes, SpiBuf, WritePosition, static_cast<size_t>(LayoutOf(id.kind).length - bytes.size()));
+    std::visit([&bytes](const auto &content) { AppendValue(bytes, content); }, value);
+    Q_ASSERT(bytes.size() == KindOf(id.kind).backupBytes);
     return bytes;
 }
 
-void UnpackSymbol(const DdsRecord &record)
+RecordValue UnpackRecord(const DdsRecord &record)
 {
-    const qsizetype offset = PictureOffset(record.id.kind);
-    TakeBytes(record.bytes, offset, SpiBuf, WritePosition, static_cast<size_t>(record.bytes.size() - offset));
-}
-
-QByteArray PackBlock(int kind)
-{
-    QByteArray bytes = Begin({kind, 0});
-    const auto count = static_cast<size_t>(LayoutOf(kind).length - 1);
-    if (kind == KindRoutes)
-        AppendBytes(bytes, FsDaten, 0, count);
-    else if (kind == KindMagZuordnung)
-        AppendBytes(bytes, MagZuordDaten, 1, count);
-    else
-        AppendBytes(bytes, MagListeDaten, 0, count);
-    return bytes;
-}
-
-void UnpackBlock(const DdsRecord &record)
-{
-    const auto count = static_cast<size_t>(record.bytes.size() - 1);
-    if (record.id.kind == KindRoutes)
-        TakeBytes(record.bytes, 1, FsDaten, 0, count);
-    else if (record.id.kind == KindMagZuordnung)
-        TakeBytes(record.bytes, 1, MagZuordDaten, 1, count);
-    else
-        TakeBytes(record.bytes, 1, MagListeDaten, 0, count);
-}
-
-SymbolKind SymbolKindOf(int kind)
-{
-    if (kind == KindLokSymbol)
-        return SymbolKind::Loco;
-    return kind < KindRoutes ? SymbolKind::Function : SymbolKind::Accessory;
-}
-
-int HalfOf(int kind)
-{
-    if (!IsHalf(kind))
-        return 0;
-    return kind - (kind < KindRoutes ? KindFktSymbolOn : KindMagSymbolGreen);
-}
-
-int RecordKind(SymbolKind symbol, int half)
-{
-    switch (symbol) {
-    case SymbolKind::Loco:
-        return KindLokSymbol;
-    case SymbolKind::Function:
-        return KindFktSymbolOn + half;
-    case SymbolKind::Accessory:
-        return KindMagSymbolGreen + half;
+    switch (record.id.kind) {
+    case KindLoco:
+        return UnpackLoco(record.bytes);
+    case KindRoutes:
+        return UnpackTable<Routes>(record);
+    case KindMagZuordnung:
+        return UnpackTable<Assignment>(record);
+    case KindMagListe:
+        return UnpackTable<AccessoryList>(record);
+    default:
+        return UnpackPicture(record);
     }
-    Q_UNREACHABLE();
 }

@@ -3,40 +3,23 @@
 //   kind  bytes  after the kind byte
 //      1     76  loco address (2), name (21, Latin-1), loco symbol (1), function symbols 0..24 (25), modes of f0..f24
 //                (25, each 0 or 1), one symbol for all functions (1, 0 or 1)
-//      2    102  loco symbol number (2, 0..63), SpiBuf[4..102] (99)
-//   3, 4     39  function symbol number (2, 0..255), half (1, kind - 3), SpiBuf[4..38] (35)
-//      5    321  FsDaten[0..319]
-//   6, 7     39  accessory symbol number (2, 0..255), half (1, kind - 6), SpiBuf[4..38] (35)
-//      8   2049  MagZuordDaten[1..2048]
-//      9    257  MagListeDaten[0..255]
+//      2    102  loco symbol number (2, 0..63), picture and 1 byte behind it (99)
+//   3, 4     39  function symbol number (2, 0..255), half (1, kind - 3), picture and 5 bytes behind it (35)
+//      5    321  routes
+//   6, 7     39  accessory symbol number (2, 0..255), half (1, kind - 6), picture and 5 bytes behind it (35)
+//      8   2049  accessory assignment of the addresses 1..2048
+//      9    257  accessory list
 //
-// Two-byte numbers have the high byte first. A symbol record carries one (kind 2) or five (kinds 3, 4, 6, 7) bytes of
-// SpiBuf beyond the picture.
+// Two-byte numbers have the high byte first.
 #pragma once
 
-#include "handheld/loco_record.h"
-#include "handheld/symbol_storage.h"
+#include "handheld/record_kinds.h"
 
 #include <QByteArray>
 #include <QString>
 
 #include <optional>
 #include <vector>
-
-constexpr int KindLoco = 1;
-constexpr int KindLokSymbol = 2;
-constexpr int KindFktSymbolOn = 3; // half 0; half 1 has the next kind
-constexpr int KindRoutes = 5;
-constexpr int KindMagSymbolGreen = 6; // half 0; half 1 has the next kind
-constexpr int KindMagZuordnung = 8;
-constexpr int KindMagListe = 9;
-constexpr int LastKind = KindMagListe;
-
-/// Names a record: what boxes list and restores work through.
-struct RecordId {
-    int kind = 0;
-    int number = 0; // loco address or symbol number; 0 for the blocks
-};
 
 struct DdsRecord {
     RecordId id;
@@ -66,18 +49,6 @@ std::optional<QByteArray> LoadDds(const QString &fileName);
 /// "Datensatz 3, Byteposition 178: " and the reason.
 QString FaultText(const DdsFault &fault);
 
-QByteArray PackLoco(int address, const LocoRecord &record);
-LocoRecord UnpackLoco(const DdsRecord &record);
-
-/// A symbol record of the picture that lies in SpiBuf in write position; UnpackSymbol lays it there again.
-QByteArray PackSymbol(const RecordId &id);
-void UnpackSymbol(const DdsRecord &record);
-
-/// Routes, assignment and accessory list, from and to their tables.
-QByteArray PackBlock(int kind);
-void UnpackBlock(const DdsRecord &record);
-
-/// The kind of symbol that a record kind holds, which half of it, and back.
-SymbolKind SymbolKindOf(int kind);
-int HalfOf(int kind);
-int RecordKind(SymbolKind symbol, int half);
+/// The bytes of a record, and the value of a checked one. The name of a loco is cut or filled to 21 characters.
+QByteArray PackRecord(const RecordId &id, const RecordValue &value);
+RecordValue UnpackRecord(const DdsRecord &record);

@@ -1,11 +1,11 @@
 #include "handheld/backup/selection.h"
 
 #include "handheld/backup/number_list.h"
-#include "handheld/symbol_storage.h"
+#include "handheld/record_kinds.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "program/ask.h"
 
-#include <QFile>
 #include <QStringList>
 
 #include <cmath>
@@ -18,18 +18,17 @@ std::optional<BackupSelection> unsaved; // where the file cannot be written: hol
 
 constexpr double SecondsPerMessage = 0.15;
 constexpr int EmptyLocoMessages = 2; // the flash read and the slice that shows the empty name
-constexpr int LocoMessages = 5;
-constexpr int LokSymbolMessages = 7;
-constexpr int PairMessages = 6; // both halves
-constexpr int RoutesMessages = 24;
-constexpr int AssignmentMessages = 160;
-constexpr int MagListeMessages = 20;
+constexpr int Halves = 2;
 
-/// The messages that one number of a kind costs.
-constexpr std::array<int, NumberedKindCount> MessagesPerNumber{
-    LocoMessages, LokSymbolMessages, PairMessages, PairMessages};
-constexpr std::array<NumberLimits, NumberedKindCount> Limits{NumberLimits{FirstLoco, LastLoco},
-    NumberLimits{0, LokSymbolCount - 1}, NumberLimits{0, PairCount - 1}, NumberLimits{0, PairCount - 1}};
+/// The record kind of a numbered kind (of its first half).
+constexpr std::array<int, NumberedKindCount> RecordKinds{
+    KindLoco, KindLokSymbol, KindFktSymbolOn, KindMagSymbolGreen};
+
+int MessagesPerNumber(NumberedKind kind)
+{
+    const int messages = KindOf(RecordKinds.at(kind)).readMessages;
+    return kind == FktSymbolList || kind == MagSymbolList ? messages * Halves : messages;
+}
 
 const NumberChoice &ChoiceOf(const BackupSelection &selection, NumberedKind kind)
 {
@@ -103,7 +102,8 @@ QString FieldValue(const Field &field)
 
 NumberLimits LimitsOf(NumberedKind kind)
 {
-    return Limits.at(kind);
+    const RecordKind &row = KindOf(RecordKinds.at(kind));
+    return {row.lowest, row.highest};
 }
 
 QString WantedNumbers(const BackupSelection &selection, NumberedKind kind)
@@ -149,13 +149,13 @@ double EstimatedSeconds(const BackupSelection &selection)
     int messages = 0;
     for (int kind = 0; kind < NumberedKindCount; ++kind) {
         const auto numbered = static_cast<NumberedKind>(kind);
-        messages += CountNumbers(WantedNumbers(selection, numbered)) * MessagesPerNumber.at(numbered);
+        messages += CountNumbers(WantedNumbers(selection, numbered)) * MessagesPerNumber(numbered);
     }
     if (selection.lokSuche)
         messages += (selection.lokSucheStop - selection.lokSucheStart + 1) * EmptyLocoMessages;
-    messages += selection.fsDaten ? RoutesMessages : 0;
-    messages += selection.magSymZuord ? AssignmentMessages : 0;
-    messages += selection.magListe ? MagListeMessages : 0;
+    messages += selection.fsDaten ? KindOf(KindRoutes).readMessages : 0;
+    messages += selection.magSymZuord ? KindOf(KindMagZuordnung).readMessages : 0;
+    messages += selection.magListe ? KindOf(KindMagListe).readMessages : 0;
     return messages * SecondsPerMessage;
 }
 
@@ -197,8 +197,7 @@ BackupSelection ReadSelection()
 {
     if (unsaved)
         return *unsaved;
-    QFile file(SettingsPath());
-    return file.open(QIODevice::ReadOnly) ? ParseSelection(file.readAll()) : BackupSelection();
+    return ParseSelection(ReadWholeFile(SettingsPath()).value_or(QByteArray()));
 }
 
 void WriteSelection(const BackupSelection &selection)

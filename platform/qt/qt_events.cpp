@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QTime>
 #include <QTimer>
 
 #include <chrono>
@@ -13,7 +12,6 @@ namespace
 {
 
 constexpr qint64 UsPerMs = 1000;
-constexpr double MsPerSecond = 1000;
 
 const QElapsedTimer &RunningTimer()
 {
@@ -33,11 +31,6 @@ QtEvents::QtEvents()
 }
 
 QtEvents::~QtEvents() = default;
-
-double QtEvents::timeOfDay() const
-{
-    return QTime::currentTime().msecsSinceStartOfDay() / MsPerSecond;
-}
 
 qint64 QtEvents::monotonicUs() const
 {

@@ -18,7 +18,6 @@ public:
     QtEvents(const QtEvents &) = delete;
     QtEvents &operator=(const QtEvents &) = delete;
 
-    [[nodiscard]] double timeOfDay() const override;
     [[nodiscard]] qint64 monotonicUs() const override;
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;

@@ -180,8 +180,10 @@ QByteArray QtSerialPort::read()
 
 void QtSerialPort::write(const QByteArray &bytes)
 {
-    if (usable())
-        port.write(bytes);
+    if (!usable())
+        return;
+    port.write(bytes);
+    port.flush(); // to the driver at once: who sends byte by byte under CTS would wait for the event loop each time
 }
 
 QStringList QtSerialPort::availablePorts() const

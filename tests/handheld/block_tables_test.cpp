@@ -1,13 +1,11 @@
 #include "handheld/block_tables.h"
 
 #include "handheld/flash_map.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
+#include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
 #include <algorithm>
 #include <random>
-#include <span>
 #include <vector>
 
 namespace
@@ -16,24 +14,27 @@ namespace
 /// A table with its operations, the flash bytes that are its own, and what a write costs.
 struct Block {
     const char *name;
-    int (*read)();
-    int (*write)();
-    std::span<int> table;
+    std::function<Result<std::vector<int>>()> read;
+    std::function<Outcome(const std::vector<int> &)> write;
     int address, bytes;
     int loads, bufferWrites, programs; // with loads, the write must leave the rest of its pages
 };
 
-std::array<Block, 3> Blocks()
+template <typename Table> Result<std::vector<int>> AsVector(const Result<Table> &read)
 {
-    return {Block{"routes", ReadRoutes, WriteRoutes, std::span(FsDaten).subspan(0, 320), 0x3F0204, 320, 0, 4, 1},
-        Block{"list", ReadMagListe, WriteMagListe, std::span(MagListeDaten).subspan(0, 256), 0x3F0808, 256, 0, 4, 1},
-        Block{"assignment", ReadMagZuordnung, WriteMagZuordnung, std::span(MagZuordDaten).subspan(1, 2048), 0x0E0001,
-            2048, 5, 33, 5}};
+    return {{read.value.begin(), read.value.end()}, read.outcome};
+}
+
+template <typename Table> Table AsTable(const std::vector<int> &values)
+{
+    Table table{};
+    std::ranges::copy(values, table.begin());
+    return table;
 }
 
 constexpr qsizetype AssignmentBytes = 5 * qsizetype(FlashPageSize);
 
-QByteArray TableBytes(std::span<const int> table)
+QByteArray TableBytes(const std::vector<int> &table)
 {
     QByteArray bytes;
     for (const int value : table)
@@ -57,70 +58,73 @@ protected:
         }
     }
 
-    void strike(sim::Fault sim::Faults::*fault, int nth)
+    std::array<Block, 3> blocks()
     {
-        sim::Faults faults;
-        (faults.*fault).nth = nth;
-        layout().faults.set(faults);
+        const auto agreed = Patience::Agreed;
+        const auto quiet = [](int) {};
+        return {Block{"routes", [this] { return AsVector(ReadRouteTable(image)); },
+                    [=, this](const auto &v) { return WriteRouteTable(image, AsTable<Routes>(v), agreed); }, 0x3F0204,
+                    320, 0, 4, 1},
+            Block{"list", [this] { return AsVector(ReadAccessoryList(image)); },
+                [=, this](const auto &v) { return WriteAccessoryList(image, AsTable<AccessoryList>(v), agreed); },
+                0x3F0808, 256, 0, 4, 1},
+            Block{"assignment", [=, this] { return AsVector(ReadAssignment(image, quiet)); },
+                [=, this](const auto &v) { return WriteAssignment(image, AsTable<Assignment>(v), agreed); }, 0x0E0001,
+                2048, 5, 33, 5}};
     }
 
-    int executed(int opcode) { return flash().state.executed.at(static_cast<size_t>(opcode)); }
+    SpiImage image{};
 };
 
 TEST_F(BlockTables, AreReadAndWrittenByteForByte)
 {
-    for (const Block &block : Blocks()) {
+    for (const Block &block : blocks()) {
         SCOPED_TRACE(block.name);
         const auto own = [&] { return flashBytes(block.address, block.bytes); };
         const QByteArray before = own();
         std::vector<quint8> whole = flash().state.memory;
-        EXPECT_EQ(block.read(), 0);
-        EXPECT_EQ(TableBytes(block.table), before);
-        EXPECT_EQ(block.write(), 0);
+        std::vector<int> table = block.read().value;
+        EXPECT_EQ(TableBytes(table), before);
+        EXPECT_TRUE(block.write(table).ok());
         EXPECT_EQ(own(), before);
         EXPECT_TRUE(block.loads == 0 || flash().state.memory == whole);
 
         flash().state.executed = {};
-        for (size_t i = 0; i < block.table.size(); ++i)
-            whole.at(static_cast<size_t>(block.address) + i) = static_cast<quint8>(block.table[i] ^= 0xFF);
-        EXPECT_EQ(block.write(), 0);
-        EXPECT_EQ(own(), TableBytes(block.table));
+        for (size_t i = 0; i < table.size(); ++i)
+            whole.at(static_cast<size_t>(block.address) + i) = static_cast<quint8>(table.at(i) ^= 0xFF);
+        EXPECT_TRUE(block.write(table).ok());
+        EXPECT_EQ(own(), TableBytes(table));
         EXPECT_TRUE(block.loads == 0 || flash().state.memory == whole);
         EXPECT_EQ(executed(0x53), block.loads);
         EXPECT_EQ(executed(0x84), block.bufferWrites);
         EXPECT_EQ(executed(0x83), block.programs);
     }
-    EXPECT_EQ(user.progress.size(), 32 + 2 * 33);
-    EXPECT_EQ(user.progress.at(32), QStringLiteral("Schreibe Fahrstraßen 0"));
-    EXPECT_EQ(user.progress.constLast(), QStringLiteral("Schreibe Fahrstraßen 32"));
 }
 
 TEST_F(BlockTables, ATimeoutIsShownAndTheRestGoesOn)
 {
-    for (const Block &block : Blocks()) {
+    for (const Block &block : blocks()) {
         strike(&sim::Faults::lostAck, 2);
         user.expect(QStringLiteral("Timeout"), QStringLiteral("read_flash_to_spibuf"));
-        EXPECT_EQ(block.read(), 1) << block.name;
-        EXPECT_EQ(TableBytes(block.table), flashBytes(block.address, block.bytes)) << block.name;
-        std::ranges::fill(block.table, 0x5A);
+        const auto read = block.read();
+        EXPECT_EQ(read.outcome.how(), End::NoAnswer) << block.name;
+        EXPECT_EQ(TableBytes(read.value), flashBytes(block.address, block.bytes)) << block.name;
         strike(&sim::Faults::lostAck, 2);
         user.expect(QStringLiteral("Timeout"), QStringLiteral("write_to_spibuf"));
-        EXPECT_EQ(block.write(), 1) << block.name;
+        EXPECT_EQ(block.write(std::vector<int>(read.value.size(), 0x5A)).how(), End::NoAnswer) << block.name;
         EXPECT_EQ(flashBytes(block.address, block.bytes), QByteArray(block.bytes, '\x5A')) << block.name;
     }
 }
 
-TEST_F(BlockTables, AReadBrokenOffLeavesTheTable)
+TEST_F(BlockTables, AHangUpEndsAReadAtOnce)
 {
     user.acceptAnyBox();
-    for (const Block &block : Blocks()) {
+    for (const Block &block : blocks()) {
         for (const int message : {1, 6, 20}) {
-            std::ranges::fill(block.table, 77);
             strike(&sim::Faults::hangUp, message);
-            const double start = events.timeOfDay();
-            EXPECT_EQ(block.read(), 1) << block.name;
+            const double start = NowSeconds();
+            EXPECT_TRUE(block.read().outcome.brokenOff()) << block.name;
             EXPECT_LT(SecondsSince(start), 20 * 0.2) << block.name;
-            EXPECT_EQ(std::ranges::count(block.table, 77), block.bytes) << block.name;
             events.run(0.1); // the loss is told
             layout().faults.set({});
             port.replug();
@@ -132,11 +136,12 @@ TEST_F(BlockTables, AReadBrokenOffLeavesTheTable)
 
 TEST_F(BlockTables, TheProgramsEndFinishesTheStartedPageOnly)
 {
+    Assignment twos{};
+    twos.fill(2);
     for (const double seconds : {0.5, 3.8, 7.1, 13.7}) {
         flash().setBytes(MagZuordAddress, QByteArray(AssignmentBytes, '\x01'));
-        MagZuordDaten.fill(2);
         events.after(static_cast<qint64>(seconds * 1e6), RequestEnd);
-        EXPECT_EQ(WriteMagZuordnung(), 1);
+        EXPECT_EQ(WriteAssignment(image, twos, Patience::Agreed).how(), End::ProgramEnds);
         EXPECT_EQ(flash().state.programmingPage, MagZuordAddress / FlashPageSize + executed(0x83) - 1);
         EXPECT_EQ(flashBytes(MagZuordAddress, AssignmentBytes).count('\x02'), executed(0x83) * 512 - 1);
         EXPECT_EQ(executed(0x53), executed(0x83));

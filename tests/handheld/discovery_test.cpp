@@ -1,10 +1,8 @@
 #include "handheld/discovery.h"
 
-#include "handheld/transfer.h"
-#include "link/branding.h"
-#include "link/open_port.h"
-#include "link/settings_file.h"
-#include "platform/run_control.h"
+#include "link/message_layer.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
 class Discovery : public VirtualWorld
@@ -12,34 +10,30 @@ class Discovery : public VirtualWorld
 protected:
     void SetUp() override
     {
-        driveLink();
-        PortNumber = {QStringLiteral("3"), true};
-        InterfaceType = InterfaceDirect;
+        connectDirectly();
+        HandreglerGefunden = false;
     }
 
     void layText(int number, const QByteArray &codes)
     {
         flash().setBytes(0x120000 + number * 32, QByteArray(1, static_cast<char>(codes.size())) + codes);
     }
-
-    QString titleWith(const QString &version)
-    {
-        return TheBranding().windowTitle + QStringLiteral(" : Vers: ") + version;
-    }
 };
 
 TEST_F(Discovery, FindsIdentifiesAndSendsBackOnce)
 {
-    ConnectHandheld();
+    const HandheldInfo info = FindHandheld().value;
     EXPECT_TRUE(HandreglerGefunden);
-    EXPECT_EQ(user.title, titleWith(QStringLiteral("1.2 vom 14.3.8 Type: 51201")));
-    EXPECT_EQ(HandheldKind, QStringLiteral("Funk-HR"));
+    EXPECT_EQ(info.version, QStringLiteral("1.2"));
+    EXPECT_EQ(info.date, QStringLiteral("14.3.8"));
+    EXPECT_EQ(info.type, QStringLiteral("51201"));
+    EXPECT_EQ(info.kind, QStringLiteral("Funk-HR"));
     EXPECT_EQ(layout().bus.log.at(0).bytes,
         sim::WithChecksum({0xED, 0x1F, 0x08, 0x66, 0x33, 0x70, 0, 0, 0, 0, 0x30, 0, 0, 0, 0, 0x10, 0, 0, 0, 0, 0x50,
             0, 0, 0, 0, 0x60, 0, 0, 0, 0}));
     const int before = handheld().state.normalModes;
-    CloseHandheld();
-    CloseHandheld();
+    EXPECT_TRUE(SendHandheldBack().ok());
+    EXPECT_TRUE(SendHandheldBack().ok());
     EXPECT_EQ(handheld().state.normalModes, before + 1);
 }
 
@@ -64,8 +58,7 @@ TEST_F(Discovery, KindComesFromTypeOrTexts)
         handheld().settings.type = row.type;
         layText(51, row.text51);
         layText(52, row.text52);
-        ConnectHandheld();
-        EXPECT_EQ(HandheldKind, QString::fromUtf8(row.kind)) << row.type.toStdString();
+        EXPECT_EQ(FindHandheld().value.kind, QString::fromUtf8(row.kind)) << row.type.toStdString();
     }
 }
 
@@ -73,37 +66,54 @@ TEST_F(Discovery, NoHandheldIsReportedAndMayComeLater)
 {
     handheld().settings.present = false;
     user.expect(QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"));
-    EXPECT_FALSE(HandheldConnected());
-    EXPECT_EQ(user.title, titleWith(QStringLiteral("unbekannt")));
+    EXPECT_EQ(FindHandheld().outcome.how(), End::NoAnswer);
+    EXPECT_FALSE(HandreglerGefunden);
     handheld().settings.present = true;
-    EXPECT_TRUE(HandheldConnected());
+    EXPECT_TRUE(FindHandheld().ok());
 }
 
 TEST_F(Discovery, AHandheldThatDoesNotIdentifyItselfIsStillUsable)
 {
     events.after(200'000, [this] { handheld().settings.present = false; });
     user.expect(QStringLiteral("Timeout"), QStringLiteral("read_spibuf"));
-    ConnectHandheld();
+    const Result<HandheldInfo> found = FindHandheld();
+    EXPECT_TRUE(found.ok());
     EXPECT_TRUE(HandreglerGefunden);
-    EXPECT_EQ(user.title, titleWith(QStringLiteral("unbekannt")));
+    EXPECT_TRUE(found.value.version.isEmpty());
 }
 
-TEST_F(Discovery, KindsThatOpenNoPort)
+/// The program ends at any moment of a search or of a sending back: a handheld that was called is sent back once, one
+/// that was not called never.
+TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
 {
-    InterfaceType = Interface48230;
-    user.expect(QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"));
-    ConnectHandheld();
-    InterfaceType = InterfaceNone;
-    ConnectHandheld(); // without a box
-    EXPECT_FALSE(HandreglerGefunden);
-}
+    const auto finish = [this] { // as main() does
+        SetRunState(RunState::Leaving);
+        static_cast<void>(SendHandheldBack());
+        events.run(3);
+    };
+    for (int delayMs = 0; delayMs < 400; delayMs += 17) {
+        ResetCore();
+        UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+        handheld().state.normalModes = 0;
+        handheld().settings.answerDelayUs = delayMs > 200 ? 3'000'000 : 2'000; // also without any acknowledge
+        events.after(delayMs * 1000, RequestEnd);
+        static_cast<void>(FindHandheld());
+        handheld().settings.answerDelayUs = 2'000;
+        finish();
+        EXPECT_TRUE(handheld().state.normalModes == 0 || handheld().state.normalModes == 2)
+            << delayMs << ": " << handheld().state.normalModes;
 
-TEST_F(Discovery, TheGuardKeepsTheBuffer)
-{
-    for (size_t i = 0; i < SpiBuf.size(); ++i)
-        SpiBuf.at(i) = static_cast<int>(i % 251);
-    const auto before = SpiBuf;
-    EXPECT_TRUE(HandheldConnected());
-    EXPECT_EQ(SpiBuf, before);
-    EXPECT_EQ(handheld().state.identifications, 1);
+        for (Outcome (*sendBack)() : {SendHandheldBack, SendHandheldBackNoWait}) {
+            ResetCore();
+            handheld().state.normalModes = 0;
+            HandreglerGefunden = true;
+            if (delayMs % 2 == 0) { // an occupied slot
+                ASSERT_TRUE(LayMessage({0xBF, 1, 2}, 2).ok());
+            }
+            events.after(delayMs * 1000, RequestEnd);
+            static_cast<void>(sendBack());
+            finish();
+            EXPECT_EQ(handheld().state.normalModes, 1) << delayMs;
+        }
+    }
 }

@@ -4,8 +4,8 @@
 #include "handheld/options.h"
 #include "handheld/symbol_storage.h"
 #include "handheld/transfer.h"
-#include "link/open_port.h"
-#include "platform/run_control.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
 class LocoRecords : public VirtualWorld
@@ -18,25 +18,28 @@ protected:
             flash().setBytes(address, QByteArray("\x0A\x27", 2)); // "A " everywhere
     }
 
-    static void layRecord()
+    static LocoRecord someRecord(int symbol = 17)
     {
-        SetCurrentLocoRecord({FitLocoName(QStringLiteral("Lok ä")), {}, {}, 1, 17});
+        LocoRecord record{FitLocoName(QStringLiteral("Lok ä")), {}, {}, 1, symbol};
         for (size_t f = 1; f < FunctionCount; ++f)
-            FktSymbol.at(f) = static_cast<int>(f) * 10;
+            record.symbols.at(f) = static_cast<int>(f) * 10;
         for (const size_t f : {0U, 7U, 8U, 23U, 24U})
-            FktModus.at(f) = 1;
+            record.modes.at(f) = 1;
+        return record;
     }
 
-    /// Counts the page programs of the chip.
-    int programs() { return flash().state.executed.at(0x83); }
+    Outcome write(int loco, const LocoRecord &record) { return WriteLoco(image, loco, record, Patience::Agreed); }
+
+    int programs() { return executed(0x83); }
+
+    SpiImage image{};
 };
 
 TEST_F(LocoRecords, AWriteChangesItsSixtyFourBytesOnly)
 {
     const QByteArray before = flashBytes(0, 2048);
-    layRecord();
-    SpiBuf.fill(0xAB); // bytes that the record does not define come from here
-    EXPECT_EQ(WriteLocoRecord(9), 0);
+    image.fill(0xAB); // bytes that the record does not define come from here
+    EXPECT_TRUE(write(9, someRecord()).ok());
     QByteArray expected = before;
     QByteArray record(64, '\xAB');
     const char name[] = {21, 24, 20, 39, 36};
@@ -49,88 +52,47 @@ TEST_F(LocoRecords, AWriteChangesItsSixtyFourBytesOnly)
     EXPECT_EQ(flashBytes(0, 2048).toHex(' ').toStdString(), expected.toHex(' ').toStdString());
     EXPECT_EQ(programs(), 1);
 
-    const LocoRecord written = CurrentLocoRecord();
-    ResetLocoRecord();
-    EXPECT_EQ(ReadLocoRecord(9), 0);
-    EXPECT_EQ(LokName, QStringLiteral("LOK Ä                "));
-    EXPECT_EQ(FktSymbol, written.symbols);
-    EXPECT_EQ(FktModus, written.modes);
-    EXPECT_EQ(MultiUni, 1);
-    EXPECT_EQ(LokSymbol, 17);
+    const Result<LocoRecord> read = ReadLoco(image, 9);
+    EXPECT_TRUE(read.ok());
+    LocoRecord wanted = someRecord();
+    wanted.name = QStringLiteral("LOK Ä                ");
+    EXPECT_EQ(read.value, wanted);
 }
 
 TEST_F(LocoRecords, RecordsLieAtSixtyFourTimesTheirAddress)
 {
     for (const auto &[loco, address] : {std::pair(1, 64), std::pair(8, 512), std::pair(9999, 639936)}) {
-        layRecord();
-        EXPECT_EQ(WriteLocoRecord(loco), 0);
+        EXPECT_TRUE(write(loco, someRecord()).ok());
         EXPECT_EQ(flashBytes(address, 4), QByteArray("\x15\x18\x14\x27", 4));
     }
 }
 
 TEST_F(LocoRecords, AnEmptyRecordIsReadWithOneSlice)
 {
-    EXPECT_EQ(ReadLocoRecord(500), 0);
-    EXPECT_EQ(LokName, QString(21, QChar(0xFF)));
+    const Result<LocoRecord> read = ReadLoco(image, 500);
+    EXPECT_EQ(read.value.name, QString(21, QChar(0xFF)));
     EXPECT_EQ(handheld().state.readBacks, 1);
-    EXPECT_EQ(WriteLocoRecord(12), 0);
+    EXPECT_TRUE(write(12, read.value).ok());
     EXPECT_EQ(flashBytes(768, 21), QByteArray(21, '\xFF'));
 }
 
 TEST_F(LocoRecords, DeleteTakesThreeMessagesAndEmptiesOnlyItsRecord)
 {
     const QByteArray before = flashBytes(0, 1024);
-    EXPECT_EQ(DeleteLocoRecord(3), 0);
+    EXPECT_TRUE(DeleteLoco(image, 3, Patience::Agreed).ok());
     EXPECT_EQ(messagesOnBus(0xED), 3);
     EXPECT_EQ(flashBytes(192, 15), QByteArray(15, '\xFF'));
     EXPECT_EQ(flashBytes(0, 192), before.left(192));
     EXPECT_EQ(flashBytes(256, 768), before.mid(256));
 }
 
-TEST_F(LocoRecords, ATimeoutDoesNotStopAReadOrWrite)
+TEST_F(LocoRecords, ATimeoutDoesNotStopASingleWrite)
 {
-    sim::Faults faults;
-    faults.lostAck.nth = 2;
-    layout().faults.set(faults);
+    strike(&sim::Faults::lostAck, 2);
     user.expect(QStringLiteral("Timeout"), QStringLiteral("write_to_spibuf"));
-    layRecord();
-    EXPECT_EQ(WriteLocoRecord(9), 1);
+    EXPECT_EQ(write(9, someRecord()).how(), End::NoAnswer);
     EXPECT_EQ(messagesOnBus(0xED), 6);
     EXPECT_EQ(programs(), 1);
-}
-
-TEST_F(LocoRecords, ClearAllDeletesUntilSomethingStopsIt)
-{
-    events.limitSeconds = 10'000;
-    layout().bus.keepLog = false;
-    ClearAllLocoRecords();
-    EXPECT_EQ(programs(), 9999);
-    EXPECT_EQ(user.progress.constLast(), QStringLiteral("Lösche Lok 9999"));
-    EXPECT_NEAR(static_cast<double>(events.nowUs) / 60e6, 75, 6); // minutes
-}
-
-TEST_F(LocoRecords, ClearAllEndsWithAFailureAStopAHangUpAndTheProgram)
-{
-    struct Row {
-        std::function<void()> event;
-        bool timeout;
-    };
-    const Row rows[] = {{[this] { handheld().settings.present = false; }, true}, {ConfirmStop, false},
-        {[this] { port.hangUp(); }, false}, {RequestEnd, false}};
-    for (const Row &row : rows) {
-        const int before = programs();
-        user.acceptAnyBox();
-        events.after(3'000'000, row.event);
-        ClearAllLocoRecords();
-        EXPECT_LT(programs() - before, 8);
-        EXPECT_EQ(user.boxes.join(u'|').contains(QStringLiteral("Timeout")), row.timeout);
-        user.boxes.clear();
-        handheld().settings.present = true;
-        port.replug();
-        if (!port.isOpen()) {
-            ASSERT_TRUE(port.open());
-        }
-    }
 }
 
 TEST_F(LocoRecords, TheEndOfTheProgramNeverCutsAPageSequence)
@@ -138,19 +100,17 @@ TEST_F(LocoRecords, TheEndOfTheProgramNeverCutsAPageSequence)
     for (int delayMs = 0; delayMs < 1200; delayMs += 50) {
         ResetRunControl();
         const QByteArray before = flashBytes(512, 64);
-        layRecord();
-        LokSymbol = delayMs / 50 + 1;
+        const int symbol = delayMs / 50 + 1;
         events.after(delayMs * 1000, RequestEnd);
         const int programsBefore = programs();
-        const int status = WriteLocoRecord(8);
-        EXPECT_EQ(status, 0) << delayMs;
+        EXPECT_TRUE(write(8, someRecord(symbol)).ok()) << delayMs;
         EXPECT_EQ(programs(), programsBefore + 1);
-        EXPECT_EQ(static_cast<int>(flashBytes(512, 64).at(61)), LokSymbol);
+        EXPECT_EQ(static_cast<int>(flashBytes(512, 64).at(61)), symbol);
         EXPECT_NE(flashBytes(512, 64), before);
     }
     const int count = programs(); // a sequence that has not begun does not begin any more
     EXPECT_EQ(CurrentRunState(), RunState::Ending);
-    EXPECT_EQ(WriteLocoRecord(8), 1);
+    EXPECT_EQ(write(8, someRecord()).how(), End::ProgramEnds);
     EXPECT_EQ(programs(), count);
 }
 
@@ -158,20 +118,14 @@ TEST_F(LocoRecords, HangUpAtAnyMessageLeavesTheOldPageOrTheNew)
 {
     for (int n = 1; n <= 6; ++n) {
         const QByteArray before = flashBytes(512, 512);
-        layRecord();
-        LokSymbol = 40 + n;
-        sim::Faults faults;
-        faults.hangUp.nth = n;
-        layout().faults.set(faults);
+        strike(&sim::Faults::hangUp, n);
         user.acceptAnyBox();
-        EXPECT_EQ(WriteLocoRecord(8), 1);
+        EXPECT_EQ(write(8, someRecord(40 + n)).how(), End::PortLost);
         EXPECT_EQ(flashBytes(512, 512), before) << n;
         layout().faults.set({});
         port.replug();
         ASSERT_TRUE(port.open());
     }
-    EXPECT_EQ(WriteLocoRecord(8), 0);
-    EXPECT_EQ(static_cast<int>(flashBytes(512, 64).at(61)), 46);
 }
 
 TEST_F(LocoRecords, SwitchOffTimeIsTheOnlyByteChanged)
@@ -180,11 +134,9 @@ TEST_F(LocoRecords, SwitchOffTimeIsTheOnlyByteChanged)
     for (int i = 0; i < 128; ++i)
         settings.append(static_cast<char>(i + 100));
     flash().setBytes(SettingsAddress, settings);
-    ClearSwitchOffTime();
+    EXPECT_TRUE(ClearSwitchOffTime(image).ok());
     settings[5] = 0;
     EXPECT_EQ(flashBytes(SettingsAddress, 128), settings);
-    EXPECT_EQ(user.progress, QStringList{QStringLiteral("Abschaltzeit ändern")});
-    EXPECT_FALSE(user.progressVisible);
 }
 
 TEST_F(LocoRecords, SymbolsMoveWithinTheirSlots)
@@ -201,40 +153,32 @@ TEST_F(LocoRecords, SymbolsMoveWithinTheirSlots)
         {SymbolKind::Accessory, 28, 1, 0x0F8000 + 28 * 64 + 32, 30}};
     for (const Row &row : rows) {
         const QByteArray before = flashBytes(row.address - 64, 256);
-        for (int i = 0; i < row.size; ++i)
-            SpiBuf.at(static_cast<size_t>(4 + i)) = 255 - i;
-        EXPECT_EQ(WriteSymbol(row.kind, row.number, row.half), 0);
+        Picture picture = EmptyPicture(row.kind);
+        for (size_t i = 0; i < picture.bytes.size(); ++i)
+            picture.bytes.at(i) = 255 - static_cast<int>(i);
+        EXPECT_TRUE(WritePicture(image, row.kind, row.number, row.half, picture, Patience::Agreed).ok());
         const QByteArray after = flashBytes(row.address - 64, 256);
         EXPECT_EQ(after.left(64), before.left(64));
         if (row.kind != SymbolKind::Loco) {
             EXPECT_EQ(after.mid(64 + row.size), before.mid(64 + row.size));
         }
-        SpiBuf.fill(0);
-        EXPECT_EQ(ReadSymbol(row.kind, row.number, row.half), 0);
-        for (int i = 0; i < row.size; ++i)
-            EXPECT_EQ(SpiBuf.at(static_cast<size_t>(4 + i)), 255 - i);
+        const Result<Picture> read = ReadPicture(image, row.kind, row.number, row.half);
+        EXPECT_TRUE(read.ok());
+        for (size_t i = 0; i < static_cast<size_t>(row.size); ++i)
+            EXPECT_EQ(read.value.bytes.at(i), picture.bytes.at(i));
+        EXPECT_EQ(read.value.bytes.size(), static_cast<size_t>(BackupBytesOf(row.kind)));
     }
 }
 
-TEST_F(LocoRecords, StartImageAndSymbolReset)
+TEST_F(LocoRecords, TheStartImageTakesItsBytesOnly)
 {
     QByteArray page = flashBytes(StartImageAddress, 512);
+    Picture picture{StartImageGeometry, {}};
     for (int i = 0; i < 262; ++i) {
-        SpiBuf.at(static_cast<size_t>(4 + i)) = (i * 3) & 0xFF;
+        picture.bytes.push_back((i * 3) & 0xFF);
         page[i] = static_cast<char>(i * 3);
     }
-    EXPECT_EQ(WriteStartImage(), 0);
+    EXPECT_TRUE(WriteStartPicture(image, picture, Patience::Agreed).ok());
     EXPECT_EQ(flashBytes(StartImageAddress, 512), page);
-    SpiBuf.fill(0);
-    EXPECT_EQ(ReadStartImage(), 0);
-    for (int i = 0; i < 262; ++i)
-        EXPECT_EQ(SpiBuf.at(static_cast<size_t>(4 + i)), (i * 3) & 0xFF);
-
-    flash().setBytes(FktSymbolAddress, QByteArray(256 * 64, '\x55'));
-    ResetFktSymbols();
-    EXPECT_EQ(flashBytes(FktSymbolAddress, 164 * 64), QByteArray(164 * 64, '\x55'));
-    const QByteArray half = QByteArray("\x06\x0D", 2) + QByteArray(28, '\0') + QByteArray(2, '\x55');
-    EXPECT_EQ(flashBytes(FktSymbolAddress + 164 * 64, 92 * 64), half.repeated(184));
-    EXPECT_EQ(user.progress.constFirst(), QStringLiteral("Fktsym. 164"));
-    EXPECT_EQ(user.progress.constLast(), QStringLiteral("Fktsym. 255"));
+    EXPECT_EQ(ReadStartPicture(image).value, picture);
 }

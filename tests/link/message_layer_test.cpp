@@ -1,6 +1,8 @@
 #include "link/message_layer.h"
 
-#include "link/settings_file.h"
+#include "link/exchange.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
 namespace
@@ -77,19 +79,67 @@ TEST_F(MessageLayer, TheEchosChecksumCountsToo)
     EXPECT_EQ(TxLen, -1);
 }
 
-TEST_F(MessageLayer, EchoTimeLimitAndMidnight)
+TEST_F(MessageLayer, EchoTimeLimit)
 {
     user.acceptAnyBox();
-    for (const double startOfDay : {40'000.0, 86'399.0}) {
-        user.boxes.clear();
-        port.close(); // nothing comes back
-        lay({0x82});
-        events.setTimeOfDay(startOfDay);
-        events.run(2.0); // written at the first tick, 50 ms after the start
-        EXPECT_TRUE(user.boxes.isEmpty()) << startOfDay;
-        events.run(0.15);
-        EXPECT_EQ(user.boxes, QStringList{EchoError()}) << startOfDay;
+    port.close(); // nothing comes back
+    lay({0x82});
+    events.run(2.0); // written at the first tick, 50 ms after the start
+    EXPECT_TRUE(user.boxes.isEmpty());
+    events.run(0.15);
+    EXPECT_EQ(user.boxes, QStringList{EchoError()});
+}
+
+TEST_F(MessageLayer, AMessageIsLaidOnlyIntoAFreeSlotOfAnOpenPort)
+{
+    EXPECT_TRUE(LayMessage({0xBF, 1, 2}, 2).ok());
+    EXPECT_EQ(LayMessage({0xBF, 3, 4}, 2).how(), End::NotSent);
+    EXPECT_EQ(TxMsg.at(1), 1);
+    events.run(0.3);
+    port.close();
+    EXPECT_EQ(LayMessage({0xBF, 3, 4}, 2).how(), End::PortLost);
+}
+
+TEST_F(MessageLayer, TheTapSeesEveryMessageWithItsChecksumsVerdict)
+{
+    QList<std::pair<int, bool>> seen;
+    TapTraffic([&](const Traffic &traffic) { seen += {traffic.bytes[0], traffic.checksumRight}; });
+    lay({0xBC, 1, 2});
+    events.run(0.3);
+    receive({0xA0, 1, 2, 0x5C});
+    receive({0xA0, 1, 2, 0x5D});
+    receive({0x82, 0x7D});
+    EXPECT_EQ(seen, (QList<std::pair<int, bool>>{{0xBC, true}, {0xA0, true}, {0xA0, false}, {0x82, true}}));
+}
+
+TEST_F(MessageLayer, AnAnswerThatComesLateIsDropped)
+{
+    handheld().settings.present = true;
+    Request first = Request::toHandheld();
+    first.bytes.at(10) = 0x20; // a read-back
+    Request second = first;
+    second.bytes.at(25) = 0x70; // from another place
+    for (quint8 i = 0; i < 40; ++i)
+        handheld().state.spiBuffer.at(i) = i;
+    for (const int delayMs : {1990, 2100, 2200, 2280}) { // behind the request's 60 ms on the line
+        handheld().settings.answerDelayUs = delayMs * 1000;
+        EXPECT_EQ(ExchangeForReadBack(first).outcome.how(), End::NoAnswer) << delayMs;
+        handheld().settings.answerDelayUs = 2'000;
+        const auto answer = ExchangeForReadBack(second);
+        EXPECT_TRUE(answer.ok()) << delayMs;
+        EXPECT_EQ(answer.value.at(0), 7) << delayMs << ": the old answer has 0";
+        EXPECT_EQ(ExchangeForReadBack(first).value.at(0), 0);
     }
+}
+
+TEST_F(MessageLayer, AnOccupiedSlotIsAwaitedForThreeSeconds)
+{
+    lay({0xBC, 1, 2});
+    TxWaitEcho = true; // for an echo that never comes, and no box that frees it
+    TxTime = NowSeconds() + 1'000;
+    const double start = NowSeconds();
+    EXPECT_EQ(SendOnly(Request::toHandheld()).how(), End::NotSent);
+    EXPECT_NEAR(SecondsSince(start), 3, 0.1);
 }
 
 TEST_F(MessageLayer, ForeignMessageBeforeTheEchoChangesNothing)
@@ -167,10 +217,21 @@ TEST_F(MessageLayer, OneMessageIsDispatchedATickAndAFullRingKeepsTheNewest)
 
 TEST_F(MessageLayer, OtherPeerTransfersAreNoReadBack)
 {
-    SpiReadDone = 0;
+    sim::Bytes answer(30, 0);
+    answer.at(0) = 0xE5;
+    answer.at(1) = 0x1F;
+    receive(sim::WithChecksum(answer));
+    events.run(0.1);
+    EXPECT_EQ(SpiReadDone, 0) << "nobody has asked";
+    SpiReadWanted = true;
     receive({0xE5, 0x10, 0x22, 0x22, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     events.run(0.1);
     EXPECT_EQ(SpiReadDone, 0);
+    answer.push_back(0x11); // a wrong checksum: taken, and known to be doubtful
+    receive(answer);
+    events.run(0.1);
+    EXPECT_EQ(SpiReadDone, 1);
+    EXPECT_FALSE(SpiReadSound);
 }
 
 TEST_F(MessageLayer, CtsHoldsUpAMessageForThreeSecondsAtMost)
@@ -202,7 +263,7 @@ TEST_F(MessageLayer, HighBitsTravelInTheCollectors)
     for (const size_t i : {6U, 9U, 12U, 29U})
         TxMsg.at(i) = 0xF1;
     LocoNetMessage plain = TxMsg;
-    PackHighBits();
+    PackHighBits(TxMsg);
     EXPECT_EQ(TxMsg.at(5), 0b1001);
     EXPECT_EQ(TxMsg.at(10), 0x32) << "command bits stay";
     EXPECT_EQ(TxMsg.at(25), 0b1000);

@@ -1,49 +1,28 @@
 #include "tests/support/virtual_world.h"
 
 #include "handheld/backup/selection.h"
-#include "handheld/block_tables.h"
 #include "handheld/discovery.h"
-#include "handheld/loco_record.h"
+#include "link/exchange.h"
 #include "link/message_layer.h"
-#include "link/open_port.h"
-#include "link/settings_file.h"
+#include "link/open_link.h"
 #include "link/text_encoding.h"
 #include "platform/files.h"
-#include "platform/run_control.h"
 #include "platform/world.h"
-#include "station/download.h"
-#include "symbols/editor/pixel_editor.h"
-#include "symbols/symbol_geometry.h"
-#include "ui/catalogues/symbol_catalogue.h"
-#include "ui/editors/editor_windows.h"
-#include "ui/pickers.h"
-#include "ui/picture_cache.h"
+#include "program/run_control.h"
+#include "program/settings_file.h"
 
 #include <QCoreApplication>
 #include <QDir>
 
-#include <cmath>
-
 namespace
 {
 constexpr double UsPerSecond = 1e6;
-constexpr double SecondsPerDay = 86'400;
 constexpr int MainTimerMs = 50;
-constexpr int Timer1Ms = 100;
 } // namespace
-
-double VirtualEvents::timeOfDay() const
-{
-    return std::fmod(dayOffset + static_cast<double>(nowUs) / UsPerSecond, SecondsPerDay);
-}
-
-void VirtualEvents::setTimeOfDay(double seconds)
-{
-    dayOffset = seconds - static_cast<double>(nowUs) / UsPerSecond + SecondsPerDay;
-}
 
 Events::TimerId VirtualEvents::every(int intervalMs, Action action)
 {
+    ++timersStarted;
     const qint64 due = nowUs + intervalMs * 1000;
     timers[++lastTimer] = std::make_shared<Repeating>(Repeating{intervalMs, due, std::move(action)});
     return lastTimer;
@@ -115,99 +94,72 @@ void VirtualEvents::run(double seconds)
         pump();
 }
 
-void ScriptedFrontend::expect(const QString &text, const QString &boxTitle, const QString &answer)
+void ScriptedAsk::expect(const QString &text, const QString &boxTitle, const QString &answer)
 {
     script.push_back({text, boxTitle, answer});
 }
 
-QString ScriptedFrontend::answerTo(const QString &text, const QString &boxTitle)
+QString ScriptedAsk::answerTo(const QString &text, const QString &boxTitle)
 {
     boxes += boxTitle + QStringLiteral(": ") + text;
-    if (onBox)
-        onBox();
-    if (script.empty()) {
+    const bool scripted = !script.empty();
+    const Expected expected = scripted ? script.front() : Expected{text, boxTitle, {}};
+    if (scripted)
+        script.pop_front();
+    else
         EXPECT_TRUE(anyBox) << "unexpected box: " << boxes.constLast().toStdString();
-        return {};
-    }
-    const Expected expected = script.front();
-    script.pop_front();
+    if (onBox) // boxes may open on top of this one
+        onBox();
+    if (ignoreTexts)
+        return expected.answer;
     EXPECT_EQ(text.toStdString(), expected.text.toStdString());
     EXPECT_EQ(boxTitle.toStdString(), expected.title.toStdString());
     return expected.answer;
 }
 
-void ScriptedFrontend::showBox(const BoxText &box)
+void ScriptedAsk::showBox(const BoxText &box)
 {
     answerTo(box.text, box.title);
 }
 
-void ScriptedFrontend::postBox(const BoxText &box)
+void ScriptedAsk::postBox(const BoxText &box)
 {
     answerTo(box.text, box.title);
 }
 
-bool ScriptedFrontend::askYesNo(const BoxText &box, bool)
+bool ScriptedAsk::askYesNo(const BoxText &box, bool yesIsDefault)
 {
+    defaultYes = yesIsDefault;
     return answerTo(box.text, box.title) == u"Ja";
 }
 
-QString ScriptedFrontend::askText(const QString &prompt, const QString &boxTitle)
+QString ScriptedAsk::askText(const QString &prompt, const QString &boxTitle)
 {
     return answerTo(prompt, boxTitle);
 }
 
-QString ScriptedFrontend::openFileName(const QString &boxTitle, const QString &filter)
-{
-    return answerTo(filter, boxTitle);
-}
-
-QString ScriptedFrontend::saveFileName(const QString &boxTitle, const QString &filter)
-{
-    return answerTo(filter, boxTitle);
-}
-
-void ScriptedFrontend::showProgress(const QString &text)
+void ScriptedAsk::showProgress(const QString &text)
 {
     progressVisible = true;
     progress += text;
 }
 
-void ScriptedFrontend::setProgressText(const QString &text)
-{
-    progress += text;
-}
-
-void ScriptedFrontend::showSelectionWindow()
-{
-    ++selections;
-    ASSERT_TRUE(onSelection) << "unexpected selection window";
-    TheEvents().post([this] { onSelection(); });
-}
-
-void ScriptedFrontend::checkAllUsed() const
+void ScriptedAsk::checkAllUsed() const
 {
     for (const Expected &left : script)
         ADD_FAILURE() << "box did not come: " << left.title.toStdString() << ": " << left.text.toStdString();
 }
 
-void ResetAllModules()
+void ResetCore()
 {
     ResetRunControl();
-    ResetFiles();
+    ResetAsk();
     ResetSettings();
     ResetMessageLayer();
-    ResetOpenPort();
+    ResetExchange();
+    ResetOpenLink();
     ResetDiscovery();
-    ResetLocoRecord();
-    ResetDownload();
     ResetSelection();
-    ResetSymbolGeometry();
-    ResetCatalogues();
-    ResetBlockTables();
-    ResetEditors();
-    ResetPickers();
-    ResetPixelEditor();
-    ResetPictureCache();
     BuildZeichensatz();
 }
 
@@ -215,13 +167,17 @@ VirtualWorld::VirtualWorld()
 {
     QDir(folder.path()).mkdir(QStringLiteral("konf"));
     SetProgramFolder(folder.path());
-    InstallWorld({&events, &port, &user});
-    ResetAllModules();
+    InstallWorld({&events, &port});
+    InstallAsk(&user);
+    ResetCore();
+    OnBusyAgain([this] { ++user.raised; });
 }
 
 VirtualWorld::~VirtualWorld()
 {
-    ResetAllModules();
+    driver.reset();
+    ResetCore();
+    InstallAsk(nullptr);
     InstallWorld({});
 }
 
@@ -233,24 +189,23 @@ void VirtualWorld::TearDown()
 
 void VirtualWorld::driveLink()
 {
-    port.onReceive = ReceiveBytes;
-    port.onHangUp = HandlePortLoss;
-    events.every(MainTimerMs, [] {
-        SendTask();
-        DispatchTask();
-    });
-    events.every(Timer1Ms, ReceiveBytes);
+    driver.reset();
+    driver = std::make_unique<LinkDriver>();
 }
 
 void VirtualWorld::connectDirectly()
 {
     driveLink();
-    PortNumber = {QStringLiteral("3"), true};
-    InterfaceType = InterfaceDirect;
-    int status = 1;
-    SetupDirectInterface(status);
-    ASSERT_EQ(status, 0);
+    UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+    ASSERT_TRUE(SetupDirectInterface().ok());
     HandreglerGefunden = true;
+}
+
+void VirtualWorld::strike(sim::Fault sim::Faults::*fault, int nth)
+{
+    sim::Faults faults;
+    (faults.*fault).nth = nth;
+    layout().faults.set(faults);
 }
 
 int VirtualWorld::messagesOnBus(int opcode)

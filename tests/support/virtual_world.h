@@ -5,8 +5,9 @@
 // left over.
 #pragma once
 
+#include "link/link_driver.h"
 #include "platform/events.h"
-#include "platform/frontend.h"
+#include "program/ask.h"
 #include "sim/sim_port.h"
 
 #include <QStringList>
@@ -22,7 +23,6 @@
 class VirtualEvents : public Events
 {
 public:
-    [[nodiscard]] double timeOfDay() const override;
     [[nodiscard]] qint64 monotonicUs() const override { return nowUs; }
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;
@@ -33,12 +33,10 @@ public:
     /// Runs events until so much simulated time has passed.
     void run(double seconds);
 
-    /// Sets the time of day at the present moment.
-    void setTimeOfDay(double seconds);
-
     qint64 nowUs = 1'000'000;
     double limitSeconds = 4'000; // a wait that goes on longer than this in one test hangs
     int ticks = 0;               // calls of 50 ms timers
+    int timersStarted = 0;       // calls of every()
 
 private:
     struct Repeating {
@@ -49,7 +47,6 @@ private:
     };
     void runNext();
 
-    double dayOffset = 36'000; // 10 o'clock at nowUs = 0
     std::deque<Action> posted;
     std::multimap<qint64, Action> pending;
     std::map<TimerId, std::shared_ptr<Repeating>> timers;
@@ -57,7 +54,7 @@ private:
 };
 
 /// A user who answers boxes by script and notes everything that is shown.
-class ScriptedFrontend : public Frontend
+class ScriptedAsk : public Ask
 {
 public:
     /// The next box must have this text and title; answer is used by questions and inputs.
@@ -70,33 +67,21 @@ public:
     void postBox(const BoxText &box) override;
     bool askYesNo(const BoxText &box, bool defaultYes) override;
     QString askText(const QString &prompt, const QString &title) override;
-    QString openFileName(const QString &title, const QString &filter) override;
-    QString saveFileName(const QString &title, const QString &filter) override;
     void showProgress(const QString &text) override;
-    void setProgressText(const QString &text) override;
     void hideProgress() override { progressVisible = false; }
-    void showSelectionWindow() override;
-    void hideSelectionWindow() override { }
-    void showMainWindow() override { mainShown = true; }
-    void raiseMainWindow() override { }
-    void setMainWindowEnabled(bool enabled) override { mainEnabled = enabled; }
-    void setMainWindowTitle(const QString &text) override { title = text; }
-    void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
-    void raiseWaitingWindow() override { ++raised; }
 
     void checkAllUsed() const;
 
-    QStringList boxes;    // "title: text" of every box and question, in order
-    QStringList progress; // every progress text, in order
-    QString title;
-    std::function<void()> onSelection; // the user at the selection window
-    std::function<void()> onBox;       // runs while a box is open, before it is answered
+    QStringList boxes;           // "title: text" of every box and question, in order
+    QStringList progress;        // every progress text, in order
+    std::function<void()> onBox; // runs while a box is open, before it is answered
     bool progressVisible = false;
-    bool mainShown = false;
-    bool mainEnabled = true;
-    bool lokDataVisible = true;
-    int selections = 0;
-    int raised = 0;
+    bool defaultYes = false;  // of the last question
+    bool ignoreTexts = false; // the script holds only answers
+    int raised = 0;           // second commands while one ran
+
+protected:
+    QString answerTo(const QString &text, const QString &title);
 
 private:
     struct Expected {
@@ -104,8 +89,6 @@ private:
         QString title;
         QString answer;
     };
-    QString answerTo(const QString &text, const QString &title);
-
     std::deque<Expected> script;
     bool anyBox = false;
 };
@@ -118,7 +101,7 @@ protected:
 
     void TearDown() override;
 
-    /// Starts the link's timers as the main window does.
+    /// Starts the link as main() does.
     void driveLink();
 
     /// Opens the port as interface kind 3 and marks the handheld as found, without any exchange.
@@ -129,14 +112,21 @@ protected:
     sim::Dataflash &flash() { return port.layout().handheld.flash; }
     QByteArray flashBytes(int address, int count) { return flash().bytes(address, count); }
 
+    /// Strikes once with a fault of the simulated world, at its nth occasion.
+    void strike(sim::Fault sim::Faults::*fault, int nth);
+
+    /// How often the chip has executed an opcode.
+    int executed(int opcode) { return flash().state.executed.at(static_cast<size_t>(opcode)); }
+
     /// Messages of this opcode on the bus so far.
     int messagesOnBus(int opcode);
 
     QTemporaryDir folder; // the program folder, with an empty konf
     VirtualEvents events;
     sim::SimPort port{events};
-    ScriptedFrontend user;
+    ScriptedAsk user;
+    std::unique_ptr<LinkDriver> driver;
 };
 
-/// Restores the start-up state of every module.
-void ResetAllModules();
+/// Restores the start-up state of every core module.
+void ResetCore();

@@ -1,12 +1,19 @@
 #include "tests/support/window_world.h"
 
-#include "link/open_port.h"
-#include "link/settings_file.h"
-#include "platform/run_control.h"
+#include "link/open_link.h"
 #include "platform/world.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "shown/connection.h"
+#include "shown/picture.h"
+#include "shown/record.h"
+#include "shown/tables.h"
 #include "sim/demo_content.h"
-#include "ui/catalogues/symbol_catalogue.h"
+#include "ui/common/pickers.h"
+#include "ui/common/symbol_pictures.h"
+#include "ui/editors/editor_windows.h"
 #include "ui/qt_frontend.h"
+#include "ui/symbols/pixel_editor.h"
 
 #include <QAction>
 #include <QDir>
@@ -26,6 +33,57 @@ void CopyFolder(const QString &from, const QString &to)
 
 } // namespace
 
+QString ScriptedUser::openFileName(const QString &boxTitle, const QString &filter)
+{
+    return answerTo(filter, boxTitle);
+}
+
+QString ScriptedUser::saveFileName(const QString &boxTitle, const QString &filter)
+{
+    return answerTo(filter, boxTitle);
+}
+
+void ScriptedUser::showSelectionWindow()
+{
+    ++selections;
+    ASSERT_TRUE(onSelection) << "unexpected selection window";
+    TheEvents().post([this] { onSelection(); });
+}
+
+void ResetAllModules()
+{
+    ResetCore();
+    ResetShownRecord();
+    ResetShownTables();
+    ResetShownPicture();
+    ResetShownConnection();
+    ResetEditors();
+    ResetPickers();
+    ResetPixelEditor();
+    ResetSymbolPictures();
+    ResetCatalogues();
+}
+
+DesktopWorld::DesktopWorld()
+{
+    InstallAsk(&user);
+    InstallWindows(&user);
+    ResetAllModules();
+    OnBusyAgain([this] { ++user.raised; });
+}
+
+DesktopWorld::~DesktopWorld()
+{
+    ResetAllModules();
+    InstallWindows(nullptr);
+}
+
+void DesktopWorld::TearDown()
+{
+    VirtualWorld::TearDown();
+    user.checkAllUsed();
+}
+
 WindowWorld::WindowWorld()
 {
     const QString konf = qEnvironmentVariable("HR_KONF");
@@ -34,6 +92,7 @@ WindowWorld::WindowWorld()
     QFile::remove(folder.path() + QStringLiteral("/konf/ComPort.inf"));
     sim::FillDemoContent(flash());
     frontend = std::make_unique<QtFrontend>();
+    OnBusyAgain([this] { ++user.raised; });
 }
 
 WindowWorld::~WindowWorld() = default;
@@ -44,14 +103,10 @@ void WindowWorld::restart()
     ResetAllModules();
     port.close();
     ScanCatalogues();
-    PortNumber = {QStringLiteral("3"), true};
-    InterfaceType = InterfaceDirect;
+    OnBusyAgain([this] { ++user.raised; });
     mainWindow = std::make_unique<MainWindow>(*frontend);
     frontend->setMainWindow(mainWindow.get());
-    int status = 1;
-    SetupDirectInterface(status);
-    ASSERT_EQ(status, 0);
-    HandreglerGefunden = true;
+    connectDirectly();
 }
 
 QLineEdit *WindowWorld::field(const char *name)

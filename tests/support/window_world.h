@@ -1,7 +1,9 @@
-// The virtual world with the real main window on a simulated handheld that holds the demo content.
+// The virtual world with windows: a scripted desktop, and the real main window on a simulated handheld that holds the
+// demo content.
 #pragma once
 
 #include "tests/support/virtual_world.h"
+#include "ui/common/windows.h"
 #include "ui/main_window.h"
 
 #include <memory>
@@ -11,7 +13,43 @@ class QLineEdit;
 class QPushButton;
 class QtFrontend;
 
-class WindowWorld : public VirtualWorld
+/// The scripted user in front of windows: file dialogs, selection window, main window.
+class ScriptedUser : public ScriptedAsk, public Windows
+{
+public:
+    QString openFileName(const QString &boxTitle, const QString &filter) override;
+    QString saveFileName(const QString &boxTitle, const QString &filter) override;
+    void showSelectionWindow() override;
+    void hideSelectionWindow() override { }
+    void showMainWindow() override { mainShown = true; }
+    void raiseMainWindow() override { }
+    void setMainWindowEnabled(bool enabled) override { mainEnabled = enabled; }
+    void setMainWindowTitle(const QString &text) override { title = text; }
+    void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
+
+    QString title;
+    std::function<void()> onSelection; // the user at the selection window
+    bool mainShown = false;
+    bool mainEnabled = true;
+    bool lokDataVisible = true;
+    int selections = 0;
+};
+
+/// A desktop without a main window.
+class DesktopWorld : public VirtualWorld
+{
+protected:
+    DesktopWorld();
+    ~DesktopWorld() override;
+    void TearDown() override;
+
+    ScriptedUser user; // in place of the core's
+};
+
+/// Restores the start-up state of every module that windows use.
+void ResetAllModules();
+
+class WindowWorld : public DesktopWorld
 {
 protected:
     WindowWorld();

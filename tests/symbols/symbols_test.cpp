@@ -1,10 +1,8 @@
-#include "link/message_layer.h"
 #include "platform/files.h"
 #include "symbols/bmp_file.h"
-#include "symbols/pixel_picture.h"
-#include "symbols/symbol_geometry.h"
+#include "symbols/pixel_cells.h"
+#include "symbols/symbol_catalogue.h"
 #include "tests/support/virtual_world.h"
-#include "ui/catalogues/symbol_catalogue.h"
 
 #include <QDir>
 #include <QFile>
@@ -41,46 +39,44 @@ QByteArray Bmp(const BmpParts &parts)
 class Symbols : public VirtualWorld
 {
 protected:
-    int load(const QByteArray &content)
+    std::optional<PictureRows> load(const QByteArray &content, PictureGeometry geometry = LokSymbolGeometry)
     {
         const QString path = folder.path() + QStringLiteral("/test.bmp");
         EXPECT_TRUE(ReplaceFile(path, content));
-        int result = 9;
-        LoadBmpToSpibuf(path, result);
-        return result;
+        return LoadBmp(path, geometry);
     }
 
-    static QByteArray contentOf(const QString &path)
+    static PictureRows someRows(PictureGeometry geometry)
     {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        PictureRows rows;
+        for (int i = 0; i < RowBytesOf(geometry.width) * geometry.height; ++i)
+            rows.push_back(i * 37 % 256);
+        return rows;
     }
+
+    static QByteArray contentOf(const QString &path) { return ReadWholeFile(path).value_or(QByteArray()); }
 };
 
 TEST_F(Symbols, FilesAreLoadedRowByRowWithoutTheirPadding)
 {
     struct Row {
-        SymbolKind kind;
+        PictureGeometry geometry;
         int stride;
         int offset;
         int rowBytes;
     };
     for (const Row &row :
-        {Row{SymbolKind::Loco, 8, 62, 6}, Row{SymbolKind::Loco, 6, 146, 6}, Row{SymbolKind::Function, 4, 62, 2}}) {
-        SetSymbolGeometry(row.kind);
-        SpiBuf.fill(-1);
-        EXPECT_EQ(load(Bmp({SymbolWidth, SymbolHeight, 1, 0, row.offset, row.stride})), 0);
-        for (int y = 0; y < SymbolHeight; ++y) {
+        {Row{LokSymbolGeometry, 8, 62, 6}, Row{LokSymbolGeometry, 6, 146, 6}, Row{HalfSymbolGeometry, 4, 62, 2}}) {
+        const auto [width, height] = row.geometry;
+        const auto rows = load(Bmp({width, height, 1, 0, row.offset, row.stride}), row.geometry);
+        ASSERT_TRUE(rows);
+        ASSERT_EQ(rows->size(), static_cast<size_t>(height * row.rowBytes));
+        for (int y = 0; y < height; ++y) {
             for (int i = 0; i < row.rowBytes; ++i)
-                EXPECT_EQ(
-                    SpiBuf.at(static_cast<size_t>(6 + y * row.rowBytes + i)), 255 - ((y * row.stride + i) & 0xFF));
+                EXPECT_EQ(rows->at(static_cast<size_t>(y * row.rowBytes + i)), 255 - ((y * row.stride + i) & 0xFF));
         }
-        EXPECT_EQ(SpiBuf.at(5), -1) << "the size bytes are not written by a load";
-        EXPECT_EQ(SpiBuf.at(static_cast<size_t>(6 + SymbolHeight * row.rowBytes)), -1);
     }
-    SymbolWidth = 6;
-    SymbolHeight = 8;
-    EXPECT_EQ(load(Bmp({8, 8, 1, 0, 62, 4})), 0);
+    EXPECT_TRUE(load(Bmp({8, 8, 1, 0, 62, 4}), {6, 8}));
 }
 
 TEST_F(Symbols, WrongFilesAreRefusedWithTheReasonAndChangeNothing)
@@ -104,85 +100,80 @@ TEST_F(Symbols, WrongFilesAreRefusedWithTheReasonAndChangeNothing)
             "Die Datei ist von oben nach unten gespeichert; das wird nicht unterstützt."},
         {good.left(100), "Die BMP-Datei ist unvollständig: 100 Bytes statt 188!"},
     };
-    SetSymbolGeometry(SymbolKind::Loco);
-    SpiBuf.fill(77);
     for (const Row &row : rows) {
         user.expect(QString::fromUtf8(row.message), QStringLiteral("Fehler!"));
-        EXPECT_EQ(load(row.file), 1);
+        EXPECT_FALSE(load(row.file));
     }
-    EXPECT_EQ(std::count(SpiBuf.begin(), SpiBuf.end(), 77), SpiBufSize);
 }
 
 TEST_F(Symbols, DamagedHeadersNeverCrash)
 {
-    SetSymbolGeometry(SymbolKind::Loco);
     user.acceptAnyBox();
     const QByteArray good = Bmp({});
     for (int offset = 0; offset < 62; ++offset) {
         for (const char value : {'\0', '\x7F', '\x80', '\xFF'}) {
             QByteArray damaged = good;
             damaged[offset] = value;
-            load(damaged);
+            static_cast<void>(load(damaged));
         }
     }
     for (qsizetype length = 0; length < good.size(); length += 3)
-        EXPECT_EQ(load(good.left(length)), length < 188 ? 1 : 0);
+        EXPECT_EQ(load(good.left(length)).has_value(), length >= 188);
 }
 
 TEST_F(Symbols, SavedFilesAreCopiesOfTheTemplateAndLoadAgain)
 {
-    for (const SymbolKind kind : {SymbolKind::Loco, SymbolKind::Function}) {
-        SetSymbolGeometry(kind);
-        for (size_t i = 6; i < 110; ++i)
-            SpiBuf.at(i) = static_cast<int>(i * 37 % 256);
-        const auto before = SpiBuf;
-        const QString target = folder.path() + QStringLiteral("/out.bmp");
-        int result = 1;
-        SaveSpibufToBmp(target, result); // the template is made on first use
-        EXPECT_EQ(result, 0);
-        EXPECT_EQ(contentOf(target), contentOf(TemplatePath(SymbolWidth)));
+    const QString target = folder.path() + QStringLiteral("/out.bmp");
+    for (const PictureGeometry geometry : {LokSymbolGeometry, HalfSymbolGeometry}) {
+        const PictureRows rows = someRows(geometry);
+        EXPECT_TRUE(SaveBmp(rows, geometry, target)); // the template is made on first use
+        EXPECT_EQ(contentOf(target), contentOf(TemplatePath(geometry.width)));
         EXPECT_TRUE(contentOf(target).startsWith("BM"));
-        SpiBuf.fill(0);
-        LoadBmpToSpibuf(target, result);
-        EXPECT_EQ(result, 0);
-        for (size_t i = 6; i < 6U + static_cast<size_t>(SymbolHeight * RowBytesOf(SymbolWidth)); ++i)
-            EXPECT_EQ(SpiBuf.at(i), before.at(i));
-        SaveSpibufToBmp(TemplatePath(SymbolWidth), result); // onto the template itself
-        EXPECT_EQ(result, 0);
+        EXPECT_EQ(LoadBmp(target, geometry), rows);
+        EXPECT_TRUE(SaveBmp(rows, geometry, TemplatePath(geometry.width))); // onto the template itself
     }
     const QByteArray file = contentOf(TemplatePath(14));
     EXPECT_EQ(file.at(62 + 2), file.at(62 + 1)) << "padding repeats the row's last byte";
     EXPECT_EQ(file.at(62 + 3), file.at(62 + 1));
 
-    SetStartImageGeometry();
-    int result = 0;
-    SaveSpibufToBmp(folder.path() + QStringLiteral("/start.bmp"), result);
-    EXPECT_EQ(result, 1);
-    EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/start.bmp")));
+    EXPECT_FALSE(SaveBmp(someRows(StartImageGeometry), StartImageGeometry, folder.path() + QStringLiteral("/s.bmp")));
+    EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/s.bmp")));
+}
+
+TEST_F(Symbols, ASaveThatCannotWriteSaysSo)
+{
+    SetProgramFolder(folder.path() + QStringLiteral("/nowhere")); // template and target are both missing
+    user.acceptAnyBox();
+    const QString target = folder.path() + QStringLiteral("/nowhere/konf/LokSymbole/3 x.bmp");
+    EXPECT_FALSE(SaveBmp(someRows(LokSymbolGeometry), LokSymbolGeometry, target));
+    EXPECT_EQ(user.boxes.size(), 2);
+}
+
+TEST_F(Symbols, ABrokenSaveLeavesNothingInTheScannedFolder)
+{
+    const QString symbols = folder.path() + QStringLiteral("/konf/LokSymbole");
+    ASSERT_TRUE(QDir().mkpath(symbols + QStringLiteral("/3 taken.bmp"))); // a folder of that name
+    user.acceptAnyBox();
+    EXPECT_FALSE(SaveBmp(someRows(LokSymbolGeometry), LokSymbolGeometry, symbols + QStringLiteral("/3 taken.bmp")));
+    EXPECT_TRUE(SaveBmp(someRows(LokSymbolGeometry), LokSymbolGeometry, symbols + QStringLiteral("/4 x.bmp")));
+    EXPECT_EQ(FileNames(symbols), QStringList{QStringLiteral("4 x.bmp")});
+    EXPECT_EQ(FileNames(folder.path() + QStringLiteral("/konf")), QStringList{QStringLiteral("temp_loksym.bmp")});
 }
 
 TEST_F(Symbols, DamagedTemplateIsReportedAndLeftAlone)
 {
-    SetSymbolGeometry(SymbolKind::Loco);
     ASSERT_TRUE(ReplaceFile(TemplatePath(48), Bmp({.depth = 8})));
     const QByteArray before = contentOf(TemplatePath(48));
     user.expect(QStringLiteral("Farbtiefe des BMP Files muss 1 sein! Hier: 8"), QStringLiteral("Fehler!"));
-    int result = 0;
-    SaveSpibufToBmp(folder.path() + QStringLiteral("/x.bmp"), result);
-    EXPECT_EQ(result, 1);
+    EXPECT_FALSE(SaveBmp(someRows(LokSymbolGeometry), LokSymbolGeometry, folder.path() + QStringLiteral("/x.bmp")));
     EXPECT_EQ(contentOf(TemplatePath(48)), before);
     EXPECT_FALSE(QFile::exists(folder.path() + QStringLiteral("/x.bmp")));
 }
 
-TEST_F(Symbols, PixelsCellsAndHits)
+TEST_F(Symbols, CellsHitsAndBits)
 {
-    SetSymbolGeometry(SymbolKind::Loco);
-    SpiBuf.fill(0);
-    SpiBuf.at(6) = 0x80;
-    LoadCellsFromBuffer();
-    EXPECT_EQ(Pixel.at(0), Black);
-    EXPECT_EQ(Pixel.at(1), White);
-    EXPECT_EQ(PlaceOfCell(1).top, 200 + 225 * 15) << "the first row is the bottom one";
+    const PictureGeometry loco = LokSymbolGeometry;
+    EXPECT_EQ(PlaceOfCell(loco, 1).top, 200 + 225 * 15) << "the first row is the bottom one";
     struct Row {
         double x;
         double y;
@@ -193,18 +184,10 @@ TEST_F(Symbols, PixelsCellsAndHits)
         {Row{200, 200, 48 * 15 + 1}, Row{-20, -20, 48 * 15 + 1}, Row{-26, 200, 48 * 15}, Row{424.4, 200, 48 * 15 + 1},
             Row{424.6, 200, 48 * 15 + 2}, Row{rightEdge + 100.0, 200 + 225 * 8, 48 * 8 + 1},
             Row{rightEdge + 100.0, 200, 0}, Row{200, 200 + 225 * 16, 0}, Row{300, 200 + 225 * 15, 1}})
-        EXPECT_EQ(CellAt(row.x, row.y), row.cell) << row.x << ' ' << row.y;
-
-    SetSymbolGeometry(SymbolKind::Function);
-    SpiBuf.fill(0xFF);
-    ClearCells();
-    Pixel.at(13) = Black;
-    StoreCellsInBuffer();
-    EXPECT_EQ(SpiBuf.at(6), 0);
-    EXPECT_EQ(SpiBuf.at(7), 0x07) << "column 13 and the two unused bits";
-    EXPECT_EQ(SpiBuf.at(34), 0xFF);
-    SymbolNoHeader = true;
-    EXPECT_EQ(GetColor_from_SPIBUF(0, 0), Black) << "rows begin at index 4 without size bytes";
+        EXPECT_EQ(CellAt(loco, row.x, row.y), row.cell) << row.x << ' ' << row.y;
+    EXPECT_EQ(PlaceOfPixel(48, 0, 1).byte, 6);
+    EXPECT_EQ(PlaceOfPixel(14, 13, 0).byte, 1);
+    EXPECT_EQ(PlaceOfPixel(14, 13, 0).mask, 0x04);
 }
 
 class Catalogues : public VirtualWorld
@@ -227,10 +210,10 @@ TEST_F(Catalogues, NamesTellNumberAndHalf)
             QStringLiteral("257 Viel %ON%.bmp"), QStringLiteral("256 Ende %ON%.bmp"),
             QStringLiteral("x y %OFF%.bmp")});
     fill("MagSymbole",
-        {QStringLiteral("4 A %ROT%.bmp"), QStringLiteral("4 B %ROT%.bmp"), QStringLiteral("4 B %GRN%.bmp")});
+        {QStringLiteral("4 A %ROT%.bmp"), QStringLiteral("4 B %ROT%.bmp"), QStringLiteral("4 B %GRN%.bmp"),
+            QStringLiteral("6 C %GRN%.bmp.x7Gh2a")});
     fill("LokSymbole", {QStringLiteral("7 Dampflok.bmp"), QStringLiteral("007 Zweite")});
-    ScanCatalogues();
-    const SymbolFiles &functions = Katalog(SymbolKind::Function);
+    const SymbolFiles functions = ScanFolder(SymbolKind::Function);
     EXPECT_EQ(functions.at(1).at(0), QStringLiteral("1 Erste.bmp")) << "before any marker: the first half";
     EXPECT_EQ(functions.at(12).at(0), QStringLiteral("12 Licht %OFF%.bmp"));
     EXPECT_EQ(functions.at(12).at(1), QStringLiteral("12 Licht %ON%.bmp"));
@@ -238,11 +221,21 @@ TEST_F(Catalogues, NamesTellNumberAndHalf)
     EXPECT_EQ(functions.at(9).at(1), QStringLiteral("9 Lampe.bmp")) << "the half of the file listed before";
     EXPECT_EQ(functions.at(0).at(0), QStringLiteral("x y %OFF%.bmp"));
     EXPECT_TRUE(functions.at(256).at(1).isEmpty());
-    EXPECT_EQ(Katalog(SymbolKind::Accessory).at(4).at(0), QStringLiteral("4 B %ROT%.bmp")) << "the later file wins";
-    EXPECT_EQ(Katalog(SymbolKind::Loco).at(7).at(0), QStringLiteral("7 Dampflok.bmp"));
-    EXPECT_EQ(Description(SymbolKind::Function, 12), QStringLiteral("12 Licht "));
-    EXPECT_EQ(Description(SymbolKind::Function, 5), QStringLiteral("5 Pfeil "));
-    EXPECT_EQ(Description(SymbolKind::Loco, 7), QStringLiteral("7 Dampflok.bmp"));
-    EXPECT_TRUE(Description(SymbolKind::Accessory, 3).isEmpty());
-    EXPECT_TRUE(PicturePath(SymbolKind::Accessory, 500, 0).isEmpty());
+    const SymbolFiles accessories = ScanFolder(SymbolKind::Accessory);
+    EXPECT_EQ(accessories.at(4).at(0), QStringLiteral("4 B %ROT%.bmp")) << "the later file wins";
+    EXPECT_TRUE(accessories.at(6).at(1).isEmpty()) << "left over from a broken save";
+    const SymbolFiles locos = ScanFolder(SymbolKind::Loco);
+    EXPECT_EQ(locos.at(7).at(0), QStringLiteral("7 Dampflok.bmp"));
+    EXPECT_EQ(DescriptionOf(SymbolKind::Function, functions.at(12)), QStringLiteral("12 Licht "));
+    EXPECT_EQ(DescriptionOf(SymbolKind::Function, functions.at(5)), QStringLiteral("5 Pfeil "));
+    EXPECT_EQ(DescriptionOf(SymbolKind::Loco, locos.at(7)), QStringLiteral("7 Dampflok.bmp"));
+    EXPECT_TRUE(DescriptionOf(SymbolKind::Accessory, accessories.at(3)).isEmpty());
+}
+
+TEST_F(Catalogues, OnlyAFileOfTheNumberIsReplaced)
+{
+    const std::pair<const char *, bool> rows[] = {{"0 Lok.bmp", true}, {"000 Lok.bmp", true}, {"Lok 0.bmp", false},
+        {"", false}, {"x y.bmp", false}, {"01 Lok.bmp", false}, {"0x Lok.bmp", true}};
+    for (const auto &[name, carries] : rows)
+        EXPECT_EQ(CarriesNumber(QString::fromUtf8(name), 0), carries) << name;
 }

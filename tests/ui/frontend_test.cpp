@@ -1,15 +1,16 @@
 #include "ui/qt_frontend.h"
 
-#include "link/open_port.h"
-#include "link/settings_file.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
+#include "shown/connection.h"
+#include "shown/record.h"
 #include "tests/support/window_world.h"
-#include "ui/zentrale_form.h"
+#include "ui/selection/zentrale_form.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -47,7 +48,22 @@ protected:
     {
         WindowWorld::SetUp();
         window().show();
-        InstallWorld({&events, &port, frontend.get()});
+        InstallAsk(frontend.get());
+        InstallWindows(frontend.get());
+    }
+
+    static ZentraleForm *selection()
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == u"ZentraleForm" && widget->isVisible())
+                return qobject_cast<ZentraleForm *>(widget);
+        }
+        return nullptr;
+    }
+
+    static QPushButton *in(ZentraleForm *form, const char *name)
+    {
+        return form->findChild<QPushButton *>(QLatin1String(name));
     }
 
     /// While a box waits: do something with it.
@@ -97,11 +113,7 @@ TEST_F(RealFrontend, QuestionsSpeakGermanAndEndWithTheProgram)
 TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)
 {
     trigger("ZentraleMenu");
-    ZentraleForm *form = nullptr;
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == u"ZentraleForm" && widget->isVisible())
-            form = qobject_cast<ZentraleForm *>(widget);
-    }
+    ZentraleForm *form = selection();
     ASSERT_NE(form, nullptr);
     EXPECT_TRUE(form->findChild<QRadioButton *>(QStringLiteral("Iopt2"))->isChecked());
     form->findChild<QLineEdit *>(QStringLiteral("ComPortNrTxt"))->setText(QStringLiteral(" ttyUSB7 "));
@@ -141,5 +153,56 @@ TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
         events.run(1);
         EXPECT_EQ(StoppableJob::stopRequested(), answer == QMessageBox::Yes);
         EXPECT_TRUE(progress->isVisible());
+    }
+}
+
+TEST_F(RealFrontend, CancelWhileOkWorksTakesNothingOver)
+{
+    trigger("ZentraleMenu");
+    ZentraleForm *form = selection();
+    ASSERT_NE(form, nullptr);
+    const auto hint = [form] { return form->findChild<QLabel *>(QStringLiteral("PortHinweis"))->text(); };
+    form->findChild<QLineEdit *>(QStringLiteral("ComPortNrTxt"))->setText(QStringLiteral("99"));
+    events.after(100'000, [&] {
+        EXPECT_TRUE(hint().startsWith(u"Der Handregler wird")) << "the window shows that it works";
+        EXPECT_FALSE(in(form, "OKButton")->isEnabled());
+        in(form, "CancelButton")->click();
+    });
+    const int before = handheld().state.normalModes;
+    in(form, "OKButton")->click();
+    EXPECT_EQ(handheld().state.normalModes, before + 1);
+    EXPECT_EQ(PortNumber.text, QStringLiteral("3"));
+    EXPECT_TRUE(port.isOpen());
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_TRUE(in(form, "OKButton")->isEnabled());
+}
+
+/// The program is ended while the "Timeout" box of a page sequence is open: the box goes, the flash is as it was or the
+/// page is finished, and the program ends.
+TEST_F(RealFrontend, TheEndClosesABoxInsideAPageSequence)
+{
+    for (int message = 1; message <= 6; ++message) {
+        restart();
+        InstallAsk(frontend.get());
+        int ends = 0;
+        OnEndReady([&ends] { ++ends; });
+        field("AdrTxt")->setText(QStringLiteral("3"));
+        click("LeseLokDatensatzBut");
+        const QByteArray before = flashBytes(0, 512);
+        field("LoknameTxt")->setText(QStringLiteral("NEU %1").arg(message));
+        strike(&sim::Faults::missedRequest, message);
+        const auto look = events.every(100, [] {
+            if (BoxTitled(QStringLiteral("write_to_spibuf")) != nullptr
+                || BoxTitled(QStringLiteral("move_spibuf_to_buf1")) != nullptr)
+                RequestEnd();
+        });
+        click("SchreibeLokDatensatzBut");
+        events.stop(look);
+        events.run(1);
+        EXPECT_EQ(ends, 1) << message;
+        EXPECT_TRUE(OpenBoxes().isEmpty());
+        EXPECT_EQ(flashBytes(0, 192), before.left(192)) << message;
+        EXPECT_EQ(flashBytes(256, 256), before.mid(256)) << message;
+        layout().faults.set({});
     }
 }

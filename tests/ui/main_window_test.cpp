@@ -1,14 +1,12 @@
 #include "ui/main_window.h"
 
 #include "handheld/discovery.h"
-#include "handheld/loco_record.h"
-#include "link/branding.h"
-#include "link/open_port.h"
-#include "link/settings_file.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
+#include "link/open_link.h"
+#include "program/branding.h"
+#include "program/run_control.h"
+#include "shown/record.h"
 #include "tests/support/window_world.h"
-#include "ui/grid.h"
+#include "ui/widgets/grid.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -22,6 +20,15 @@
 
 class MainWindowTest : public WindowWorld
 {
+protected:
+    Grid *functions() { return window().findChild<Grid *>(QStringLiteral("FktTab")); }
+    QCheckBox *multiUni() { return window().findChild<QCheckBox *>(QStringLiteral("MultiUniChk")); }
+
+    void read(const char *address)
+    {
+        field("AdrTxt")->setText(QLatin1String(address));
+        click("LeseLokDatensatzBut");
+    }
 };
 
 TEST_F(MainWindowTest, ControlsAndMenusCarryTheirNamesAndCaptions)
@@ -185,7 +192,7 @@ TEST_F(MainWindowTest, ClosingInMidTransferFinishesThePageAndEndsOnce)
         OnEndReady([&ends] {
             ++ends;
             SetRunState(RunState::Leaving);
-            CloseHandheld();
+            static_cast<void>(SendHandheldBack());
             SetRunState(RunState::Ended);
         });
         field("AdrTxt")->setText(QStringLiteral("3"));
@@ -240,4 +247,90 @@ TEST_F(MainWindowTest, ProgramInformation)
     EXPECT_EQ(lines.at(1), QString(28, u' '));
     EXPECT_EQ(lines.at(2), TheBranding().progInfoLine);
     EXPECT_EQ(lines.at(3), QStringLiteral("                         Version 1.0.0        "));
+}
+
+TEST_F(MainWindowTest, AWriteTakesTheRecordAtTheClick)
+{
+    read("3");
+    const QByteArray before = flashBytes(4 * 64, 64);
+    HandreglerGefunden = false; // the write begins with a search
+    field("LoknameTxt")->setText(QStringLiteral("ALT"));
+    events.after(200'000, [this] {
+        field("LoknameTxt")->setText(QStringLiteral("NEU"));
+        multiUni()->setChecked(true);
+        field("AdrTxt")->setText(QStringLiteral("4"));
+    });
+    click("SchreibeLokDatensatzBut");
+    EXPECT_EQ(flashBytes(3 * 64, 4), QByteArray("\x0A\x15\x1D\x27", 4));
+    EXPECT_EQ(flashBytes(3 * 64 + 31, 1).at(0) & 0x80, 0);
+    EXPECT_EQ(flashBytes(4 * 64, 64), before);
+    EXPECT_EQ(LokName, QStringLiteral("NEU")) << "what was typed meanwhile belongs to the next command";
+}
+
+TEST_F(MainWindowTest, AnAddressTypedDuringAReadLeavesNoHiddenValue)
+{
+    flash().setBytes(3 * 64 + 31, QByteArray(1, '\x80'));
+    events.after(300'000, [this] { field("AdrTxt")->setText(QStringLiteral("5")); });
+    read("3");
+    EXPECT_FALSE(multiUni()->isChecked());
+    EXPECT_EQ(MultiUni, 0);
+    EXPECT_TRUE(functions()->text(1, 3).isEmpty());
+
+    read("3");
+    EXPECT_TRUE(multiUni()->isChecked());
+    events.after(300'000, [this] { multiUni()->click(); });
+    events.after(500'000, [this] { port.hangUp(); });
+    user.acceptAnyBox();
+    read("3");
+    EXPECT_FALSE(multiUni()->isChecked());
+    EXPECT_EQ(MultiUni, 0) << "box and memory agree after a broken-off read";
+}
+
+TEST_F(MainWindowTest, ANameTypedOverAnEmptyRecordShowsWhatMemoryHolds)
+{
+    flash().setBytes(5000 * 64 + 28, QByteArray("\x04\x00\x00\x80", 4)); // empty by its name, but not blank
+    read("5000");
+    EXPECT_TRUE(functions()->text(2, 3).isEmpty());
+    field("LoknameTxt")->setText(QStringLiteral("N"));
+    for (size_t f = 0; f < FunctionCount; ++f)
+        EXPECT_EQ(functions()->text(static_cast<int>(f), 3), QString::number(FktModus.at(f))) << f;
+    EXPECT_EQ(multiUni()->isChecked(), MultiUni == 1);
+}
+
+TEST_F(MainWindowTest, TheAddressFieldHasTheFocusAfterTheStart)
+{
+    window().show();
+    window().setEnabled(false); // as during the search
+    ASSERT_EQ(window().focusWidget(), nullptr);
+    window().enable(true);
+    EXPECT_EQ(window().focusWidget(), field("AdrTxt"));
+}
+
+TEST_F(MainWindowTest, OptionsLookAtTheGuardAgainAfterTheirQuestion)
+{
+    const QByteArray symbols = flashBytes(0x0F0000, 0x4000);
+    flash().setBytes(0x3F0005, QByteArray(1, 9));
+    for (const char *name : {"Opt_abschalt", "Opt_Fktsym"}) {
+        user.acceptAnyBox();
+        user.boxes.clear();
+        user.onBox = [this] {
+            if (user.boxes.size() > 1)
+                return;
+            port.hangUp();
+            events.run(0.1);
+        };
+        user.onSelection = [] { RequestEnd(); };
+        user.expect(QString(), QString(), QStringLiteral("Ja"));
+        user.ignoreTexts = true;
+        trigger(name);
+        user.onBox = nullptr;
+        EXPECT_EQ(flashBytes(0x3F0005, 1), QByteArray(1, 9));
+        EXPECT_EQ(flashBytes(0x0F0000, 0x4000), symbols);
+        EXPECT_FALSE(user.progressVisible);
+        if (QLatin1String(name) == QLatin1String("Opt_Fktsym")) {
+            EXPECT_FALSE(user.defaultYes);
+        }
+        port.replug();
+        restart();
+    }
 }

@@ -1,16 +1,14 @@
 #include "ui/backup/backup_commands.h"
 
-#include "handheld/backup/backup.h"
-#include "handheld/backup/restore.h"
-#include "handheld/discovery.h"
-#include "link/branding.h"
-#include "platform/run_control.h"
-#include "platform/text.h"
+#include "jobs/backup.h"
+#include "jobs/restore.h"
+#include "program/branding.h"
 #include "ui/backup/backup_viewer.h"
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
-#include "ui/progress.h"
-#include "ui/shown_record.h"
+#include "ui/common/command.h"
+#include "ui/common/progress.h"
+#include "ui/common/windows.h"
 
 namespace
 {
@@ -22,15 +20,13 @@ QString Filter()
 
 BackupOutcome RunBackup(const QString &fileName, const BackupSelection &selection)
 {
-    const ShownRecord shown;
-    const Progress progress(QStringLiteral("Datensicherung"));
+    const Progress progress;
     return Backup(fileName, selection);
 }
 
 RestoreOutcome RunRestore(const QString &fileName)
 {
-    const ShownRecord shown;
-    const Progress progress(QStringLiteral("Datensicherung zurückschreiben"));
+    const Progress progress;
     return Restore(fileName);
 }
 
@@ -38,15 +34,15 @@ RestoreOutcome RunRestore(const QString &fileName)
 
 void SaveHandheldData()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
-    const QString fileName = TheFrontend().saveFileName(TheBranding().saveDialogTitle, Filter());
+    const QString fileName = TheWindows().saveFileName(TheBranding().saveDialogTitle, Filter());
     BackupSelection selection = ReadSelection();
     if (fileName.isEmpty() || !AskForBackupSelection(selection))
         return;
     WriteSelection(selection);
-    if (!HandheldConnected())
+    if (!command.connected())
         return;
     const BackupOutcome outcome = RunBackup(fileName, selection);
     ReportBackup(outcome);
@@ -57,21 +53,21 @@ void SaveHandheldData()
 
 void ShowBackupFile()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
-    const QString fileName = TheFrontend().openFileName(TheBranding().showDialogTitle, Filter());
+    const QString fileName = TheWindows().openFileName(TheBranding().showDialogTitle, Filter());
     if (!fileName.isEmpty())
         OpenBackupViewer(fileName);
 }
 
 void RestoreHandheldData()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
-    const QString fileName = TheFrontend().openFileName(TheBranding().saveDialogTitle, Filter());
-    if (!fileName.isEmpty() && HandheldConnected())
+    const QString fileName = TheWindows().openFileName(TheBranding().saveDialogTitle, Filter());
+    if (!fileName.isEmpty() && command.connected())
         ReportRestore(RunRestore(fileName));
 }
 

@@ -1,8 +1,7 @@
 #include "ui/backup/backup_table.h"
 
 #include "platform/text.h"
-#include "ui/catalogues/symbol_catalogue.h"
-#include "ui/picture_cache.h"
+#include "ui/common/symbol_pictures.h"
 
 #include <utility>
 
@@ -25,7 +24,7 @@ QString NumberWithoutPicture(const QPixmap &picture, int number)
     return picture.isNull() ? QString::number(number) : QString();
 }
 
-QString CellText(const BackupLoco &loco, int column)
+QString CellText(const RosterLoco &loco, int column)
 {
     const LocoRecord &record = loco.record;
     switch (column) {
@@ -44,7 +43,7 @@ QString CellText(const BackupLoco &loco, int column)
     }
 }
 
-QPixmap CellPicture(const BackupLoco &loco, int column)
+QPixmap CellPicture(const RosterLoco &loco, int column)
 {
     if (column == BackupTable::SymbolColumn)
         return LocoPicture(loco.record);
@@ -53,7 +52,7 @@ QPixmap CellPicture(const BackupLoco &loco, int column)
     return {};
 }
 
-QVariant SortValue(const BackupLoco &loco, int column)
+QVariant SortValue(const RosterLoco &loco, int column)
 {
     const LocoRecord &record = loco.record;
     switch (column) {
@@ -72,7 +71,7 @@ QVariant SortValue(const BackupLoco &loco, int column)
 }
 
 /// For those who point at a picture, or cannot see it.
-QString SpokenText(const BackupLoco &loco, int column)
+QString SpokenText(const RosterLoco &loco, int column)
 {
     if (column == BackupTable::SymbolColumn)
         return QStringLiteral("Loksymbol %1").arg(loco.record.locoSymbol);
@@ -85,14 +84,9 @@ QString SpokenText(const BackupLoco &loco, int column)
         .arg(IsMomentary(loco.record, function) ? QStringLiteral("Tastfunktion") : QStringLiteral("Schaltfunktion"));
 }
 
-QPixmap CataloguePicture(SymbolKind kind, int number)
-{
-    return PictureOfFile(PicturePath(kind, number, CatalogueHalf(kind, HalfOn)));
-}
-
 } // namespace
 
-void BackupTable::setLocos(std::vector<BackupLoco> newLocos)
+void BackupTable::setLocos(std::vector<RosterLoco> newLocos)
 {
     beginResetModel();
     locos = std::move(newLocos);
@@ -111,7 +105,7 @@ int BackupTable::columnCount(const QModelIndex &parent) const
 
 QVariant BackupTable::data(const QModelIndex &index, int role) const
 {
-    const BackupLoco &shown = loco(index.row());
+    const RosterLoco &shown = loco(index.row());
     switch (role) {
     case Qt::DisplayRole:
         return CellText(shown, index.column());
@@ -136,29 +130,15 @@ QVariant BackupTable::headerData(int section, Qt::Orientation orientation, int r
     return orientation == Qt::Horizontal && role == Qt::DisplayRole ? QVariant(ColumnCaption(section)) : QVariant();
 }
 
-std::vector<BackupLoco> LocosIn(const DdsContent &content)
-{
-    std::vector<BackupLoco> locos;
-    for (const DdsRecord &record : content.records) {
-        if (record.id.kind == KindLoco)
-            locos.push_back({record.id.number, UnpackLoco(record)});
-    }
-    return locos;
-}
-
-QString ShownName(const LocoRecord &record)
-{
-    return IsEmptyName(record.name) ? LeerName() : WithoutTrailingBlanks(record.name);
-}
-
 QPixmap LocoPicture(const LocoRecord &record)
 {
-    return record.locoSymbol < LokSymbolCount ? CataloguePicture(SymbolKind::Loco, record.locoSymbol) : QPixmap();
+    return record.locoSymbol < LokSymbolCount ? SymbolPictureOfHalf(SymbolKind::Loco, record.locoSymbol, HalfOn)
+                                              : QPixmap();
 }
 
 QPixmap FunctionPicture(const LocoRecord &record, int function)
 {
-    return CataloguePicture(SymbolKind::Function, SymbolOf(record, function));
+    return SymbolPictureOfHalf(SymbolKind::Function, SymbolOf(record, function), HalfOn);
 }
 
 QString MultiUniText(const LocoRecord &record)
@@ -173,9 +153,7 @@ QString MomentaryMark(const LocoRecord &record, int function)
 
 QString ColumnCaption(int column)
 {
-    static const std::array<QString, BackupTable::FirstFunctionColumn> captions{
-        QStringLiteral("Adresse"), QStringLiteral("Name"), QStringLiteral("Symbol"), QStringLiteral("ident. Sym.")};
     if (column < BackupTable::FirstFunctionColumn)
-        return captions.at(static_cast<size_t>(column));
+        return FrontCaption(column);
     return u'f' + QString::number(column - BackupTable::FirstFunctionColumn);
 }

@@ -1,16 +1,10 @@
 // The loco records of a backup file as a table: address, name, symbol, and per function its ON picture and a mark.
 #pragma once
 
-#include "handheld/backup/dds_file.h"
+#include "roster/loco_csv.h"
 
 #include <QAbstractTableModel>
 #include <QPixmap>
-
-/// A loco record of the file.
-struct BackupLoco {
-    int address = 0;
-    LocoRecord record;
-};
 
 class BackupTable : public QAbstractTableModel
 {
@@ -26,8 +20,8 @@ public:
 
     using QAbstractTableModel::QAbstractTableModel;
 
-    void setLocos(std::vector<BackupLoco> locos);
-    [[nodiscard]] const BackupLoco &loco(int row) const { return locos.at(static_cast<size_t>(row)); }
+    void setLocos(std::vector<RosterLoco> locos);
+    [[nodiscard]] const RosterLoco &loco(int row) const { return locos.at(static_cast<size_t>(row)); }
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
@@ -35,14 +29,8 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    std::vector<BackupLoco> locos;
+    std::vector<RosterLoco> locos;
 };
-
-/// The loco records among the records of a file, in file order.
-std::vector<BackupLoco> LocosIn(const DdsContent &content);
-
-/// The name as it is shown: without the blanks that fill the record.
-QString ShownName(const LocoRecord &record);
 
 /// Pictures of the PC's catalogues; null where there is none.
 QPixmap LocoPicture(const LocoRecord &record);

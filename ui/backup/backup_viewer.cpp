@@ -1,17 +1,14 @@
 #include "ui/backup/backup_viewer.h"
 
-#include "handheld/backup/record_names.h"
 #include "platform/files.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
-#include "ui/backup/table_export.h"
-#include "ui/build_controls.h"
-#include "ui/qt_frontend.h"
+#include "ui/backup/table_print.h"
+#include "ui/common/command.h"
+#include "ui/common/windows.h"
+#include "ui/widgets/build_controls.h"
 
 #include <QDir>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -79,8 +76,8 @@ QString WindowTitle(const QString &fileName)
 /// A kind's name and count, only its name for the three tables.
 QString KindSummary(int kind, size_t count)
 {
-    const bool single = kind == KindRoutes || kind == KindMagZuordnung || kind == KindMagListe;
-    return single && count == 1 ? KindName(kind) : QStringLiteral("%1: %2").arg(KindName(kind)).arg(count);
+    const QString &name = KindOf(kind).plural;
+    return IsTableKind(kind) && count == 1 ? name : QStringLiteral("%1: %2").arg(name).arg(count);
 }
 
 std::unique_ptr<BackupViewer> viewer;
@@ -203,9 +200,7 @@ void BackupViewer::load(const QString &fileName, const DdsContent &content)
     filterTxt->clear();
     table->sortByColumn(BackupTable::AddressColumn, Qt::AscendingOrder);
     filterChanged();
-    show();
-    raise();
-    activateWindow();
+    present();
     filterTxt->setFocus();
 }
 
@@ -215,9 +210,9 @@ void BackupViewer::filterChanged()
     countLbl->setText(QStringLiteral("%1 von %2 Lokdatensätzen").arg(shown->rowCount()).arg(model->rowCount()));
 }
 
-std::vector<BackupLoco> BackupViewer::shownLocos() const
+std::vector<RosterLoco> BackupViewer::shownLocos() const
 {
-    std::vector<BackupLoco> locos;
+    std::vector<RosterLoco> locos;
     for (int row = 0; row < shown->rowCount(); ++row)
         locos.push_back(model->loco(shown->mapToSource(shown->index(row, 0)).row()));
     return locos;
@@ -225,32 +220,29 @@ std::vector<BackupLoco> BackupViewer::shownLocos() const
 
 void BackupViewer::saveFile(const QString &filter, const QByteArray &bytes)
 {
-    const QString fileName = TheFrontend().saveFileName(QStringLiteral("Tabelle speichern"), filter);
-    if (fileName.isEmpty() || (!bytes.isEmpty() && ReplaceFile(fileName, bytes)))
-        return;
-    TheFrontend().showBox(
-        {QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(QDir::toNativeSeparators(fileName)),
-            QStringLiteral("Fehler!"), BoxIcon::Critical});
+    const QString fileName = TheWindows().saveFileName(QStringLiteral("Tabelle speichern"), filter);
+    if (!fileName.isEmpty() && (bytes.isEmpty() || !ReplaceFile(fileName, bytes)))
+        ReportFileUnwritable(fileName);
 }
 
 void BackupViewer::exportCsv()
 {
-    const BusyScope busy;
-    if (busy.ok())
+    const Command command;
+    if (command.ok())
         saveFile(QStringLiteral("*.csv"), CsvOf(shownLocos()));
 }
 
 void BackupViewer::exportPdf()
 {
-    const BusyScope busy;
-    if (busy.ok())
+    const Command command;
+    if (command.ok())
         saveFile(QStringLiteral("*.pdf"), PdfOf(windowTitle(), shownLocos()));
 }
 
 void BackupViewer::print()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
     QPrinter printer;
     printer.setPageOrientation(QPageLayout::Landscape);
@@ -259,26 +251,18 @@ void BackupViewer::print()
     dialog.setWindowModality(Qt::ApplicationModal);
     const WaitingWindow waiting(&dialog);
     dialog.show(); // where the system brings its own dialog, this waits until it is answered
-    PumpUntil([&dialog] { return !dialog.isVisible(); });
+    static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
     dialog.hide();
     if (dialog.result() == QDialog::Accepted && !PrintTable(printer, windowTitle(), shownLocos()))
-        TheFrontend().showBox({QStringLiteral("Die Tabelle kann nicht gedruckt werden!"), QStringLiteral("Fehler!"),
+        TheAsk().showBox({QStringLiteral("Die Tabelle kann nicht gedruckt werden!"), QStringLiteral("Fehler!"),
             BoxIcon::Critical});
-}
-
-void BackupViewer::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        hide();
-    else
-        QWidget::keyPressEvent(event);
 }
 
 void OpenBackupViewer(const QString &fileName)
 {
     const auto file = LoadDds(fileName);
     if (!file) {
-        TheFrontend().showBox(
+        TheAsk().showBox(
             {QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(QDir::toNativeSeparators(fileName)),
                 QStringLiteral("Fehler!"), BoxIcon::Critical});
         return;

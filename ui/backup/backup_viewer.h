@@ -2,17 +2,17 @@
 #pragma once
 
 #include "handheld/backup/dds_file.h"
+#include "ui/widgets/leavable_window.h"
 
 #include <QSortFilterProxyModel>
-#include <QWidget>
 
 class BackupTable;
 class QLabel;
 class QLineEdit;
 class QTableView;
-struct BackupLoco;
+struct RosterLoco;
 
-class BackupViewer : public QWidget
+class BackupViewer : public LeavableWindow
 {
     Q_OBJECT
 
@@ -22,15 +22,12 @@ public:
     /// Shows a file's content. A damaged file is shown up to the damage, which the line under the table names.
     void load(const QString &fileName, const DdsContent &content);
 
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
-
 private:
     void buildTable();
     QWidget *buildFilterRow();
     void buildLayout();
     void filterChanged();
-    [[nodiscard]] std::vector<BackupLoco> shownLocos() const;
+    [[nodiscard]] std::vector<RosterLoco> shownLocos() const;
     void saveFile(const QString &filter, const QByteArray &bytes);
     void exportCsv();
     void exportPdf();

@@ -1,12 +1,12 @@
 #include "ui/backup/found_addresses.h"
 
 #include "handheld/backup/number_list.h"
-#include "ui/build_controls.h"
+#include "ui/widgets/build_controls.h"
+#include "ui/widgets/leavable_window.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -19,7 +19,7 @@ namespace
 
 constexpr QSize StartSize(440, 320);
 
-class FoundAddressesWindow : public QWidget
+class FoundAddressesWindow : public LeavableWindow
 {
 public:
     FoundAddressesWindow()
@@ -53,19 +53,8 @@ public:
         countLbl->setText(CountText(addresses.size()));
         addressTxt->setPlainText(TenPerLine(addresses));
         copyBut->setEnabled(!addresses.empty());
-        show();
-        raise();
-        activateWindow();
+        present();
         okButton->setFocus();
-    }
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override
-    {
-        if (event->key() == Qt::Key_Escape)
-            hide();
-        else
-            QWidget::keyPressEvent(event);
     }
 
 private:

@@ -1,15 +1,13 @@
 #include "ui/backup/selection_window.h"
 
-#include "platform/run_control.h"
 #include "platform/text.h"
-#include "ui/build_controls.h"
-#include "ui/qt_frontend.h"
+#include "program/run_control.h"
+#include "ui/common/windows.h"
+#include "ui/widgets/build_controls.h"
 
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -88,7 +86,7 @@ bool IsAddress(int number)
 } // namespace
 
 SelectionWindow::SelectionWindow()
-    : QWidget(nullptr, Qt::Dialog)
+    : LeavableWindow(nullptr, Qt::Dialog)
     , lokSucheChk(NamedCheck("LokSuche", QStringLiteral("Lokdatensätze suchen"), this))
     , startTxt(NamedField(QStringLiteral("LokSucheAdrStartTxt"), QStringLiteral("Suche von Adresse"), this))
     , stopTxt(NamedField(QStringLiteral("LokSucheAdrStopTxt"), QStringLiteral("Suche bis Adresse"), this))
@@ -219,9 +217,7 @@ void SelectionWindow::open(const BackupSelection &selection)
     magSymZuordChk->setChecked(selection.magSymZuord);
     magListeChk->setChecked(selection.magListe);
     check();
-    show();
-    raise();
-    activateWindow();
+    present();
     rows.at(LokDatenList).wanted->setFocus();
 }
 
@@ -285,18 +281,9 @@ void SelectionWindow::answer(bool ok)
     hide();
 }
 
-void SelectionWindow::closeEvent(QCloseEvent *event)
+void SelectionWindow::leave()
 {
-    event->ignore();
     answer(false);
-}
-
-void SelectionWindow::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        answer(false);
-    else
-        QWidget::keyPressEvent(event);
 }
 
 bool AskForBackupSelection(BackupSelection &selection)

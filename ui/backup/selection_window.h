@@ -4,8 +4,7 @@
 #pragma once
 
 #include "handheld/backup/selection.h"
-
-#include <QWidget>
+#include "ui/widgets/leavable_window.h"
 
 class QCheckBox;
 class QGridLayout;
@@ -13,7 +12,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
-class SelectionWindow : public QWidget
+class SelectionWindow : public LeavableWindow
 {
     Q_OBJECT
 
@@ -31,9 +30,8 @@ public:
     [[nodiscard]] bool accepted() const { return isAccepted; }
 
 protected:
-    /// The close box and Escape mean cancel.
-    void closeEvent(QCloseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    /// Leaving means cancel.
+    void leave() override;
 
 private:
     void buildNumberedRow(QGridLayout *grid, NumberedKind kind);

@@ -1,15 +1,13 @@
 #include "ui/editors/accessory_list_editor.h"
 
-#include "handheld/block_tables.h"
 #include "link/text_encoding.h"
-#include "platform/run_control.h"
 #include "platform/text.h"
-#include "ui/catalogues/symbol_catalogue.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "shown/tables.h"
+#include "ui/common/progress.h"
 #include "ui/editors/cell_input.h"
-#include "ui/grid.h"
-#include "ui/progress.h"
-
-bool MagListeLoaded = false;
+#include "ui/widgets/grid.h"
 
 namespace
 {
@@ -52,24 +50,26 @@ int RoundedVal(const QString &text)
 
 AccessoryListEditor::AccessoryListEditor() : BlockEditor(Look(), MagListeLoaded) { }
 
-BlockEditor::ReadResult AccessoryListEditor::readTable()
+Outcome AccessoryListEditor::readTable()
 {
     const Progress progress(QStringLiteral("Lese Mag.Listendaten"));
-    const int status = ReadMagListe();
-    if (TransferBrokenOff())
-        return ReadResult::BrokenOff;
+    Outcome outcome = ReadMagListe();
+    if (outcome.brokenOff())
+        return outcome;
     WaitSeconds(ShortPauseSeconds);
     for (int row = 0; row < PlaceCount; ++row) {
         LetEventsRun();
         showPlace(row);
     }
-    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
+    return outcome;
 }
 
-void AccessoryListEditor::writeTable()
+std::function<Outcome()> AccessoryListEditor::writeOfTable() const
 {
-    const Progress progress(QStringLiteral("Schreibe Mag.Listendaten"));
-    WriteMagListe();
+    return [list = MagListeDaten] {
+        const Progress progress(QStringLiteral("Schreibe Mag.Listendaten"));
+        return WriteMagListe(list);
+    };
 }
 
 void AccessoryListEditor::showPlace(int row)

@@ -6,9 +6,6 @@
 
 #include "ui/editors/block_editor.h"
 
-/// The accessory list has been read since the program started. Set by the editor's read.
-extern bool MagListeLoaded;
-
 class AccessoryListEditor : public BlockEditor
 {
     Q_OBJECT
@@ -17,8 +14,8 @@ public:
     AccessoryListEditor();
 
 protected:
-    ReadResult readTable() override;
-    void writeTable() override;
+    Outcome readTable() override;
+    [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;
 

@@ -1,15 +1,10 @@
 #include "ui/editors/assignment_editor.h"
 
-#include "handheld/block_tables.h"
-#include "platform/run_control.h"
-#include "ui/catalogues/symbol_catalogue.h"
-#include "ui/grid.h"
-#include "ui/progress.h"
-
-#include <array>
-#include <optional>
-
-bool MagSymZuordLoaded = false;
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "shown/tables.h"
+#include "ui/common/progress.h"
+#include "ui/widgets/grid.h"
 
 namespace
 {
@@ -25,9 +20,10 @@ BlockEditorLook Look()
         QStringLiteral("SchreibeSymZuordBut"), QStringLiteral("Schreibe Zuordnungsdaten")};
 }
 
-size_t AccessoryOfRow(int row)
+/// The assignment's entry that a row shows: row and entry both count from the accessory address 1.
+int &EntryOfRow(int row)
 {
-    return static_cast<size_t>(row) + 1;
+    return MagZuordDaten.at(static_cast<size_t>(row));
 }
 
 } // namespace
@@ -39,42 +35,37 @@ AssignmentEditor::AssignmentEditor() : BlockEditor(Look(), MagSymZuordLoaded)
     grid->setCurrentCell(0, RedColumn);
 }
 
-BlockEditor::ReadResult AssignmentEditor::readTable()
+Outcome AssignmentEditor::readTable()
 {
     const Progress progress(QStringLiteral("Lese Zuordnungsdaten"));
-    const int status = ReadMagZuordnung();
-    if (TransferBrokenOff())
-        return ReadResult::BrokenOff;
-    TheFrontend().setProgressText(QStringLiteral("Schreibe Tabelle"));
+    Outcome outcome = ReadMagZuordnung();
+    if (outcome.brokenOff())
+        return outcome;
+    TheAsk().showProgress(QStringLiteral("Schreibe Tabelle"));
     WaitSeconds(ShortPauseSeconds);
     fillTable();
     WaitSeconds(ShortPauseSeconds);
-    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
+    return outcome;
 }
 
 void AssignmentEditor::fillTable()
 {
-    // Each symbol's pictures are looked up once, not once for each of the addresses that show it.
-    std::array<std::optional<SymbolPictures>, CatalogueSize> known;
     for (int row = 0; row < LastAccessoryAddress; ++row) {
         const int accessory = row + 1;
         if (accessory % ProgressStep == 0) {
-            TheFrontend().setProgressText(QStringLiteral("Schreibe Tabelle ") + QString::number(accessory));
+            TheAsk().showProgress(QStringLiteral("Schreibe Tabelle ") + QString::number(accessory));
             LetEventsRun();
         }
-        const int symbol = MagZuordDaten.at(AccessoryOfRow(row));
-        auto &pictures = known.at(static_cast<size_t>(symbol));
-        if (!pictures)
-            pictures = AccessoryPictures(symbol);
-        showPictures(row, RedColumn, *pictures);
+        showPictures(row, RedColumn, AccessoryPictures(EntryOfRow(row)));
     }
 }
 
-void AssignmentEditor::writeTable()
+std::function<Outcome()> AssignmentEditor::writeOfTable() const
 {
-    // The route editor's text, on purpose.
-    const Progress progress(QStringLiteral("Schreibe Fahrstraßen"));
-    WriteMagZuordnung();
+    return [assignment = MagZuordDaten] {
+        const Progress progress(QStringLiteral("Schreibe Fahrstraßen")); // the route editor's text, on purpose
+        return WriteMagZuordnung(assignment);
+    };
 }
 
 bool AssignmentEditor::takesInput(int /*column*/) const
@@ -84,7 +75,7 @@ bool AssignmentEditor::takesInput(int /*column*/) const
 
 void AssignmentEditor::actOn(int row, int /*column*/)
 {
-    int &symbol = MagZuordDaten.at(AccessoryOfRow(row));
+    int &symbol = EntryOfRow(row);
     const int chosen = pickAccessorySymbol(symbol);
     grid->setCurrentCell(row, RedColumn);
     if (chosen == NothingChosen)

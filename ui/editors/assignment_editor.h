@@ -5,9 +5,6 @@
 
 #include "ui/editors/block_editor.h"
 
-/// The assignment has been read since the program started. Set by the editor's read.
-extern bool MagSymZuordLoaded;
-
 class AssignmentEditor : public BlockEditor
 {
     Q_OBJECT
@@ -16,8 +13,8 @@ public:
     AssignmentEditor();
 
 protected:
-    ReadResult readTable() override;
-    void writeTable() override;
+    Outcome readTable() override;
+    [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;
 

@@ -1,19 +1,19 @@
 #include "ui/editors/block_editor.h"
 
-#include "handheld/discovery.h"
-#include "platform/run_control.h"
-#include "platform/world.h"
-#include "ui/build_controls.h"
-#include "ui/catalogues/symbol_catalogue.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "ui/common/connection.h"
+#include "ui/common/pickers.h"
+#include "ui/common/symbol_pictures.h"
+#include "ui/common/windows.h"
 #include "ui/editors/cell_input.h"
-#include "ui/grid.h"
-#include "ui/pickers.h"
-#include "ui/picture_cache.h"
+#include "ui/widgets/build_controls.h"
+#include "ui/widgets/grid.h"
 
-#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
+#include <QHideEvent>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -29,8 +29,8 @@ constexpr int LeastRowsShown = 6;
 
 SymbolPictures AccessoryPictures(int symbol)
 {
-    return {PictureOfFile(PicturePath(SymbolKind::Accessory, symbol, CatalogueHalf(SymbolKind::Accessory, HalfOff))),
-        PictureOfFile(PicturePath(SymbolKind::Accessory, symbol, CatalogueHalf(SymbolKind::Accessory, HalfOn)))};
+    return {SymbolPictureOfHalf(SymbolKind::Accessory, symbol, HalfOff),
+        SymbolPictureOfHalf(SymbolKind::Accessory, symbol, HalfOn)};
 }
 
 BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
@@ -85,13 +85,6 @@ void BlockEditor::buildLayout()
     layout->addLayout(buttons);
 }
 
-void BlockEditor::open()
-{
-    show();
-    raise();
-    activateWindow();
-}
-
 void BlockEditor::showEvent(QShowEvent *event)
 {
     updateWriteButton();
@@ -105,28 +98,13 @@ void BlockEditor::hideEvent(QHideEvent *event)
     QWidget::hideEvent(event);
 }
 
-void BlockEditor::closeEvent(QCloseEvent *event)
-{
-    event->ignore();
-    leave();
-}
-
-void BlockEditor::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        leave();
-    else
-        QWidget::keyPressEvent(event);
-}
-
-/// Hiding disturbs nobody else's command; a command of this window keeps it open.
 void BlockEditor::leave()
 {
     input->runAfterInput([this] {
         if (!working)
             hide();
-        else
-            TheFrontend().raiseWaitingWindow();
+        else if (WaitedFor() != nullptr)
+            WaitedFor()->raise();
     });
 }
 
@@ -146,17 +124,18 @@ void BlockEditor::read()
 {
     if (!HandheldConnected())
         return;
-    const ReadResult result = readTable();
-    if (result == ReadResult::BrokenOff)
+    const Outcome outcome = readTable();
+    if (outcome.brokenOff())
         return;
-    tableLoaded = result == ReadResult::Complete; // what a time-out left may not be written over months of work
+    tableLoaded = outcome.ok(); // what a time-out left may not be written over months of work
     updateWriteButton();
 }
 
 void BlockEditor::write()
 {
+    const std::function<Outcome()> write = writeOfTable();
     if (HandheldConnected())
-        writeTable();
+        static_cast<void>(write()); // every failure has been told by then
 }
 
 void BlockEditor::act(int row, int column)

@@ -5,9 +5,11 @@
 // keep their content.
 #pragma once
 
+#include "program/outcome.h"
+#include "ui/widgets/leavable_window.h"
+
 #include <QPixmap>
 #include <QStringList>
-#include <QWidget>
 
 #include <functional>
 #include <vector>
@@ -37,7 +39,7 @@ struct SymbolPictures {
 };
 SymbolPictures AccessoryPictures(int symbol);
 
-class BlockEditor : public QWidget
+class BlockEditor : public LeavableWindow
 {
     Q_OBJECT
 
@@ -45,20 +47,19 @@ public:
     /// `loaded` says whether the table has been read; it outlives the window.
     BlockEditor(const BlockEditorLook &look, bool &loaded);
 
-    /// Shows the window and brings it forward.
-    void open();
-
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    void closeEvent(QCloseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+
+    /// Hiding disturbs nobody else's command; a command of this window keeps it open.
+    void leave() override;
 
     /// Reads the table, with its progress texts, and fills the grid; after a broken-off transfer table and grid are
     /// as before.
-    enum class ReadResult { Complete, TimedOut, BrokenOff };
-    virtual ReadResult readTable() = 0;
-    virtual void writeTable() = 0;
+    virtual Outcome readTable() = 0;
+
+    /// What writes the table as it is now, with its progress text: taken at the click, run behind the guard.
+    [[nodiscard]] virtual std::function<Outcome()> writeOfTable() const = 0;
 
     /// A click, Enter or Space on a cell; F2 on a cell that takes input.
     virtual void actOn(int row, int column) = 0;
@@ -75,7 +76,6 @@ protected:
 private:
     void buildGrid(const BlockEditorLook &look);
     void buildLayout();
-    void leave();
     void command(const std::function<void()> &work);
     void read();
     void write();

@@ -1,9 +1,9 @@
 #include "ui/editors/cell_input.h"
 
-#include "platform/run_control.h"
 #include "platform/world.h"
-#include "ui/grid.h"
-#include "ui/qt_frontend.h"
+#include "program/run_control.h"
+#include "ui/common/windows.h"
+#include "ui/widgets/grid.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -17,7 +17,7 @@ template <typename Window> void Open(std::unique_ptr<Window> &window)
 {
     if (!window)
         window = std::make_unique<Window>();
-    window->open();
+    window->present();
 }
 
 } // namespace
@@ -42,7 +42,4 @@ void ResetEditors()
     routeEditor.reset();
     assignmentEditor.reset();
     accessoryListEditor.reset();
-    RoutesLoaded = false;
-    MagSymZuordLoaded = false;
-    MagListeLoaded = false;
 }

@@ -6,5 +6,5 @@ void OpenRouteEditor();
 void OpenAssignmentEditor();
 void OpenAccessoryListEditor();
 
-/// Destroys the windows and forgets that their tables have been read. To be called while the application lives.
+/// Destroys the windows. To be called while the application lives.
 void ResetEditors();

@@ -1,12 +1,10 @@
 #include "ui/editors/route_editor.h"
 
-#include "handheld/block_tables.h"
 #include "platform/text.h"
+#include "shown/tables.h"
+#include "ui/common/progress.h"
 #include "ui/editors/cell_input.h"
-#include "ui/grid.h"
-#include "ui/progress.h"
-
-bool RoutesLoaded = false;
+#include "ui/widgets/grid.h"
 
 namespace
 {
@@ -40,24 +38,23 @@ QString AddressText(int address)
 
 RouteEditor::RouteEditor() : BlockEditor(Look(), RoutesLoaded) { }
 
-BlockEditor::ReadResult RouteEditor::readTable()
+Outcome RouteEditor::readTable()
 {
-    int status = 0;
-    {
-        const Progress progress(QStringLiteral("Lese Fahrstraßen"));
-        status = ReadRoutes();
-    }
-    if (TransferBrokenOff())
-        return ReadResult::BrokenOff;
+    const Progress progress(QStringLiteral("Lese Fahrstraßen"));
+    Outcome outcome = ReadRoutes();
+    if (outcome.brokenOff())
+        return outcome;
     for (int row = 0; row < RouteCount; ++row)
         showRoute(row);
-    return status == 0 ? ReadResult::Complete : ReadResult::TimedOut;
+    return outcome;
 }
 
-void RouteEditor::writeTable()
+std::function<Outcome()> RouteEditor::writeOfTable() const
 {
-    const Progress progress(QStringLiteral("Schreibe Fahrstraßen"));
-    WriteRoutes();
+    return [routes = FsDaten] {
+        const Progress progress(QStringLiteral("Schreibe Fahrstraßen"));
+        return WriteRoutes(routes);
+    };
 }
 
 void RouteEditor::showRoute(int row)

@@ -6,9 +6,6 @@
 
 #include "ui/editors/block_editor.h"
 
-/// The routes have been read since the program started. Set by the editor's read.
-extern bool RoutesLoaded;
-
 class RouteEditor : public BlockEditor
 {
     Q_OBJECT
@@ -17,8 +14,8 @@ public:
     RouteEditor();
 
 protected:
-    ReadResult readTable() override;
-    void writeTable() override;
+    Outcome readTable() override;
+    [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     /// Every act that is not discarded also sets the route's trigger: occupied from the column "bes.", free from all
     /// others. The marks in the grid follow only in the two trigger columns.
     void actOn(int row, int column) override;

@@ -1,31 +1,27 @@
 #include "ui/import/import_window.h"
 
 #include "handheld/backup/dds_file.h"
-#include "handheld/backup/kept_state.h"
-#include "handheld/discovery.h"
-#include "link/branding.h"
-#include "link/open_port.h"
+#include "jobs/report.h"
+#include "jobs/send.h"
 #include "link/text_encoding.h"
 #include "platform/files.h"
-#include "platform/run_control.h"
-#include "ui/build_controls.h"
-#include "ui/catalogues/symbol_catalogue.h"
-#include "ui/grid.h"
-#include "ui/pickers.h"
-#include "ui/picture_cache.h"
-#include "ui/progress.h"
-#include "ui/shown_record.h"
+#include "program/branding.h"
+#include "ui/common/command.h"
+#include "ui/common/connection.h"
+#include "ui/common/pickers.h"
+#include "ui/common/progress.h"
+#include "ui/common/symbol_pictures.h"
+#include "ui/common/windows.h"
+#include "ui/widgets/build_controls.h"
+#include "ui/widgets/grid.h"
 
-#include <QDir>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <algorithm>
 #include <memory>
 
 namespace
@@ -41,81 +37,6 @@ constexpr int RowHeight = 24;
 constexpr QSize StartSize(900, 520);
 
 std::unique_ptr<ImportWindow> importWindow;
-
-QString LocoCount(size_t count)
-{
-    return QString::number(count) + (count == 1 ? QStringLiteral(" Lok") : QStringLiteral(" Loks"));
-}
-
-/// Finds the locos whose place in the handheld is taken. False when that was broken off.
-bool FindTaken(const std::vector<DownloadedLoco> &locos, std::vector<bool> &taken)
-{
-    const StoppableJob job;
-    const Progress progress(QStringLiteral("Prüfe Lok "));
-    for (const DownloadedLoco &loco : locos) {
-        TheFrontend().setProgressText(QStringLiteral("Prüfe Lok ") + QString::number(loco.address));
-        int status = 0;
-        taken.push_back(LocoRecordIsUsed(loco.address, status));
-        if (status != 0 || StoppableJob::stopRequested())
-            return false;
-    }
-    return true;
-}
-
-bool MayOverwrite(const std::vector<DownloadedLoco> &locos, std::vector<bool> &taken)
-{
-    if (!FindTaken(locos, taken))
-        return false;
-    const auto count = std::count(taken.begin(), taken.end(), true);
-    if (count == 0)
-        return true;
-    const QString text = QStringLiteral("Von %1 sind %2 im Handregler schon gespeichert und werden überschrieben\r"
-                                        "(ihre Funktionssymbole bleiben). Sollen die Loks gesendet werden?")
-                             .arg(LocoCount(locos.size()))
-                             .arg(count);
-    return TheFrontend().askYesNo({text, QStringLiteral("Lokdaten senden"), BoxIcon::Information}, false);
-}
-
-/// Writes one loco. The station knows no function symbols: those of a record that is overwritten are kept.
-int WriteLoco(const DownloadedLoco &loco, bool taken)
-{
-    LocoRecord record = RecordOfLoco(loco);
-    if (taken) {
-        if (const int status = ReadLocoRecord(loco.address); status != 0)
-            return status;
-        record.symbols = FktSymbol;
-    }
-    SetCurrentLocoRecord(record);
-    return WriteLocoRecord(loco.address);
-}
-
-/// Number of records written; stops at the first failure, at the user's wish, and when port or program end.
-size_t WriteLocos(const std::vector<DownloadedLoco> &locos, const std::vector<bool> &taken)
-{
-    const StoppableJob job;
-    const Progress progress(QStringLiteral("Sende Lok "));
-    size_t written = 0;
-    while (written < locos.size() && !StoppableJob::stopRequested()) {
-        const DownloadedLoco &loco = locos.at(written);
-        TheFrontend().setProgressText(QStringLiteral("Sende Lok ") + QString::number(loco.address));
-        if (WriteLoco(loco, taken.at(written)) != 0)
-            break;
-        ++written;
-    }
-    return written;
-}
-
-void ReportSent(const std::vector<DownloadedLoco> &locos, size_t written)
-{
-    QString text = QStringLiteral("%1 in den Handregler geschrieben.").arg(LocoCount(written));
-    if (written < locos.size()) {
-        text += QStringLiteral("\rNicht oder nicht sicher geschrieben ab Adresse %1: %2.")
-                    .arg(locos.at(written).address)
-                    .arg(LocoCount(locos.size() - written));
-    }
-    const BoxIcon icon = written < locos.size() ? BoxIcon::Critical : BoxIcon::Information;
-    TheFrontend().showBox({text, QStringLiteral("Lokdaten senden"), icon});
-}
 
 } // namespace
 
@@ -180,19 +101,17 @@ void ImportWindow::buildLayout()
     setTabOrder(filterTxt, grid);
 }
 
-void ImportWindow::load()
+void ImportWindow::load(const Download &download)
 {
     grid->setRowCount(0); // before the locos change: every row shows one
-    locos = DownloadedLocos;
-    unusable = UnusableLocos;
+    locos = download.locos;
+    unusable = download.unusable;
     filterTxt->clear();
     grid->setRowCount(static_cast<int>(locos.size()));
     for (int row = 0; row < grid->rowCount(); ++row)
         fillRow(row);
     filterRows();
-    show();
-    raise();
-    activateWindow();
+    present();
     grid->setFocus();
 }
 
@@ -211,14 +130,13 @@ void ImportWindow::fillName(int row)
 void ImportWindow::fillRow(int row)
 {
     const DownloadedLoco &loco = locos.at(static_cast<size_t>(row));
-    const QPixmap hook = PictureOfFile(KonfPath(QStringLiteral("\\konf\\Haken.bmp")));
+    const QPixmap hook = HookPicture();
     fillName(row);
     filling = true;
     grid->setText(row, AddressColumn, QString::number(loco.address));
     const bool known = loco.locoSymbol < LokSymbolCount;
     grid->setText(row, SymbolColumn, known ? QString() : QString::number(loco.locoSymbol));
-    grid->setPicture(
-        row, SymbolColumn, known ? PictureOfFile(PicturePath(SymbolKind::Loco, loco.locoSymbol, 0)) : QPixmap());
+    grid->setPicture(row, SymbolColumn, known ? SymbolPicture(SymbolKind::Loco, loco.locoSymbol, 0) : QPixmap());
     for (size_t f = 0; f < FunctionCount; ++f)
         grid->setPicture(row, FirstFunctionColumn + static_cast<int>(f), loco.modes.at(f) == 1 ? hook : QPixmap());
     filling = false;
@@ -226,8 +144,8 @@ void ImportWindow::fillRow(int row)
 
 void ImportWindow::actOn(int row, int column)
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
     if (column == NameColumn) {
         editName(row);
@@ -303,67 +221,49 @@ std::vector<int> ImportWindow::chosenRows() const
     return selected.empty() ? shown : selected;
 }
 
-void ImportWindow::send()
+std::vector<DownloadedLoco> ImportWindow::chosenLocos() const
 {
-    const BusyScope busy;
-    if (!busy.ok())
-        return;
     std::vector<DownloadedLoco> chosen;
     for (const int row : chosenRows())
         chosen.push_back(locos.at(static_cast<size_t>(row)));
-    if (chosen.empty() || !HandheldConnected())
-        return;
-    const ShownRecord shown;
-    const KeptState kept;
-    std::vector<bool> taken;
-    if (MayOverwrite(chosen, taken))
-        ReportSent(chosen, WriteLocos(chosen, taken));
+    return chosen;
+}
+
+void ImportWindow::send()
+{
+    const CommandOn command([this] { return chosenLocos(); });
+    if (command.ok() && !command.shown.empty() && command.connected())
+        SendLocos(command.shown);
 }
 
 void ImportWindow::save()
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const CommandOn command([this] { return chosenLocos(); });
+    if (!command.ok() || command.shown.empty())
         return;
-    const std::vector<int> rows = chosenRows();
-    if (rows.empty())
-        return;
-    const QString name = TheFrontend().saveFileName(TheBranding().saveDialogTitle, QStringLiteral("*.dds"));
+    const QString name = TheWindows().saveFileName(TheBranding().saveDialogTitle, QStringLiteral("*.dds"));
     if (name.isEmpty())
         return;
     QByteArray file;
-    for (const int row : rows) {
-        const DownloadedLoco &loco = locos.at(static_cast<size_t>(row));
-        file += PackLoco(loco.address, RecordOfLoco(loco));
-    }
-    if (!ReplaceFile(name, file)) {
-        TheFrontend().showBox(
-            {QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(QDir::toNativeSeparators(name)),
-                QStringLiteral("Fehler!"), BoxIcon::Critical});
-    }
-}
-
-void ImportWindow::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        hide();
-    else
-        QWidget::keyPressEvent(event);
+    for (const DownloadedLoco &loco : command.shown)
+        file += PackRecord({KindLoco, loco.address}, RecordOfLoco(loco));
+    if (!ReplaceFile(name, file))
+        ReportFileUnwritable(name);
 }
 
 void FetchStationLocos()
 {
-    const BusyScope busy;
-    if (!busy.ok() || !PortReady())
+    const Command command;
+    if (!command.ok() || !PortReady())
         return;
-    const int status = DownloadLocos();
+    const Download download = DownloadLocos();
     WaitSeconds(StandardDelaySeconds);
-    const bool nothingToShow = status != 0 && DownloadedLocos.empty();
+    const bool nothingToShow = download.status != 0 && download.locos.empty();
     if (nothingToShow || WaitsMustEnd())
         return;
     if (!importWindow)
         importWindow = std::make_unique<ImportWindow>();
-    importWindow->load();
+    importWindow->load(download);
 }
 
 void ResetImportWindow()

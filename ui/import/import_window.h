@@ -2,26 +2,22 @@
 #pragma once
 
 #include "station/download.h"
-
-#include <QWidget>
+#include "ui/widgets/leavable_window.h"
 
 class Grid;
 class QLabel;
 class QLineEdit;
 class QTableWidgetItem;
 
-class ImportWindow : public QWidget
+class ImportWindow : public LeavableWindow
 {
     Q_OBJECT
 
 public:
     ImportWindow();
 
-    /// Shows the locos of the last download.
-    void load();
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
+    /// Shows the locos of a download.
+    void load(const Download &download);
 
 private:
     void buildGrid();
@@ -35,6 +31,7 @@ private:
     void filterRows();
     void showCount();
     [[nodiscard]] std::vector<int> chosenRows() const;
+    [[nodiscard]] std::vector<DownloadedLoco> chosenLocos() const;
     void send();
     void save();
 

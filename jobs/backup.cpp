@@ -1,0 +1,238 @@
+#include "jobs/backup.h"
+
+#include "handheld/backup/dds_file.h"
+#include "handheld/backup/number_list.h"
+#include "handheld/flash_map.h"
+#include "jobs/report.h"
+#include "platform/files.h"
+#include "program/ask.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+#include <bitset>
+
+namespace
+{
+
+using Numbers = std::bitset<LastLoco + 1>;
+
+void AddStep(Plan &plan, int kind, int number)
+{
+    plan.steps.push_back({StepKind::Read, {kind, number}, {}, {}});
+}
+
+/// Runs through the wanted numbers of a kind, each once.
+void ForEachNumber(
+    const BackupSelection &selection, NumberedKind kind, Numbers &done, const std::function<void(int)> &add)
+{
+    const NumberLimits limits = LimitsOf(kind);
+    NumberList numbers(WantedNumbers(selection, kind));
+    for (int n = numbers.next(); n >= 0; n = numbers.next()) {
+        if (n < limits.low || n > limits.high || done.test(static_cast<size_t>(n)))
+            continue;
+        done.set(static_cast<size_t>(n));
+        add(n);
+    }
+}
+
+void AddLocos(Plan &plan, const BackupSelection &selection)
+{
+    Numbers done;
+    ForEachNumber(selection, LokDatenList, done, [&plan](int n) { AddStep(plan, KindLoco, n); });
+    if (!selection.lokSuche)
+        return;
+    for (int n = qMax(selection.lokSucheStart, FirstLoco); n <= qMin(selection.lokSucheStop, LastLoco); ++n) {
+        if (!done.test(static_cast<size_t>(n)))
+            AddStep(plan, KindLoco, n);
+    }
+}
+
+void AddSymbols(Plan &plan, const BackupSelection &selection, NumberedKind list, SymbolKind symbol)
+{
+    const int halves = symbol == SymbolKind::Loco ? 1 : 2;
+    Numbers done;
+    ForEachNumber(selection, list, done, [&](int n) {
+        for (int half = 0; half < halves; ++half)
+            AddStep(plan, RecordKindOf(symbol, half), n);
+    });
+}
+
+QString Shown(const QString &fileName)
+{
+    return QDir::toNativeSeparators(fileName);
+}
+
+/// Tried before the long reading: is there a place beside the file to write to?
+bool CanBeWritten(const QString &fileName)
+{
+    QSaveFile probe(fileName);
+    return probe.open(QIODevice::WriteOnly); // never committed: nothing stays of it
+}
+
+/// Writes the file; the user may make room and try again, since all that was read would be lost otherwise.
+bool WriteFile(const QString &fileName, const QByteArray &file)
+{
+    const BoxText question{QStringLiteral("Die Datei %1 kann nicht geschrieben werden!\r"
+                                          "Soll es noch einmal versucht werden?")
+                               .arg(Shown(fileName)),
+        QStringLiteral("Fehler!"), BoxIcon::Critical};
+    while (!ReplaceFile(fileName, file)) {
+        if (!TheAsk().askYesNo(question, true))
+            return false;
+    }
+    return true;
+}
+
+/// The name with " (unvollständig)" before its ending.
+QString IncompleteName(const QString &fileName)
+{
+    const QFileInfo info(fileName);
+    const QString ending = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+    return info.path() + u'/' + info.completeBaseName() + QStringLiteral(" (unvollständig)") + ending;
+}
+
+bool IsUnread(const JobEntry &entry)
+{
+    if (entry.state != RecordState::Doubtful || !entry.value)
+        return false;
+    const auto *loco = std::get_if<LocoRecord>(&*entry.value);
+    return loco != nullptr && IsEmptyName(loco->name);
+}
+
+bool IsInFile(const JobEntry &entry)
+{
+    const bool read = entry.state == RecordState::Done || entry.state == RecordState::Doubtful;
+    return read && entry.value && !IsUnread(entry);
+}
+
+QByteArray FileOf(const Report &report)
+{
+    QByteArray file;
+    for (const JobEntry &entry : report.entries) {
+        if (IsInFile(entry))
+            file += PackRecord(entry.step.id, *entry.value);
+    }
+    return file;
+}
+
+void TakeEntry(BackupOutcome &outcome, const JobEntry &entry, const BackupSelection &selection)
+{
+    const int number = entry.step.id.number;
+    outcome.answersMissing = outcome.answersMissing || !entry.outcome.ok();
+    if (IsUnread(entry))
+        outcome.unread.push_back(entry.step.id);
+    else if (entry.state == RecordState::Doubtful)
+        outcome.doubtful.push_back(entry.step.id);
+    const bool searched = selection.lokSuche && number >= selection.lokSucheStart && number <= selection.lokSucheStop;
+    if (entry.step.id.kind == KindLoco && searched && IsInFile(entry))
+        outcome.found.push_back(number);
+}
+
+/// The name under which the file is to be written; empty when it is not.
+QString PlaceFor(const BackupOutcome &outcome, const QByteArray &file)
+{
+    const bool sound = outcome.doubtful.empty() && outcome.unread.empty() && !file.isEmpty();
+    if (sound || !outcome.fileExisted)
+        return outcome.fileName;
+    const QString what = file.isEmpty()
+        ? QStringLiteral("Es wurde kein Datensatz gelesen.")
+        : QStringLiteral("Die neue Datensicherung ist unvollständig oder zweifelhaft.");
+    const QString otherwise = file.isEmpty()
+        ? QString()
+        : QStringLiteral("\r(Nein: sie wird als %1 gespeichert)").arg(Shown(IncompleteName(outcome.fileName)));
+    const BoxText question{what
+            + QStringLiteral("\rSoll sie die vorhandene Datei %1 trotzdem ersetzen?").arg(Shown(outcome.fileName))
+            + otherwise,
+        QStringLiteral("Datei ersetzen?"), BoxIcon::Critical};
+    if (TheAsk().askYesNo(question, false))
+        return outcome.fileName;
+    return file.isEmpty() ? QString() : IncompleteName(outcome.fileName);
+}
+
+void WriteOutcome(BackupOutcome &outcome, const QByteArray &file)
+{
+    const QString place = PlaceFor(outcome, file);
+    if (place.isEmpty()) {
+        outcome.end = JobEnd::NothingDone;
+        return;
+    }
+    outcome.fileName = place;
+    outcome.written = WriteFile(place, file);
+    if (!outcome.written)
+        outcome.end = JobEnd::NothingDone;
+}
+
+void ReportBrokenOff(const BackupOutcome &outcome)
+{
+    const QString file = outcome.fileExisted ? QStringLiteral("Die vorhandene Datei %1 ist unverändert.")
+                                             : QStringLiteral("Die Datei %1 wurde nicht angelegt.");
+    ShowEndBox(outcome.end,
+        EndText(outcome.end, QStringLiteral("Die Datensicherung wurde abgebrochen."))
+            + QStringLiteral("\rEs wurde kein Datensatz gesichert.\r") + file.arg(Shown(outcome.fileName)));
+}
+
+void ReportDoubtful(const BackupOutcome &outcome)
+{
+    QString text = outcome.answersMissing ? QStringLiteral("Der Handregler hat nicht immer geantwortet.")
+                                          : QStringLiteral("Nicht alles, was der Handregler enthält, ist eindeutig.");
+    if (!outcome.doubtful.empty()) {
+        text += QStringLiteral("\r\r%1 in der Datei zweifelhaft:\r").arg(RecordCount(outcome.doubtful.size()))
+            + RecordsText(outcome.doubtful);
+    }
+    if (!outcome.unread.empty()) {
+        text += QStringLiteral("\r\r%1 als leer gelesen und nicht in der Datei, ebenfalls zweifelhaft:\r")
+                    .arg(RecordCount(outcome.unread.size()))
+            + RecordsText(outcome.unread);
+    }
+    TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
+}
+
+} // namespace
+
+Plan BackupPlan(const BackupSelection &selection)
+{
+    // The reading goes on after a time-out and names the record afterwards.
+    Plan plan{{}, [](const Step &step) { return ProgressText(step.id); }, Patience::Agreed, false, true};
+    AddLocos(plan, selection);
+    AddSymbols(plan, selection, LokSymbolList, SymbolKind::Loco);
+    AddSymbols(plan, selection, FktSymbolList, SymbolKind::Function);
+    AddSymbols(plan, selection, MagSymbolList, SymbolKind::Accessory);
+    if (selection.fsDaten)
+        AddStep(plan, KindRoutes, 0);
+    if (selection.magSymZuord)
+        AddStep(plan, KindMagZuordnung, 0);
+    if (selection.magListe)
+        AddStep(plan, KindMagListe, 0);
+    return plan;
+}
+
+BackupOutcome Backup(const QString &fileName, const BackupSelection &selection)
+{
+    BackupOutcome outcome;
+    outcome.fileName = fileName;
+    outcome.fileExisted = FileExists(fileName);
+    if (!CanBeWritten(fileName)) {
+        ReportFileUnwritable(fileName);
+        outcome.end = JobEnd::NothingDone;
+        return outcome;
+    }
+    const Report report = RunJob(BackupPlan(selection));
+    outcome.end = report.end;
+    for (const JobEntry &entry : report.entries)
+        TakeEntry(outcome, entry, selection);
+    std::sort(outcome.found.begin(), outcome.found.end()); // also those of the list stand in the searched range
+    if (outcome.end == JobEnd::Complete)
+        WriteOutcome(outcome, FileOf(report));
+    return outcome;
+}
+
+void ReportBackup(const BackupOutcome &outcome)
+{
+    if (EndedEarly(outcome.end))
+        ReportBrokenOff(outcome);
+    else if (outcome.end == JobEnd::Complete && !(outcome.doubtful.empty() && outcome.unread.empty()))
+        ReportDoubtful(outcome);
+}

@@ -1,0 +1,34 @@
+// Copies what the user chose from the handheld into a backup file.
+//
+// The records come in the order loco records (list, then search), loco symbols, function symbols, accessory symbols,
+// routes, assignment, accessory list. An empty loco record gives none. A number that is listed twice is read once.
+#pragma once
+
+#include "handheld/backup/selection.h"
+#include "jobs/runner.h"
+
+struct BackupOutcome {
+    JobEnd end = JobEnd::Complete;
+    QString fileName;               // that was written; the one that was wanted where none was
+    bool fileExisted = false;       // there was an older backup of the wanted name
+    bool written = false;           // fileName now holds what was read
+    bool answersMissing = false;    // time-outs or damaged answers, not only strange contents
+    std::vector<RecordId> doubtful; // in the file all the same
+    std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file
+    std::vector<int> found;         // addresses of the loco records that the search found
+};
+
+/// The steps of a backup. Wrong numbers are passed over.
+Plan BackupPlan(const BackupSelection &selection);
+
+/// Reads the chosen records and replaces the file when all have been read; a file of that name stays as it is until
+/// then. Time-outs are shown ("Timeout" box) and the reading goes on. The user can stop it between two records.
+///
+/// Where an older file would be replaced by one with doubtful or without any records, the user is asked first (default
+/// No); then it is written beside, with " (unvollständig)" in its name, or not at all when nothing was read.
+/// A file that cannot be written is reported by a "Fehler!" box before the reading begins (end NothingDone); when
+/// only the last step fails, a question offers to try it again.
+[[nodiscard]] BackupOutcome Backup(const QString &fileName, const BackupSelection &selection);
+
+/// Tells the user what went differently: stop, lost port, doubtful records. No box when all went well.
+void ReportBackup(const BackupOutcome &outcome);

@@ -1,0 +1,12 @@
+// The two jobs that empty records: all loco records, and the free function symbols. The caller has asked the user.
+#pragma once
+
+#include "jobs/runner.h"
+
+/// Deletes all records 1..9999, each shown as "Lösche Lok n". Ends early when a delete failed (after its box), the
+/// user stops it, the port is lost or the program ends.
+[[nodiscard]] Report ClearAllLocoRecords();
+
+/// Resets the function symbols 164 to 255, both halves, to an empty picture, each shown as "Fktsym. n". Ends early
+/// after a symbol that failed, and as above.
+[[nodiscard]] Report ResetFktSymbols();

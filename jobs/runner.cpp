@@ -1,0 +1,147 @@
+#include "jobs/runner.h"
+
+#include "link/open_link.h"
+#include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+
+namespace
+{
+
+/// Ends a job that could not go on to its last record.
+JobEnd WhyBrokenOff()
+{
+    if (BoxesAreSilent())
+        return JobEnd::ProgramEnds;
+    return Comm().isOpen() ? JobEnd::Stopped : JobEnd::PortLost;
+}
+
+/// Asked between records: lets events run.
+bool GoesOn()
+{
+    LetEventsRun();
+    return !StoppableJob::stopRequested() && Comm().isOpen();
+}
+
+void ShowGroup(int group)
+{
+    TheAsk().showProgress(QStringLiteral("Lese Zuordnungsdaten ") + QString::number(group));
+}
+
+RecordState StateOfRead(const RecordValue &value, const Outcome &outcome, const SpiImage &image)
+{
+    const auto *loco = std::get_if<LocoRecord>(&value);
+    if (loco == nullptr || !IsEmptyName(loco->name))
+        return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
+    // Also a name that begins with a character no handheld writes: such a record must not be left out silently.
+    const bool reallyEmpty = outcome.ok() && image.at(ReadPosition) == EmptyByte;
+    return reallyEmpty ? RecordState::Empty : RecordState::Doubtful;
+}
+
+void Read(SpiImage &image, JobEntry &entry)
+{
+    Result<RecordValue> read = ReadRecord(image, entry.step.id, ShowGroup);
+    entry.state = StateOfRead(read.value, read.outcome, image);
+    entry.outcome = read.outcome;
+    entry.value = std::move(read.value);
+}
+
+RecordState StateOfWrite(const Outcome &outcome)
+{
+    if (outcome.how() == End::GivenUp)
+        return RecordState::Untouched;
+    return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
+}
+
+void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
+{
+    image.fill(EmptyByte); // bytes that nobody lays would otherwise be those of the record before
+    entry.outcome = WriteRecord(image, entry.step.id, value, patience);
+    entry.state = StateOfWrite(entry.outcome);
+}
+
+void Merge(SpiImage &image, JobEntry &entry, Patience patience)
+{
+    Read(image, entry);
+    if (entry.outcome.ok())
+        Write(image, entry, entry.step.merge(*entry.value), patience);
+}
+
+void AskUse(JobEntry &entry)
+{
+    const Result<bool> used = LocoIsUsed(entry.step.id.number);
+    entry.outcome = used.outcome;
+    if (!used.ok())
+        entry.state = RecordState::Doubtful;
+    else
+        entry.state = used.value ? RecordState::Done : RecordState::Empty;
+}
+
+void RunStep(SpiImage &image, JobEntry &entry, Patience patience)
+{
+    switch (entry.step.kind) {
+    case StepKind::Read:
+        return Read(image, entry);
+    case StepKind::IsUsed:
+        return AskUse(entry);
+    case StepKind::Write:
+        return Write(image, entry, entry.step.value, patience);
+    case StepKind::Merge:
+        return Merge(image, entry, patience);
+    case StepKind::Delete:
+        entry.outcome = DeleteLoco(image, entry.step.id.number, patience);
+        entry.state = StateOfWrite(entry.outcome);
+        return;
+    }
+    Q_UNREACHABLE();
+}
+
+bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
+{
+    if (outcome.ok())
+        return false;
+    const bool writes = step.kind != StepKind::Read && step.kind != StepKind::IsUsed;
+    return plan.endsAtFailure || (writes && plan.patience == Patience::Job && outcome.timedOut());
+}
+
+} // namespace
+
+Report RunJob(const Plan &plan, const Watcher &watcher)
+{
+    const StoppableJob stoppable;
+    std::optional<TellsPortLoss> teller;
+    if (plan.ownerTellsPortLoss)
+        teller.emplace();
+    Report report;
+    SpiImage image{};
+    bool brokenOff = false;
+    for (const Step &step : plan.steps) {
+        const size_t index = report.entries.size();
+        JobEntry &entry = report.entries.emplace_back(JobEntry{step, RecordState::Untouched, {}, {}});
+        brokenOff = brokenOff || !GoesOn();
+        if (brokenOff)
+            continue; // untouched
+        TheAsk().showProgress(plan.progress(step));
+        if (watcher.begins)
+            watcher.begins(step, index, plan.steps.size());
+        RunStep(image, entry, plan.patience);
+        if (watcher.finished)
+            watcher.finished(entry);
+        brokenOff = entry.outcome.brokenOff() || EndsJob(plan, step, entry.outcome);
+        if (brokenOff && !entry.outcome.brokenOff() && !StoppableJob::stopRequested())
+            report.end = JobEnd::NoAnswer;
+    }
+    if (brokenOff && report.end == JobEnd::Complete)
+        report.end = WhyBrokenOff();
+    return report;
+}
+
+std::vector<RecordId> IdsOf(const Report &report, RecordState state)
+{
+    std::vector<RecordId> ids;
+    for (const JobEntry &entry : report.entries) {
+        if (entry.state == state)
+            ids.push_back(entry.step.id);
+    }
+    return ids;
+}

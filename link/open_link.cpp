@@ -1,0 +1,247 @@
+#include "link/open_link.h"
+
+#include "link/message_layer.h"
+#include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+
+#include <array>
+#include <functional>
+
+PortValue PortNumber;
+int InterfaceType = InterfaceNone;
+bool HandreglerGefunden = false;
+bool PortLost = false;
+
+namespace
+{
+
+constexpr double RawTextTimeoutSeconds = 5;
+constexpr double PromptTimeoutSeconds = 5;
+constexpr double BreakSeconds = 1;
+constexpr double SettleSeconds = 0.3;
+constexpr int PromptPollMs = 20; // the receive event belongs to the message layer; the set-up looks itself
+constexpr int SetupInputLength = 100;
+constexpr int BufferSize = 1024;
+
+int lossTellers = 0; // TellsPortLoss objects alive
+
+/// Keeps the message layer's hands off the received bytes while prompts are expected.
+class TextMode
+{
+public:
+    TextMode() { PortInTextMode = true; }
+    ~TextMode() { PortInTextMode = false; }
+    TextMode(const TextMode &) = delete;
+    TextMode &operator=(const TextMode &) = delete;
+};
+
+/// Ends a step of the set-up: what is in the way, or nothing.
+Outcome InTheWay()
+{
+    if (WaitsMustEnd())
+        return Outcome(End::ProgramEnds);
+    return Comm().isOpen() ? Outcome() : Outcome(End::PortLost);
+}
+
+Outcome WaitForPrompt()
+{
+    const WakeUps looks(PromptPollMs);
+    const double start = NowSeconds();
+    QByteArray answer;
+    for (;;) {
+        answer += Comm().read(); // the prompt may come in pieces
+        if (answer.contains(']'))
+            return {};
+        if (Outcome outcome = InTheWay(); !outcome.ok())
+            return outcome;
+        if (SecondsSince(start) > PromptTimeoutSeconds)
+            return Outcome(End::NoAnswer);
+        TheEvents().pump();
+    }
+}
+
+Outcome Command(const QString &command)
+{
+    Outcome sent = SendRawText(command + u'\r');
+    return sent.ok() ? WaitForPrompt() : sent;
+}
+
+void SendBreak()
+{
+    Comm().setBreak(true);
+    WaitSeconds(BreakSeconds);
+    Comm().setBreak(false);
+    WaitSeconds(SettleSeconds);
+}
+
+Outcome OpenWithSettings(const QString &settings)
+{
+    Comm().setSettings(settings);
+    return Comm().isOpen() || Comm().open() ? Outcome() : Outcome(End::NotOpened);
+}
+
+/// The interface has changed its own speed by now; the port follows.
+Outcome SwitchTo19200()
+{
+    WaitSeconds(SettleSeconds);
+    Comm().close();
+    return OpenWithSettings(QStringLiteral("19200,n,8,2"));
+}
+
+Outcome ReopenForMessages()
+{
+    Comm().close();
+    Comm().setInputLength(1);
+    if (!Comm().open())
+        return Outcome(End::NotOpened);
+    Comm().setReceiveThreshold(1);
+    return {};
+}
+
+Outcome OpenForBreak()
+{
+    if (!Comm().isOpen())
+        Comm().setPortName(PortNumber.text);
+    Outcome opened = OpenWithSettings(QStringLiteral("2400,n,8,2"));
+    if (!opened.ok())
+        return opened;
+    Comm().setInputLength(SetupInputLength);
+    SendBreak();
+    return {};
+}
+
+Outcome RunOrvanto1Sequence()
+{
+    const TextMode textMode;
+    const std::array<std::function<Outcome()>, 6> steps{OpenForBreak,
+        [] { return Command(QStringLiteral("xB19200")); }, SwitchTo19200,
+        [] { return Command(QStringLiteral("xRT255")); }, [] { return Command(QStringLiteral("x&LN$55AA")); },
+        ReopenForMessages};
+    for (const auto &step : steps) {
+        if (Outcome outcome = step(); !outcome.ok())
+            return outcome;
+    }
+    return {};
+}
+
+Outcome SetUpInterface()
+{
+    PortLost = false;
+    if (InterfaceType == InterfaceOrvanto1)
+        return SetupOrvanto1Interface();
+    if (InterfaceType != InterfaceDirect)
+        return {}; // kind 2 and no kind at all: nothing to set up
+    Outcome outcome = SetupDirectInterface();
+    if (!outcome.ok()) {
+        TheAsk().showBox(
+            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
+    }
+    return outcome;
+}
+
+} // namespace
+
+void UseSettings(const LinkSettings &settings)
+{
+    PortNumber = settings.port;
+    InterfaceType = settings.interfaceType;
+}
+
+LinkSettings SettingsInUse()
+{
+    return {PortNumber, InterfaceType};
+}
+
+Outcome SetupDirectInterface()
+{
+    Comm().setPortName(PortNumber.text);
+    Comm().setSettings(QStringLiteral("115200,n,8,1"));
+    Comm().setReceiveThreshold(1);
+    Comm().setDtr(false);
+    Comm().setRts(false);
+    Comm().setHandshake(SerialPort::Handshake::None);
+    Comm().setInputBufferSize(BufferSize);
+    Comm().setInputLength(0);
+    Comm().setOutputBufferSize(BufferSize);
+    return Comm().open() ? Outcome() : Outcome(End::NotOpened);
+}
+
+Outcome SetupOrvanto1Interface()
+{
+    Outcome outcome = RunOrvanto1Sequence();
+    if (outcome.ok())
+        return outcome;
+    Comm().close();
+    if (!PortLost && !BoxesAreSilent())
+        TheAsk().showBox({QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:")});
+    return outcome.brokenOff() ? outcome : Outcome(End::NotOpened);
+}
+
+Outcome SendRawText(const QString &text)
+{
+    const WakeUps looks(PromptPollMs); // CTS tells nobody when it changes
+    Comm().discardOutput();
+    const double start = NowSeconds();
+    const QByteArray bytes = text.toLatin1();
+    qsizetype next = 0;
+    while (next < bytes.size()) {
+        if (Outcome outcome = InTheWay(); !outcome.ok())
+            return outcome;
+        if (SecondsSince(start) > RawTextTimeoutSeconds)
+            return Outcome(End::NotSent);
+        if (Comm().cts() && Comm().outputEmpty()) {
+            Comm().write(bytes.mid(next++, 1));
+            LetEventsRun();
+        } else {
+            TheEvents().pump();
+        }
+    }
+    return {};
+}
+
+Outcome OpenLink()
+{
+    Outcome outcome = SetUpInterface();
+    if (outcome.ok())
+        WriteSettings(SettingsInUse());
+    return outcome;
+}
+
+void ClosePort()
+{
+    Comm().close();
+    HandreglerGefunden = false;
+    DropPendingMessage();
+}
+
+void HandlePortLoss()
+{
+    PortLost = true;
+    ClosePort();
+    if (BoxesAreSilent() || lossTellers > 0)
+        return;
+    TheAsk().postBox(
+        {QStringLiteral("Die Verbindung zum Anschluss \"%1\" ist abgebrochen!\r"
+                        "Bitte Stecker und Interface überprüfen. Der nächste Befehl sucht den Handregler neu.")
+                .arg(PortNumber.text.trimmed()),
+            QStringLiteral("Fehler"), BoxIcon::Critical});
+}
+
+TellsPortLoss::TellsPortLoss()
+{
+    ++lossTellers;
+}
+
+TellsPortLoss::~TellsPortLoss()
+{
+    --lossTellers;
+}
+
+void ResetOpenLink()
+{
+    UseSettings({});
+    HandreglerGefunden = false;
+    PortLost = false;
+    lossTellers = 0;
+}

@@ -1,0 +1,57 @@
+// Opening and closing the port, and bringing the interface behind it into LocoNet pass-through mode.
+//
+//   kind            port                     set-up
+//   1 (Orvanto 1)   2400 then 19200,n,8,2    break, then three text commands, each answered by the prompt "]"
+//   2 (48230)       never opened             none: only the choice is recorded
+//   3 (direct)      115200,n,8,1             none
+#pragma once
+
+#include "program/outcome.h"
+#include "program/settings_file.h"
+
+#include <QString>
+
+// --- Settings of the link. Written by UseSettings() (start-up, selection window), read by the whole link. ---
+extern PortValue PortNumber;
+extern int InterfaceType; // InterfaceNone or 1..3
+
+/// True once a handheld has acknowledged and the link is in service. Set by the handheld search, cleared when the
+/// port is closed or lost and when the handheld is sent back. Every command that talks to the handheld tests it.
+extern bool HandreglerGefunden;
+
+/// True from the loss of an open port (pulled adapter) to the next opening. The user has been told once.
+extern bool PortLost;
+
+void UseSettings(const LinkSettings &settings);
+LinkSettings SettingsInUse();
+
+/// Sets the interface up as InterfaceType says, and writes konf\ComPort.inf when it worked. With kind 2 and with no
+/// kind nothing is opened, which counts as done. After a failure (NotOpened) the user has seen "ComPort konnte nicht
+/// geöffnet werden!" (kind 3) or "Zeichenübertragung nicht möglich!" (kind 1), and the port is closed.
+Outcome OpenLink();
+
+/// The set-up of kind 3 and of kind 1, without a message for kind 3; a failed step of kind 1 shows
+/// "Zeichenübertragung nicht möglich!" / "Orvanto 1:". NotOpened or PortLost after a failure.
+Outcome SetupDirectInterface();
+Outcome SetupOrvanto1Interface();
+
+/// Sends a text one character at a time while CTS is on. NotSent when it took more than 5 s.
+Outcome SendRawText(const QString &text);
+
+/// Closes the port, clears HandreglerGefunden and forgets half sent and half received messages.
+void ClosePort();
+
+/// The device vanished: clears the found flag and tells the user once, unless a job will tell it.
+void HandlePortLoss();
+
+/// While one lives, the loss of the port is told by its owner at the end (one box, not two on top of each other).
+class TellsPortLoss
+{
+public:
+    TellsPortLoss();
+    ~TellsPortLoss();
+    TellsPortLoss(const TellsPortLoss &) = delete;
+    TellsPortLoss &operator=(const TellsPortLoss &) = delete;
+};
+
+void ResetOpenLink();

@@ -1,0 +1,52 @@
+// What the core asks of and tells its user, and what a window and a terminal can both do: boxes, questions, one line of
+// text, progress.
+//
+// Questions wait for the user while events go on (timers, receive event). When the program is being ended each of them
+// ends at once with its "nothing chosen" answer.
+#pragma once
+
+#include <QString>
+
+enum class BoxIcon { None, Information, Critical };
+
+/// Texts are plain text; a CR (or LF) in them is a line break on the screen.
+struct BoxText {
+    QString text;
+    QString title;
+    BoxIcon icon = BoxIcon::None;
+};
+
+class Ask
+{
+public:
+    virtual ~Ask() = default;
+
+    /// Shows a box with OK and waits until it is answered.
+    virtual void showBox(const BoxText &box) = 0;
+
+    /// Shows a box with OK and returns at once. For reports that arise inside a timer or a port event, where
+    /// nothing may wait.
+    virtual void postBox(const BoxText &box) = 0;
+
+    /// Shows a Yes/No box and waits. False for No, Escape and the end of the program. defaultYes says which
+    /// button Enter presses.
+    [[nodiscard]] virtual bool askYesNo(const BoxText &box, bool defaultYes) = 0;
+
+    /// Asks for one line of text and waits. Empty text when cancelled.
+    [[nodiscard]] virtual QString askText(const QString &prompt, const QString &title) = 0;
+
+    /// One line of text that says what runs. The first call shows it, hideProgress() takes it away.
+    virtual void showProgress(const QString &text) = 0;
+    virtual void hideProgress() = 0;
+};
+
+/// Installs the face of the program; it stays owned by the caller and must outlive all use.
+void InstallAsk(Ask *ask);
+Ask &TheAsk();
+
+/// "Die Datei ... kann nicht geschrieben werden!" / "Fehler!". The name is shown as the system writes it.
+void ReportFileUnwritable(const QString &fileName);
+
+/// Tells the user that a file beside the program cannot be written: a "Fehler!" box, once in a run.
+void ReportUnwritable(const QString &relative);
+void ResetAsk();

@@ -1,0 +1,57 @@
+// How an operation ended, and at which command. Nothing that can fail returns less, and the compiler complains about
+// an outcome that nobody looks at.
+#pragma once
+
+#include <QString>
+
+#include <utility>
+
+enum class End {
+    Done,
+    NoAnswer,    // the request went out, its answer did not come in time
+    NotSent,     // the request could not be sent: the message slot stayed occupied
+    Damaged,     // an answer came, but its checksum is wrong: what it brought is doubtful
+    Refused,     // the device answered with another code than the one for "done"
+    GivenUp,     // a job ended before a page was programmed from a doubtful buffer: the flash is as it was
+    NotOpened,   // the port or its interface could not be opened
+    PortLost,    // the port is closed or was lost
+    Stopped,     // by the user
+    ProgramEnds, // everything ends at once
+};
+
+class [[nodiscard]] Outcome
+{
+public:
+    Outcome() = default; // done
+    explicit Outcome(End how, QString at = {}) : end(how), command(std::move(at)) { }
+
+    [[nodiscard]] bool ok() const { return end == End::Done; }
+    [[nodiscard]] End how() const { return end; }
+
+    /// The command at which it ended ("write_to_spibuf"); empty for a success.
+    [[nodiscard]] const QString &at() const { return command; }
+
+    /// True when nothing more could be exchanged: the port is gone, or the program ends.
+    [[nodiscard]] bool brokenOff() const { return end == End::PortLost || end == End::ProgramEnds; }
+
+    /// True when the device stayed silent or could not be reached in time; the next command may work again.
+    [[nodiscard]] bool timedOut() const
+    {
+        return end == End::NoAnswer || end == End::NotSent || end == End::Refused || end == End::GivenUp;
+    }
+
+    /// For those who go on after a failure: the first one counts, a broken-off step counts more than a time-out.
+    void keep(const Outcome &next);
+
+private:
+    End end = End::Done;
+    QString command;
+};
+
+/// A value with the outcome of the operation that brought it. After a failure the value is what was there before or
+/// was received until then; `outcome` says whether it may be believed.
+template <typename T> struct [[nodiscard]] Result {
+    T value{};
+    Outcome outcome;
+    [[nodiscard]] bool ok() const { return outcome.ok(); }
+};

@@ -1,0 +1,345 @@
+#include "handheld/flash_map.h"
+#include "link/open_link.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "shown/tables.h"
+#include "tests/support/window_world.h"
+#include "ui/editors/editor_windows.h"
+#include "ui/widgets/grid.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QImage>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <array>
+
+namespace
+{
+
+void Mouse(QEvent::Type type, QWidget *widget, QPoint at)
+{
+    const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
+void Press(QWidget *widget, Qt::Key key)
+{
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    QApplication::sendEvent(widget, &event);
+}
+
+} // namespace
+
+/// The table windows on a connected handheld; every wait of the user is scripted with after().
+class TableWindows : public DesktopWorld
+{
+protected:
+    void SetUp() override
+    {
+        connectDirectly();
+        flash().setBytes(RoutesAddress + 4, QByteArray(320, '\xFF'));
+        flash().setBytes(RoutesAddress + 4, QByteArray("\x10\x00\x01\x07\x10\x01\x02\x07", 8));
+        QDir().mkpath(SymbolPath(SymbolKind::Accessory, {}));
+        for (const char *name : {"1 a %ROT%.bmp", "1 a %GRN%.bmp", "5 b %ROT%.bmp", "7 c %GRN%.bmp"})
+            QImage(14, 14, QImage::Format_Mono).save(SymbolPath(SymbolKind::Accessory, QLatin1String(name)));
+        ScanCatalogues();
+    }
+
+    static QWidget *topLevel(const char *name)
+    {
+        const auto all = QApplication::topLevelWidgets();
+        const auto found = std::ranges::find(all, QLatin1String(name), &QWidget::objectName);
+        return found != all.end() ? *found : nullptr;
+    }
+
+    void open(void (*opener)(), const char *name)
+    {
+        opener();
+        window = topLevel(name);
+        ASSERT_NE(window, nullptr);
+        grid = window->findChild<Grid *>();
+        QApplication::setActiveWindow(window);
+    }
+
+    void openRoutes() { open(OpenRouteEditor, "FSEdit"); }
+
+    QPushButton *button(const char *name) { return window->findChild<QPushButton *>(QLatin1String(name)); }
+
+    QPoint centre(int row, int column) { return grid->visualRect(grid->model()->index(row, column)).center(); }
+
+    /// A click on a cell; returns when its command has ended.
+    void click(int row, int column)
+    {
+        grid->scrollTo(grid->model()->index(row, column));
+        const QPoint at = centre(row, column);
+        Mouse(QEvent::MouseButtonPress, grid->viewport(), at);
+        Mouse(QEvent::MouseButtonRelease, grid->viewport(), at);
+    }
+
+    /// The user does this a moment later, while a command waits.
+    void soon(const std::function<void()> &action) { events.after(100'000, action); }
+
+    /// Types into a cell and ends with a key.
+    void type(int row, int column, const char *text, Qt::Key end = Qt::Key_Return)
+    {
+        soon([this, text, end] {
+            ASSERT_FALSE(grid->inputBox()->isHidden());
+            grid->inputBox()->setText(QString::fromUtf8(text));
+            Press(grid->inputBox(), end);
+        });
+        click(row, column);
+    }
+
+    /// Picks a symbol, or leaves the picker with Escape, after trying a second click on the grid.
+    void pick(int row, int column, int symbol)
+    {
+        soon([this, symbol] {
+            click(0, 1);
+            if (symbol == NothingChosen)
+                Press(topLevel("MagSymWin"), Qt::Key_Escape);
+            else
+                Q_EMIT topLevel("MagSymWin")->findChild<Grid *>()->cellActed(symbol, 0);
+        });
+        click(row, column);
+    }
+
+    /// The cells of a row behind its number; a picture shows as #.
+    std::string row(int number)
+    {
+        QStringList cells;
+        for (int column = 1; column < grid->columnCount(); ++column) {
+            const bool picture = !grid->model()->index(number, column).data(Grid::PictureRole).isNull();
+            cells += picture ? QStringLiteral("#") : grid->text(number, column);
+        }
+        return cells.join(u'|').toStdString();
+    }
+
+    QWidget *window = nullptr;
+    Grid *grid = nullptr;
+};
+
+TEST_F(TableWindows, RoutesAreShownEditedAndWritten)
+{
+    openRoutes();
+    EXPECT_FALSE(button("SchreibeFSDatenBut")->isEnabled());
+    button("LeseFSDatenBut")->click();
+    EXPECT_TRUE(button("SchreibeFSDatenBut")->isEnabled());
+    EXPECT_EQ(grid->text(79, 0), QStringLiteral("80"));
+    EXPECT_EQ(row(0), "4096||X");
+    EXPECT_EQ(row(1), "-|X|");
+    EXPECT_EQ(row(2), "-||X");
+
+    type(0, 1, "12");   // the trigger byte becomes free under the old mark
+    type(2, 1, "4097"); // also after a rejected address
+    type(3, 1, "");
+    type(4, 1, "4096 x");
+    click(5, 0); // also by a click on the number
+    click(6, 2);
+    click(1, 3);
+    type(7, 1, "5", Qt::Key_Escape); // nothing at all
+    const std::array<const char *, 8> shown{
+        "12||X", "-||X", "ERR!||X", "ERR!||X", "4096 x||X", "-||X", "-|X|", "-||X"};
+    for (size_t i = 0; i < shown.size(); ++i)
+        EXPECT_EQ(row(static_cast<int>(i)), shown.at(i)) << i;
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_EQ(flashBytes(RoutesAddress + 4, 32),
+        QByteArray::fromHex("000c0007 10010107 ffff00ff ffff00ff 100000ff ffff00ff ffff00ff ffffffff"));
+    EXPECT_EQ(
+        user.progress, (QStringList{QStringLiteral("Lese Fahrstraßen"), QStringLiteral("Schreibe Fahrstraßen")}));
+}
+
+TEST_F(TableWindows, AClickElsewhereEndsTheInputAndDoesNothingElse)
+{
+    openRoutes();
+    button("LeseFSDatenBut")->click();
+    const auto pressElsewhere = [this] {
+        grid->inputBox()->setText(QStringLiteral("33"));
+        Mouse(QEvent::MouseButtonPress, grid->viewport(), centre(4, 2));
+    };
+    const auto release = [this] { Mouse(QEvent::MouseButtonRelease, grid->viewport(), centre(4, 2)); };
+    soon(pressElsewhere);
+    events.after(150'000, release);
+    click(3, 1);
+    EXPECT_EQ(row(3), "33||X");
+    soon(pressElsewhere);
+    click(2, 1);
+    release(); // held until the box had closed
+    EXPECT_EQ(row(2), "33||X");
+    EXPECT_EQ(row(4), "-||X");
+    EXPECT_EQ(FsDaten.at(18), 255);
+    EXPECT_EQ(grid->currentRow(), 2);
+    EXPECT_EQ(grid->currentColumn(), 1);
+    EXPECT_TRUE(grid->inputBox()->isHidden());
+
+    grid->setRangeSelected({5, 1, 7, 3}, true);
+    Press(grid, Qt::Key_Space); // only collapses the range
+    EXPECT_EQ(grid->selectedItems().size(), 1);
+    EXPECT_EQ(FsDaten.at(10), 0);
+    soon([this] { Press(grid->inputBox(), Qt::Key_Enter); });
+    Press(grid, Qt::Key_F2);
+    EXPECT_EQ(row(2), "33||X");
+}
+
+TEST_F(TableWindows, CommandsOfTheWindowFirstEndTheInput)
+{
+    openRoutes();
+    button("LeseFSDatenBut")->click();
+    soon([this] {
+        grid->inputBox()->setText(QStringLiteral("258"));
+        button("SchreibeFSDatenBut")->click();
+        button("SchreibeFSDatenBut")->click();
+        button("CancelButton")->click(); // only the first one counts
+        EXPECT_EQ(grid->text(0, 1), QStringLiteral("4096"));
+    });
+    click(0, 1);
+    events.run(10);
+    EXPECT_EQ(flashBytes(RoutesAddress + 4, 4).toHex(), QByteArray("01020007"));
+    EXPECT_EQ(flash().state.executed.at(0x83), 1);
+    EXPECT_TRUE(window->isVisible());
+
+    const std::function<void()> endings[] = {
+        [this] { window->close(); }, [this] { window->hide(); }, [this] { button("CancelButton")->click(); }};
+    for (const auto &end : endings) {
+        openRoutes();
+        FsDaten.at(5) = 0;
+        soon([this, &end] {
+            grid->inputBox()->setText(QStringLiteral("9"));
+            end();
+        });
+        click(1, 1);
+        events.run(1);
+        EXPECT_EQ(FsDaten.at(5), 9);
+        EXPECT_FALSE(window->isVisible());
+    }
+    openRoutes();
+    soon([] { RequestEnd(); });
+    click(1, 1); // the program's end leaves the wait, too
+    EXPECT_EQ(grid->text(1, 1), QStringLiteral("9"));
+}
+
+TEST_F(TableWindows, TheTextBoxKeepsTheFocusWithinItsWindowOnly)
+{
+    openRoutes();
+    QLineEdit *box = grid->inputBox();
+    QWidget other;
+    QLineEdit otherField(&other);
+    other.show();
+    soon([&] {
+        button("LeseFSDatenBut")->setFocus();
+        events.run(0.01);
+        EXPECT_TRUE(box->hasFocus());
+        QApplication::setActiveWindow(&other);
+        otherField.setFocus();
+        events.run(0.01);
+        EXPECT_TRUE(otherField.hasFocus());
+        grid->verticalScrollBar()->setValue(30);
+        EXPECT_EQ(box->geometry(), grid->visualRect(grid->model()->index(3, 1)));
+        Press(box, Qt::Key_Return);
+    });
+    click(3, 1);
+    EXPECT_TRUE(otherField.hasFocus());
+}
+
+TEST_F(TableWindows, AReadThatIsCutKeepsTheTableAndDoesNotCount)
+{
+    struct {
+        void (*opener)();
+        const char *window, *read, *write;
+        bool &loaded;
+    } const tables[] = {{OpenRouteEditor, "FSEdit", "LeseFSDatenBut", "SchreibeFSDatenBut", RoutesLoaded},
+        {OpenAssignmentEditor, "MagSymZuordWin", "LeseSymZuordBut", "SchreibeSymZuordBut", MagSymZuordLoaded},
+        {OpenAccessoryListEditor, "MagListeWin", "LeseMagListeBut", "SchreibeMagListeBut", MagListeLoaded}};
+    for (const auto &table : tables) {
+        user.acceptAnyBox();
+        open(table.opener, table.window);
+        sim::Faults faults;
+        faults.hangUp.nth = 8;
+        layout().faults.set(faults);
+        button(table.read)->click();
+        EXPECT_FALSE(table.loaded);
+        EXPECT_FALSE(button(table.write)->isEnabled());
+        EXPECT_FALSE(user.progressVisible);
+        events.run(0.1); // the loss is told
+        layout().faults.set({});
+        port.replug();
+        soon([this, &table] { button(table.read)->click(); }); // a second press in mid-read is ignored
+        button(table.read)->click();                           // finds the handheld again
+        EXPECT_TRUE(table.loaded);
+        EXPECT_TRUE(button(table.write)->isEnabled());
+        button("CancelButton")->click();
+        EXPECT_FALSE(window->isVisible());
+    }
+    EXPECT_EQ(handheld().state.identifications, 3);
+}
+
+TEST_F(TableWindows, TheAssignmentShowsPicksAndWritesSymbols)
+{
+    flash().setBytes(MagZuordAddress, QByteArray::fromHex("aa01050763"));
+    flash().setBytes(MagZuordAddress + 2048, QByteArray::fromHex("01bb"));
+    open(OpenAssignmentEditor, "MagSymZuordWin");
+    button("LeseSymZuordBut")->click();
+    QStringList texts{QStringLiteral("Lese Zuordnungsdaten")};
+    for (int g = 0; g < 32; ++g)
+        texts += QStringLiteral("Lese Zuordnungsdaten %1").arg(g);
+    texts += QStringLiteral("Schreibe Tabelle");
+    for (int n = 200; n <= 2000; n += 200)
+        texts += QStringLiteral("Schreibe Tabelle %1").arg(n);
+    EXPECT_EQ(user.progress, texts);
+    for (const auto &[number, text] : {std::pair(0, "#|#"), {1, "#|"}, {2, "|#"}, {3, "|"}, {4, "|"}, {2047, "#|#"}})
+        EXPECT_EQ(row(number), text) << number;
+
+    pick(2047, 0, 5);
+    EXPECT_EQ(row(2047), "#|");
+    EXPECT_EQ(grid->currentRow(), 2047);
+    EXPECT_EQ(grid->currentColumn(), 1);
+    pick(1, 2, NothingChosen);
+    EXPECT_EQ(row(1), "#|");
+    user.progress.clear();
+    button("SchreibeSymZuordBut")->click();
+    EXPECT_EQ(user.progress.constFirst(), QStringLiteral("Schreibe Fahrstraßen"));
+    EXPECT_EQ(flashBytes(MagZuordAddress, 5).toHex(), QByteArray("aa01050763"));
+    EXPECT_EQ(flashBytes(MagZuordAddress + 2047, 3).toHex(), QByteArray("ff05bb"));
+}
+
+TEST_F(TableWindows, TheAccessoryListTakesAddressesDesignationsAndSymbols)
+{
+    flash().setBytes(MagListeAddress + 8, QByteArray::fromHex("0102200101060708"));
+    open(OpenAccessoryListEditor, "MagListeWin");
+    button("LeseMagListeBut")->click();
+    EXPECT_EQ(row(0), "258|W1|#|#");
+    EXPECT_EQ(row(31), "65535|ÿÿ||");
+
+    struct {
+        int column;
+        const char *typed, *shown, *stored; // the first five bytes of the place
+    } const entries[] = {{1, "2048", "2048", "0800ffffff"}, {1, "2049", "ERR!", "ffffffffff"},
+        {1, "2048,4", "2048,4", "0800ffffff"}, {1, "2048.5", "ERR!", "ffffffffff"}, {1, "0,5", "0,5", "0001ffffff"},
+        {1, " 12.6x", " 12.6X", "000dffffff"}, {1, "", "ERR!", "ffffffffff"}, {1, "-3", "ERR!", "ffffffffff"},
+        {1, "99999999999", "ERR!", "ffffffffff"}, {2, "ab", "AB", "ffff0a0bff"}, {2, "ü", "Ü", "ffff2627ff"},
+        {2, "", "", "ffff2727ff"}, {2, "ß1234", "ß1234", "ffff2701ff"}};
+    int place = 1;
+    for (const auto &entry : entries) {
+        type(place, entry.column, entry.typed);
+        EXPECT_EQ(grid->text(place, entry.column), QString::fromUtf8(entry.shown)) << entry.typed;
+        QByteArray stored;
+        for (size_t i = 0; i < 5; ++i)
+            stored += static_cast<char>(MagListeDaten.at(static_cast<size_t>(place) * PlaceSize + i));
+        EXPECT_EQ(stored.toHex(), QByteArray(entry.stored)) << entry.typed;
+        ++place;
+    }
+    click(0, 0);
+    pick(0, 4, NothingChosen);
+    EXPECT_EQ(row(0), "258|W1|#|#");
+    pick(0, 3, 7);
+    EXPECT_EQ(row(0), "258|W1||#");
+    button("SchreibeMagListeBut")->click();
+    EXPECT_EQ(flashBytes(MagListeAddress + 8, 16).toHex(), QByteArray("01022001070607080800ffffffffffff"));
+    EXPECT_EQ(user.progress.constLast(), QStringLiteral("Schreibe Mag.Listendaten"));
+}

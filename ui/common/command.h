@@ -1,0 +1,35 @@
+// Begins every command of the user: one at a time, with what was shown at the click, behind the connection guard.
+#pragma once
+
+#include "program/ask.h"
+#include "program/run_control.h"
+
+#include <utility>
+
+/// Lives as long as the command. The guard and questions wait; what is typed meanwhile belongs to the next command, so
+/// whatever a command writes is taken before it asks anything (see CommandOn).
+class Command
+{
+public:
+    /// False when another command runs (its window is brought forward) or the program ends: return at once then.
+    [[nodiscard]] bool ok() const { return busy.ok(); }
+
+    /// The connection guard; also false when the command may not run at all.
+    [[nodiscard]] bool connected() const;
+
+    /// Asks a Yes/No question and looks at the guard again afterwards: the port may have gone while it was open.
+    [[nodiscard]] bool confirmed(const BoxText &question, bool defaultYes) const;
+
+private:
+    BusyScope busy;
+};
+
+/// A command that works on what was shown at the click.
+template <typename Shown> class CommandOn : public Command
+{
+public:
+    template <typename Take> explicit CommandOn(Take take) : shown(take()) { }
+    const Shown shown;
+};
+
+template <typename Take> CommandOn(Take) -> CommandOn<decltype(std::declval<Take>()())>;

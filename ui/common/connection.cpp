@@ -1,0 +1,64 @@
+#include "ui/common/connection.h"
+
+#include "link/open_link.h"
+#include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+#include "shown/connection.h"
+#include "ui/common/windows.h"
+
+Outcome OpenPort()
+{
+    if (Comm().isOpen()) {
+        ClosePort();
+        return {};
+    }
+    while (!OpenLink().ok()) {
+        TheAsk().hideProgress();
+        if (WaitsMustEnd() || !AskForSelection())
+            return Outcome(End::ProgramEnds);
+    }
+    return {};
+}
+
+bool AskForSelection()
+{
+    SelectionAnswer = 0;
+    SelectionAwaited = true;
+    TheWindows().showSelectionWindow();
+    const bool answered = PumpUntil([] { return SelectionAnswer != 0; });
+    SelectionAwaited = false;
+    TheWindows().hideSelectionWindow();
+    if (answered && SelectionAnswer == 1)
+        return true;
+    RequestEnd();
+    return false;
+}
+
+bool PortReady()
+{
+    if (Comm().isOpen())
+        return true;
+    if (!OpenPort().ok())
+        return false;
+    if (!Comm().isOpen() && InterfaceType != InterfaceNone) {
+        TheAsk().showBox(
+            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
+    }
+    return Comm().isOpen();
+}
+
+void ConnectHandheld()
+{
+    ShowHandheld({}); // whatever was there before may not be there now
+    if (PortReady())
+        ShowHandheld(FindHandheld().value);
+    TheWindows().setMainWindowTitle(TitleWithHandheld());
+}
+
+bool HandheldConnected()
+{
+    if (!HandreglerGefunden)
+        ConnectHandheld();
+    return HandreglerGefunden && !WaitsMustEnd();
+}

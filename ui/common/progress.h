@@ -1,0 +1,21 @@
+// Shows a text in the progress window while it lives. Without a text the window appears with the first one that the
+// command gives itself.
+#pragma once
+
+#include "program/ask.h"
+
+class Progress
+{
+public:
+    Progress() = default;
+    explicit Progress(const QString &text) { TheAsk().showProgress(text); }
+    ~Progress() { TheAsk().hideProgress(); }
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+};
+
+/// Pause after most operations, so that their progress text can be read.
+constexpr double StandardDelaySeconds = 0.5;
+
+/// Pause after a pick and around the filling of tables.
+constexpr double ShortPauseSeconds = 0.1;

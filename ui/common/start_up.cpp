@@ -1,0 +1,75 @@
+#include "ui/common/start_up.h"
+
+#include "link/message_layer.h"
+#include "link/open_link.h"
+#include "link/text_encoding.h"
+#include "program/ask.h"
+#include "program/branding.h"
+#include "program/run_control.h"
+#include "shown/catalogue.h"
+#include "ui/common/connection.h"
+#include "ui/common/progress.h"
+#include "ui/common/windows.h"
+
+namespace
+{
+
+constexpr double BeforeSearchSeconds = 0.1;
+constexpr double BeforeSelectionSeconds = 1;
+
+void ShowWarning()
+{
+    const QString blanks = QStringLiteral("   ");
+    const QString text = blanks + u'\r' + TheBranding().warningLine + u'\r'
+        + QStringLiteral("wenn die Daten ausgelesen oder geändert werden sollen.") + u"\r \r"
+        + QStringLiteral("Bitte verbinden Sie jetzt einen Handregler mit LocoNet!") + u'\r' + blanks;
+    TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
+}
+
+void PrepareWindow()
+{
+    UseSettings(ReadSettings());
+    TheWindows().setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+    TheWindows().showMainWindow();
+    TheWindows().setMainWindowTitle(TheBranding().windowTitle);
+}
+
+void Search()
+{
+    {
+        const Progress progress(QStringLiteral("Suche Handregler!"));
+        TheWindows().setMainWindowEnabled(false);
+        WaitSeconds(BeforeSearchSeconds);
+        ConnectHandheld();
+    }
+    if (!HandreglerGefunden)
+        return;
+    TheWindows().setMainWindowEnabled(true);
+    TheWindows().raiseMainWindow();
+}
+
+/// One round: true when the program goes on in the main window or ends, false to begin again.
+bool StartUpRound()
+{
+    PrepareWindow();
+    ShowWarning();
+    if (WaitsMustEnd() || HandreglerGefunden)
+        return true;
+    Search();
+    if (WaitsMustEnd() || HandreglerGefunden)
+        return true;
+    WaitSeconds(BeforeSelectionSeconds);
+    return WaitsMustEnd() || !AskForSelection();
+}
+
+} // namespace
+
+void Main()
+{
+    const BusyScope busy;
+    TxLen = -1;
+    HandheldMode = true;
+    BuildZeichensatz();
+    ScanCatalogues();
+    while (!StartUpRound()) { }
+}

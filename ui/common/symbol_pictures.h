@@ -1,0 +1,25 @@
+// Pictures of the symbol catalogues for grids and picture boxes, loaded once and kept by kind, number and half.
+#pragma once
+
+#include "shown/catalogue.h"
+
+#include <QPixmap>
+
+/// The picture of a number and catalogue half; null where there is none or the file is missing or damaged. The disk is
+/// touched only when the picture is asked for the first time.
+QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf);
+
+/// The same by the handheld's half (HalfOn, HalfOff).
+QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf);
+
+/// The check mark of the import window.
+QPixmap HookPicture();
+
+/// Loads a file anew: for the preview files, which change under the same name.
+QPixmap FreshPictureOfFile(const QString &path);
+
+/// Forgets the pictures of a number, of the whole kind with number -1: their files were written.
+void DropSymbolPictures(SymbolKind kind, int number);
+
+/// Forgets all. To be called while the application object lives.
+void ResetSymbolPictures();

@@ -1,0 +1,48 @@
+// What the windows need from each other without knowing each other: file dialogs, the selection window, the main
+// window, and which window a running command waits for.
+#pragma once
+
+#include <QString>
+
+#include <vector>
+
+class QWidget;
+
+class Windows
+{
+public:
+    virtual ~Windows() = default;
+
+    /// File dialogs; the filter is a wildcard such as "*.bmp". Empty text when cancelled.
+    [[nodiscard]] virtual QString openFileName(const QString &title, const QString &filter) = 0;
+    [[nodiscard]] virtual QString saveFileName(const QString &title, const QString &filter) = 0;
+
+    /// The selection window for port and interface, opened for someone who waits on SelectionAnswer.
+    virtual void showSelectionWindow() = 0;
+    virtual void hideSelectionWindow() = 0;
+
+    virtual void showMainWindow() = 0;
+    virtual void raiseMainWindow() = 0;
+    virtual void setMainWindowEnabled(bool enabled) = 0;
+    virtual void setMainWindowTitle(const QString &title) = 0;
+
+    /// Shows or hides the menu item of the command-station download (offered with interface kind 3 only).
+    virtual void setLokDataMenuVisible(bool visible) = 0;
+};
+
+/// Installs the windows; they stay owned by the caller and must outlive all use.
+void InstallWindows(Windows *windows);
+Windows &TheWindows();
+
+/// Names a window that the running command waits for, so that a second command can bring it forward.
+class WaitingWindow
+{
+public:
+    explicit WaitingWindow(QWidget *window);
+    ~WaitingWindow();
+    WaitingWindow(const WaitingWindow &) = delete;
+    WaitingWindow &operator=(const WaitingWindow &) = delete;
+};
+
+/// The innermost window that is waited for; null when there is none.
+QWidget *WaitedFor();

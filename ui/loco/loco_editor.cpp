@@ -1,0 +1,332 @@
+#include "ui/loco/loco_editor.h"
+
+#include "handheld/flash_map.h"
+#include "link/open_link.h"
+#include "link/text_encoding.h"
+#include "platform/text.h"
+#include "ui/common/command.h"
+#include "ui/common/pickers.h"
+#include "ui/common/progress.h"
+#include "ui/common/symbol_pictures.h"
+#include "ui/widgets/build_controls.h"
+#include "ui/widgets/grid.h"
+#include "ui/widgets/picture_box.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+namespace
+{
+
+enum Column { HeadColumn, OnColumn, OffColumn, MomentaryColumn, ColumnCount };
+constexpr std::array<int, ColumnCount> ColumnWidths{26, 27, 27, 30}; // with the grid's frame 112 pixels together
+constexpr int RowHeight = 20;
+constexpr int HeadGap = 4;
+constexpr int LeastRowsShown = 8;
+constexpr int LocoPictureWidth = 49;
+constexpr int LocoPictureHeight = 17;
+constexpr int NameFieldCharacters = 24;
+
+QString AccessCode()
+{
+    return QStringLiteral("Rupo");
+}
+
+} // namespace
+
+LocoEditor::LocoEditor(QWidget *parent)
+    : QGroupBox(QStringLiteral("Lokdatensatz ändern:"), parent)
+    , adrTxt(NamedField(QStringLiteral("AdrTxt"), QStringLiteral("Lokadresse:"), this))
+    , loknameTxt(NamedField(QStringLiteral("LoknameTxt"), QStringLiteral("Lokname:"), this))
+    , lokSymPic(NamedPicture(
+          QStringLiteral("LokSymPic"), QStringLiteral("Symbol:"), LocoPictureWidth, LocoPictureHeight, this))
+    , fktTab(new Grid(FunctionCount, ColumnCount, this))
+    , multiUniChk(new QCheckBox(QStringLiteral("identische Sym. für alle Funktionen"), this))
+    , readBut(NamedButton(QStringLiteral("LeseLokDatensatzBut"), QStringLiteral("Lese Lokdatensatz"), this))
+    , writeBut(NamedButton(QStringLiteral("SchreibeLokDatensatzBut"), QStringLiteral("Schreibe Lokdatensatz"), this))
+    , deleteBut(NamedButton(QStringLiteral("ResetLokdatenBut"), QStringLiteral("Lokdatensatz löschen"), this))
+{
+    setObjectName(QStringLiteral("Frame1"));
+    multiUniChk->setObjectName(QStringLiteral("MultiUniChk"));
+    loknameTxt->setText(LokName);
+    loknameTxt->setMaxLength(NameLength);
+    loknameTxt->setMinimumWidth(loknameTxt->fontMetrics().averageCharWidth() * NameFieldCharacters);
+    buildGrid();
+    buildLayout();
+    connectControls();
+    clearShownRecord();
+}
+
+void LocoEditor::buildGrid()
+{
+    fktTab->setObjectName(QStringLiteral("FktTab"));
+    fktTab->setAccessibleName(QStringLiteral("Funktionen"));
+    fktTab->horizontalHeader()->hide();
+    for (size_t i = 0; i < ColumnWidths.size(); ++i)
+        fktTab->setColumnWidth(static_cast<int>(i), ColumnWidths.at(i));
+    for (int row = 0; row < FunctionCount; ++row)
+        fktTab->setRowHeight(row, RowHeight);
+    fktTab->hugColumns();
+    fktTab->setMinimumHeight(RowHeight * LeastRowsShown);
+}
+
+/// The grid with its column heads: the first ends where its column ends, the last begins where its column begins.
+QWidget *LocoEditor::buildGridWithHeads()
+{
+    auto *area = new QWidget(this);
+    auto *funktion = NamedLabel(QStringLiteral("Label4"), QStringLiteral("Funktion"), area);
+    auto *symbole = NamedLabel(QStringLiteral("Label5"), QStringLiteral("Symbole"), area);
+    auto *tastfunktion = NamedLabel(QStringLiteral("Label6"), QStringLiteral("Tastfunktion"), area);
+    const int side = tastfunktion->sizeHint().width() + HeadGap;
+    funktion->setFixedWidth(side);
+    funktion->setAlignment(Qt::AlignRight);
+    funktion->setContentsMargins(0, 0, HeadGap, 0);
+    symbole->setFixedWidth(ColumnWidths.at(OnColumn) + ColumnWidths.at(OffColumn));
+    symbole->setAlignment(Qt::AlignHCenter);
+    tastfunktion->setContentsMargins(HeadGap, 0, 0, 0);
+    auto *heads = new QHBoxLayout;
+    heads->setSpacing(0);
+    for (QLabel *label : {funktion, symbole, tastfunktion})
+        heads->addWidget(label);
+    auto *gridRow = new QHBoxLayout;
+    gridRow->addSpacing(side - ColumnWidths.at(HeadColumn));
+    gridRow->addWidget(fktTab);
+    gridRow->addStretch();
+    auto *layout = new QVBoxLayout(area);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(heads);
+    layout->addLayout(gridRow, 1);
+    return area;
+}
+
+QHBoxLayout *LocoEditor::buildButtons()
+{
+    auto *row = new QHBoxLayout;
+    for (QPushButton *button : {readBut, writeBut, deleteBut})
+        row->addWidget(button);
+    return row;
+}
+
+void LocoEditor::buildLayout()
+{
+    auto *fields = new QGridLayout;
+    auto *label1 = NamedLabel(QStringLiteral("Label1"), QStringLiteral("Lokadresse:"), this);
+    auto *label2 = NamedLabel(QStringLiteral("Label2"), QStringLiteral("Lokname:"), this);
+    label1->setBuddy(adrTxt);
+    label2->setBuddy(loknameTxt);
+    adrTxt->setMaximumWidth(adrTxt->fontMetrics().averageCharWidth() * 10);
+    fields->addWidget(label1, 0, 0);
+    fields->addWidget(adrTxt, 0, 1, Qt::AlignLeft);
+    fields->addWidget(label2, 1, 0);
+    fields->addWidget(loknameTxt, 1, 1);
+    fields->addWidget(NamedLabel(QStringLiteral("Label3"), QStringLiteral("Symbol:"), this), 2, 0);
+    fields->addWidget(lokSymPic, 2, 1, Qt::AlignLeft);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addWidget(NamedLine(QStringLiteral("Line1"), this));
+    auto *gridArea = buildGridWithHeads();
+    layout->addWidget(gridArea, 1, Qt::AlignHCenter);
+    layout->addWidget(NamedLine(QStringLiteral("Line2"), this));
+    layout->addWidget(multiUniChk);
+    layout->addLayout(buildButtons());
+}
+
+void LocoEditor::connectControls()
+{
+    connect(adrTxt, &QLineEdit::textChanged, this, &LocoEditor::addressChanged);
+    connect(loknameTxt, &QLineEdit::textChanged, this, &LocoEditor::nameChanged);
+    connect(multiUniChk, &QCheckBox::toggled, this, [](bool checked) { MultiUni = checked ? 1 : 0; });
+    lokSymPic->makeClickable();
+    connect(lokSymPic, &PictureBox::clicked, this, &LocoEditor::pickLocoSymbol);
+    connect(fktTab, &Grid::cellActed, this, &LocoEditor::actOnFunction);
+    connect(readBut, &QPushButton::clicked, this, &LocoEditor::readRecord);
+    connect(writeBut, &QPushButton::clicked, this, &LocoEditor::writeRecord);
+    connect(deleteBut, &QPushButton::clicked, this, &LocoEditor::deleteRecord);
+}
+
+void LocoEditor::focusAddress()
+{
+    adrTxt->setFocus();
+    adrTxt->selectAll();
+}
+
+LocoEditor::Shown LocoEditor::shownNow() const
+{
+    return {adrTxt->text(), CurrentLocoRecord()};
+}
+
+void LocoEditor::nameChanged(const QString &text)
+{
+    const bool wasEmpty = LokName == LeerName();
+    LokName = UpperLatin1(text);
+    if (wasEmpty && LokName != LeerName())
+        showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
+}
+
+void LocoEditor::addressChanged()
+{
+    clearShownRecord();
+    MultiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
+    if (Val(adrTxt->text()) > LastLoco)
+        adrTxt->setText(QStringLiteral("??"));
+    if (adrTxt->text() == AccessCode())
+        Q_EMIT startImageUnlocked();
+}
+
+void LocoEditor::clearShownRecord()
+{
+    lokSymPic->setPicture(QPixmap());
+    for (int row = 0; row < FunctionCount; ++row) {
+        fktTab->setText(row, HeadColumn, u'f' + QString::number(row));
+        fktTab->setPicture(row, OnColumn, QPixmap());
+        fktTab->setPicture(row, OffColumn, QPixmap());
+        fktTab->setText(row, MomentaryColumn, QString());
+    }
+    const QSignalBlocker blocker(multiUniChk);
+    multiUniChk->setChecked(false);
+}
+
+void LocoEditor::showName()
+{
+    const QSignalBlocker blocker(loknameTxt);
+    // The record's filling blanks would only be in the way of typing.
+    const QString shown = IsEmptyName(LokName) ? LeerName() : WithoutTrailingBlanks(LokName);
+    loknameTxt->setText(shown);
+    loknameTxt->setCursorPosition(0);
+}
+
+void LocoEditor::showLocoSymbol()
+{
+    const bool known = LokSymbol < LokSymbolCount;
+    lokSymPic->setPicture(known ? SymbolPicture(SymbolKind::Loco, LokSymbol, 0) : QPixmap());
+}
+
+void LocoEditor::showFunctionSymbols(int row)
+{
+    const int number = FktSymbol.at(static_cast<size_t>(row));
+    fktTab->setPicture(row, OnColumn, SymbolPictureOfHalf(SymbolKind::Function, number, HalfOn));
+    fktTab->setPicture(row, OffColumn, SymbolPictureOfHalf(SymbolKind::Function, number, HalfOff));
+}
+
+void LocoEditor::showFunctions()
+{
+    for (int row = 0; row < FunctionCount; ++row) {
+        showFunctionSymbols(row);
+        fktTab->setText(row, MomentaryColumn, QString::number(FktModus.at(static_cast<size_t>(row))));
+    }
+}
+
+/// Everything but the name, as it stands in memory.
+void LocoEditor::showMemory()
+{
+    showLocoSymbol();
+    showFunctions();
+    const QSignalBlocker blocker(multiUniChk);
+    multiUniChk->setChecked(MultiUni == 1);
+}
+
+void LocoEditor::showRecord()
+{
+    showName();
+    clearShownRecord();
+    if (!IsEmptyName(LokName) && LokName != LeerName())
+        showMemory();
+}
+
+void LocoEditor::readRecord()
+{
+    const CommandOn command([this] { return adrTxt->text(); });
+    if (!command.connected())
+        return;
+    const Progress progress(QStringLiteral("Lese Lokdatensatz"));
+    if (ReadLocoRecord(Val(command.shown)).brokenOff())
+        return; // half a record must not be shown, nor written later
+    if (IsEmptyName(LokName))
+        LokName = LeerName();
+    showRecord();
+    if (adrTxt->text() != command.shown) {
+        clearShownRecord(); // the user typed on: the record shown does not belong to that address
+        MultiUni = 0;       // what the unticked box shows
+    }
+    WaitSeconds(StandardDelaySeconds);
+}
+
+void LocoEditor::writeRecord()
+{
+    const CommandOn command([this] { return shownNow(); });
+    if (!command.connected())
+        return;
+    LocoRecord record = command.shown.record;
+    if (record.name == LeerName()) {
+        TheAsk().showBox({QStringLiteral("Der Lokdatensatz ist leer!\nEs wird nichts geschrieben!"),
+            QStringLiteral("Achtung"), BoxIcon::None});
+        return;
+    }
+    const Progress progress(QStringLiteral("Schreibe Lokdatensatz"));
+    record.name = FitLocoName(record.name);
+    if (LokName == command.shown.record.name) // otherwise the user has typed on
+        LokName = record.name;
+    if (WriteLocoRecord(Val(command.shown.address), record).brokenOff())
+        return;
+    WaitSeconds(StandardDelaySeconds);
+}
+
+void LocoEditor::deleteRecord()
+{
+    const CommandOn command([this] { return adrTxt->text(); });
+    if (!command.ok())
+        return;
+    const LocoRecord erased{EmptyName(NameLength + 1), {}, {}, 0, 0};
+    SetCurrentLocoRecord(erased);
+    if (!HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
+        showRecord();
+        return;
+    }
+    const Progress progress(QStringLiteral("Lösche Lokdatensatz"));
+    const Outcome written = WriteLocoRecord(Val(command.shown), erased);
+    showRecord();
+    if (!written.brokenOff())
+        WaitSeconds(StandardDelaySeconds);
+}
+
+void LocoEditor::toggleMomentary(int row)
+{
+    int &mode = FktModus.at(static_cast<size_t>(row));
+    mode = mode == 1 ? 0 : 1;
+    fktTab->setText(row, MomentaryColumn, QString::number(mode));
+}
+
+void LocoEditor::actOnFunction(int row, int column)
+{
+    const Command command;
+    if (!command.ok() || column == HeadColumn)
+        return;
+    if (column == MomentaryColumn) {
+        toggleMomentary(row);
+        return;
+    }
+    const int chosen = PickSymbol(SymbolKind::Function, FktSymbol.at(static_cast<size_t>(row)));
+    if (chosen == NothingChosen)
+        return;
+    FktSymbol.at(static_cast<size_t>(row)) = chosen;
+    showFunctionSymbols(row);
+}
+
+void LocoEditor::pickLocoSymbol()
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    const int chosen = PickSymbol(SymbolKind::Loco, LokSymbol);
+    if (chosen == NothingChosen)
+        return;
+    LokSymbol = chosen;
+    showLocoSymbol();
+}

@@ -1,0 +1,68 @@
+// "Lokdatensatz ändern:": shows, reads, writes and deletes one loco record.
+#pragma once
+
+#include "shown/record.h"
+
+#include <QGroupBox>
+
+class Grid;
+class PictureBox;
+class QCheckBox;
+class QHBoxLayout;
+class QLineEdit;
+class QPushButton;
+
+class LocoEditor : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit LocoEditor(QWidget *parent);
+
+    /// Shows the current loco record.
+    void showRecord();
+
+    /// Gives the address field the focus, with its text selected.
+    void focusAddress();
+
+Q_SIGNALS:
+    /// The access code was typed into the address field.
+    void startImageUnlocked();
+
+private:
+    void buildGrid();
+    QWidget *buildGridWithHeads();
+    QHBoxLayout *buildButtons();
+    void buildLayout();
+    void connectControls();
+    /// What the write button writes: the address and the record in memory.
+    struct Shown {
+        QString address;
+        LocoRecord record;
+    };
+    [[nodiscard]] Shown shownNow() const;
+
+    void addressChanged();
+    void nameChanged(const QString &text);
+    void clearShownRecord();
+    void showName();
+    void showLocoSymbol();
+    void showFunctionSymbols(int row);
+    void showFunctions();
+    void showMemory();
+    void readRecord();
+    void writeRecord();
+    void deleteRecord();
+    void toggleMomentary(int row);
+    void actOnFunction(int row, int column);
+    void pickLocoSymbol();
+
+    QLineEdit *adrTxt;
+    QLineEdit *loknameTxt;
+    PictureBox *lokSymPic;
+    Grid *fktTab;
+    QCheckBox *multiUniChk;
+    QPushButton *readBut;
+    QPushButton *writeBut;
+    QPushButton *deleteBut;
+};

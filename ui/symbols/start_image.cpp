@@ -1,0 +1,53 @@
+#include "ui/symbols/start_image.h"
+
+#include "handheld/symbol_storage.h"
+#include "shown/record.h"
+#include "ui/common/command.h"
+#include "ui/common/progress.h"
+#include "ui/symbols/pixel_editor.h"
+
+namespace
+{
+
+BoxText Question()
+{
+    return {QStringLiteral("Soll das Startbild in den Handregler geschrieben werden?"),
+        QStringLiteral("Startbild ändern?"), BoxIcon::None};
+}
+
+BoxText DoubtQuestion()
+{
+    return {QStringLiteral("Beim Lesen des Startbilds hat der Handregler nicht immer geantwortet;\r"
+                           "es ist vielleicht unvollständig. Soll es trotzdem geschrieben werden?"),
+        QStringLiteral("Achtung!"), BoxIcon::Critical};
+}
+
+Result<Picture> Read()
+{
+    const Progress progress(QStringLiteral("Lese Startbild"));
+    Result<Picture> read = ReadStartPicture(SpiBuf);
+    if (!read.outcome.brokenOff())
+        WaitSeconds(StandardDelaySeconds);
+    return read;
+}
+
+} // namespace
+
+void EditStartImage()
+{
+    const Command command;
+    if (!command.connected())
+        return;
+    const Result<Picture> read = Read();
+    if (read.outcome.brokenOff())
+        return;
+    Picture picture = EditPicture(read.value);
+    if (!command.confirmed(Question(), false))
+        return;
+    if (!read.ok() && !command.confirmed(DoubtQuestion(), false))
+        return;
+    const Progress progress(QStringLiteral("Schreibe Startbild"));
+    LaySizeBytes(picture);
+    if (!WriteStartPicture(SpiBuf, picture, Patience::Agreed).brokenOff())
+        WaitSeconds(StandardDelaySeconds);
+}

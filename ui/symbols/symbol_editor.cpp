@@ -1,0 +1,381 @@
+#include "ui/symbols/symbol_editor.h"
+
+#include "platform/files.h"
+#include "platform/text.h"
+#include "platform/world.h"
+#include "shown/catalogue.h"
+#include "shown/record.h"
+#include "symbols/bmp_file.h"
+#include "ui/common/command.h"
+#include "ui/common/pickers.h"
+#include "ui/common/progress.h"
+#include "ui/common/symbol_pictures.h"
+#include "ui/symbols/pixel_editor.h"
+#include "ui/widgets/build_controls.h"
+#include "ui/widgets/picture_box.h"
+
+#include <QDir>
+#include <QEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace
+{
+
+constexpr int NumberFieldCharacters = 7;
+
+/// Why a description can't be part of a file name; empty when it can.
+QString DescriptionError(const QString &description)
+{
+    const QString forbidden = QStringLiteral("/\\:*?\"<>|");
+    for (const QChar c : description) {
+        if (forbidden.contains(c) || c.unicode() < u' ')
+            return QStringLiteral("Die Kurzbeschreibung darf keines dieser Zeichen enthalten: / \\ : * ? \" < > |");
+    }
+    for (const char *marker : {"%ON%", "%OFF%", "%ROT%", "%GRN%"}) {
+        if (description.contains(QLatin1String(marker), Qt::CaseInsensitive))
+            return QStringLiteral("Die Kurzbeschreibung darf %1 nicht enthalten!").arg(QLatin1String(marker));
+    }
+    return {};
+}
+
+/// The picture as it would stand in a file: for a program folder that cannot be written.
+QPixmap Painted(const Picture &picture)
+{
+    const PictureGeometry geometry = picture.geometry;
+    const PictureRows rows = RowsOf(picture);
+    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
+    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
+    for (int y = 0; y < geometry.height; ++y) {
+        for (int x = 0; x < geometry.width; ++x) {
+            const PixelPlace place = PlaceOfPixel(geometry.width, x, y);
+            const bool dark = (rows.at(static_cast<size_t>(place.byte)) & place.mask) != 0;
+            image.setPixel(x, geometry.height - 1 - y, dark ? 1 : 0);
+        }
+    }
+    return QPixmap::fromImage(image);
+}
+
+/// Removes the file that a new one of the same number replaces; a failure is told.
+void RemoveOldFile(const QString &path)
+{
+    if (!QFile::exists(path) || QFile::remove(path))
+        return;
+    TheAsk().showBox({QStringLiteral("Die alte Datei %1 kann nicht gelöscht werden!\r"
+                                     "Bitte löschen Sie sie selbst, sonst erscheint vielleicht ihr Bild.")
+                          .arg(QDir::toNativeSeparators(path)),
+        QStringLiteral("Fehler!"), BoxIcon::Critical});
+}
+
+} // namespace
+
+const SymbolEditorLook &LokSymbolLook()
+{
+    static const SymbolEditorLook look{.kind = SymbolKind::Loco,
+        .frameName = QStringLiteral("Frame2"),
+        .frameCaption = QStringLiteral("Loksymbol ändern: "),
+        .numberLabelName = QStringLiteral("Label7"),
+        .rangeLabelName = QStringLiteral("Label10"),
+        .rangeText = QStringLiteral("0 .. 63"),
+        .numberFieldName = QStringLiteral("LokSymNrTxt"),
+        .highestNumber = 63,
+        .lastFixedNumber = -1,
+        .pictureName = QStringLiteral("LokSym2Pic"),
+        .readButtonName = QStringLiteral("LeseLoksymbolBut"),
+        .readCaption = QStringLiteral("Lese Loksymbol"),
+        .writeButtonName = QStringLiteral("SchreibeLoksymbolBut"),
+        .writeCaption = QStringLiteral("Schreibe Loksymbol"),
+        .editButtonName = QStringLiteral("EditLokSymBut"),
+        .editCaption = QStringLiteral("Edit Loksym."),
+        .halvesFrameName = {},
+        .halvesName = {},
+        .halves = {},
+        .secondHalfFirst = false,
+        .pictureWidth = 52,
+        .pictureHeight = 20,
+        .readText = QStringLiteral("Lese Loksymbol"),
+        .writeText = QStringLiteral("Schreibe Loksymbol")};
+    return look;
+}
+
+const SymbolEditorLook &FktSymbolLook()
+{
+    static const SymbolEditorLook look{.kind = SymbolKind::Function,
+        .frameName = QStringLiteral("Frame3"),
+        .frameCaption = QStringLiteral("Funktionsymbol ändern:"),
+        .numberLabelName = QStringLiteral("Label8"),
+        .rangeLabelName = QStringLiteral("Label18"),
+        .rangeText = QStringLiteral("0..255"),
+        .numberFieldName = QStringLiteral("FunksymTxt"),
+        .highestNumber = 255,
+        .lastFixedNumber = 163,
+        .pictureName = QStringLiteral("LokFktPic"),
+        .readButtonName = QStringLiteral("LeseFktSymBut"),
+        .readCaption = QStringLiteral("Lese Fkt.-Symbol"),
+        .writeButtonName = QStringLiteral("SchreibeFktSymBut"),
+        .writeCaption = QStringLiteral("Schreibe Fkt.-Symbol"),
+        .editButtonName = QStringLiteral("EditFktSymBut"),
+        .editCaption = QStringLiteral("Edit Fkt-Sym."),
+        .halvesFrameName = QStringLiteral("Frame4"),
+        .halvesName = QStringLiteral("ONOFF"),
+        .halves = {QStringLiteral("ON"), QStringLiteral("OFF")},
+        .secondHalfFirst = false,
+        .pictureWidth = 18,
+        .pictureHeight = 18,
+        .readText = QStringLiteral("Lese Funktionssymbol"),
+        .writeText = QStringLiteral("Schreibe Funktionssymbol")};
+    return look;
+}
+
+const SymbolEditorLook &MagSymbolLook()
+{
+    static const SymbolEditorLook look{.kind = SymbolKind::Accessory,
+        .frameName = QStringLiteral("MagSymFrame"),
+        .frameCaption = QStringLiteral("Mag.art.symbol ändern:"),
+        .numberLabelName = QStringLiteral("Label9"),
+        .rangeLabelName = QStringLiteral("Label11"),
+        .rangeText = QStringLiteral("0..255"),
+        .numberFieldName = QStringLiteral("MagsymTxt"),
+        .highestNumber = 255,
+        .lastFixedNumber = 27,
+        .pictureName = QStringLiteral("MagPic"),
+        .readButtonName = QStringLiteral("LeseMagSymBut"),
+        .readCaption = QStringLiteral("Lese Mag.-Symbol"),
+        .writeButtonName = QStringLiteral("SchreibeMagSymBut"),
+        .writeCaption = QStringLiteral("Schreibe Mag.-Symbol"),
+        .editButtonName = QStringLiteral("EditMagSymBut"),
+        .editCaption = QStringLiteral("Edit Mag-Sym."),
+        .halvesFrameName = QStringLiteral("Frame6"),
+        .halvesName = QStringLiteral("ONOFFMag"),
+        .halves = {QStringLiteral("Grün"), QStringLiteral("Rot")},
+        .secondHalfFirst = true,
+        .pictureWidth = 18,
+        .pictureHeight = 18,
+        .readText = QStringLiteral("Lese Mag.art.symbol"),
+        .writeText = QStringLiteral("Schreibe Funktionssymbol")}; // the function symbols' text, on purpose
+    return look;
+}
+
+SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
+    : QGroupBox(editorLook.frameCaption, parent)
+    , look(editorLook)
+    , numberTxt(NamedField(look.numberFieldName, QStringLiteral("Sym.Nr.:"), this))
+    , preview(NamedPicture(look.pictureName, QStringLiteral("Vorschau"), look.pictureWidth, look.pictureHeight, this))
+    , readBut(NamedButton(look.readButtonName, look.readCaption, this))
+    , writeBut(NamedButton(look.writeButtonName, look.writeCaption, this))
+    , editBut(NamedButton(look.editButtonName, look.editCaption, this))
+    , picture(EmptyPicture(look.kind))
+{
+    setObjectName(look.frameName);
+    buildLayout();
+    connectControls();
+    numberChanged();
+}
+
+QWidget *SymbolEditor::buildNumberRow()
+{
+    auto *row = new QWidget(this);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *label = NamedLabel(look.numberLabelName, QStringLiteral("Sym.Nr.:"), row);
+    label->setBuddy(numberTxt);
+    numberTxt->setFixedWidth(numberTxt->fontMetrics().averageCharWidth() * NumberFieldCharacters);
+    layout->addWidget(label);
+    layout->addWidget(numberTxt);
+    layout->addWidget(NamedLabel(look.rangeLabelName, look.rangeText, row));
+    layout->addStretch();
+    layout->addWidget(preview);
+    return row;
+}
+
+QWidget *SymbolEditor::buildHalves()
+{
+    auto *frame = new QWidget(this);
+    frame->setObjectName(look.halvesFrameName);
+    auto *layout = new QHBoxLayout(frame);
+    layout->setContentsMargins(0, 0, 0, 0);
+    for (int i = 0; i < look.halves.size(); ++i) {
+        auto *button = new QRadioButton(look.halves.at(i), frame);
+        button->setObjectName(look.halvesName + QString::number(i));
+        button->setChecked(i == 0);
+        halves += button;
+        layout->insertWidget(look.secondHalfFirst ? 0 : i, button);
+    }
+    layout->addStretch();
+    return frame;
+}
+
+void SymbolEditor::buildLayout()
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(buildNumberRow());
+    if (!look.halves.isEmpty())
+        layout->addWidget(buildHalves());
+    auto *buttons = new QGridLayout;
+    buttons->addWidget(readBut, 0, 0);
+    buttons->addWidget(writeBut, 0, 1);
+    buttons->addWidget(editBut, 1, 0);
+    layout->addLayout(buttons);
+    orderTabs();
+}
+
+/// As the eye reads: number, halves, buttons.
+void SymbolEditor::orderTabs()
+{
+    QWidget *last = numberTxt;
+    const auto next = [&last](QWidget *control) {
+        setTabOrder(last, control);
+        last = control;
+    };
+    for (int i = 0; i < halves.size(); ++i)
+        next(halves.at(look.secondHalfFirst ? halves.size() - 1 - i : i));
+    for (QPushButton *button : {readBut, writeBut, editBut})
+        next(button);
+}
+
+int SymbolEditor::chosenHalf() const
+{
+    for (int i = 0; i < halves.size(); ++i) {
+        if (halves.at(i)->isChecked())
+            return i;
+    }
+    return 0;
+}
+
+void SymbolEditor::numberChanged()
+{
+    const int number = Val(numberTxt->text());
+    writeBut->setEnabled(number > look.lastFixedNumber);
+    if (look.lastFixedNumber >= 0)
+        preview->setPicture(QPixmap());
+    if (number > look.highestNumber)
+        numberTxt->setText(QStringLiteral("??"));
+}
+
+void SymbolEditor::connectControls()
+{
+    numberTxt->installEventFilter(this);
+    connect(numberTxt, &QLineEdit::textChanged, this, &SymbolEditor::numberChanged);
+    connect(readBut, &QPushButton::clicked, this, &SymbolEditor::readSymbol);
+    connect(editBut, &QPushButton::clicked, this, &SymbolEditor::editSymbol);
+    connect(writeBut, &QPushButton::clicked, this, &SymbolEditor::writeSymbol);
+}
+
+SymbolEditor::Shown SymbolEditor::shownNow() const
+{
+    return {Val(numberTxt->text()), chosenHalf(), picture, complete};
+}
+
+void SymbolEditor::showPreview()
+{
+    const bool saved = SaveBmp(RowsOf(picture), picture.geometry, QString());
+    preview->setPicture(saved ? FreshPictureOfFile(TemplatePath(picture.geometry.width)) : Painted(picture));
+}
+
+void SymbolEditor::readSymbol()
+{
+    const CommandOn command([this] { return shownNow(); });
+    if (!command.connected())
+        return;
+    const Progress progress(look.readText);
+    const Shown &asked = command.shown;
+    const Result<Picture> read = ReadPicture(SpiBuf, look.kind, asked.number, asked.half);
+    if (read.outcome.brokenOff())
+        return; // the picture shown before stays the one to be written
+    picture = read.value;
+    complete = read.ok();
+    showPreview();
+    if (Val(numberTxt->text()) != asked.number)
+        preview->setPicture(QPixmap()); // the user typed on: the picture does not belong to that number
+    WaitSeconds(StandardDelaySeconds);
+}
+
+void SymbolEditor::editSymbol()
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    picture = EditPicture(picture);
+    showPreview();
+}
+
+/// The new file is written first; the old one of the same number goes only when that is safe.
+bool SymbolEditor::saveToCatalogue(const Shown &shown, const QString &description) const
+{
+    const int half = CatalogueHalf(look.kind, shown.half);
+    const QString old = Katalog(look.kind).at(static_cast<size_t>(shown.number)).at(static_cast<size_t>(half));
+    const QString name = QString::number(shown.number) + u' ' + description + FileEnding(look.kind, shown.half);
+    const QString path = SymbolPath(look.kind, name);
+    QDir().mkpath(QFileInfo(path).path());
+    if (!SaveBmp(RowsOf(shown.picture), shown.picture.geometry, path))
+        return false;
+    EnterSymbolFile(look.kind, shown.number, half, name);
+    const QString oldPath = SymbolPath(look.kind, old);
+    if (CarriesNumber(old, shown.number) && !IsSameFile(oldPath, path))
+        RemoveOldFile(oldPath);
+    return true;
+}
+
+bool SymbolEditor::mayWrite(const Shown &shown)
+{
+    return shown.complete
+        || TheAsk().askYesNo({QStringLiteral("Beim Lesen dieses Bildes hat der Handregler nicht immer geantwortet;\r"
+                                             "es ist vielleicht unvollständig. Soll es trotzdem geschrieben werden?"),
+                                 QStringLiteral("Achtung!"), BoxIcon::Critical},
+            false);
+}
+
+void SymbolEditor::writeSymbol()
+{
+    const CommandOn command([this] { return shownNow(); });
+    Shown shown = command.shown;
+    if (!command.connected() || !mayWrite(shown))
+        return;
+    const QString description =
+        TheAsk().askText(QStringLiteral("Kurzbeschreibung:"), QStringLiteral("Symbol Daten sichern"));
+    if (description.isEmpty())
+        return;
+    if (const QString error = DescriptionError(description); !error.isEmpty()) {
+        TheAsk().showBox({error, QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return;
+    }
+    if (!command.connected()) // the port may have gone meanwhile: then nothing changes on the disk either
+        return;
+    const Progress progress(look.writeText);
+    LaySizeBytes(shown.picture);
+    if (!saveToCatalogue(shown, description))
+        return;
+    const Outcome written =
+        WritePicture(SpiBuf, look.kind, shown.number, shown.half, shown.picture, Patience::Agreed);
+    if (!written.brokenOff())
+        WaitSeconds(StandardDelaySeconds);
+}
+
+void SymbolEditor::pickNumber()
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    const int chosen = PickSymbol(look.kind, Val(numberTxt->text()));
+    if (chosen != NothingChosen)
+        numberTxt->setText(QString::number(chosen));
+}
+
+bool SymbolEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool doubleClick = event->type() == QEvent::MouseButtonDblClick;
+    const bool f4 = event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_F4;
+    if (watched != numberTxt || !(doubleClick || f4))
+        return QGroupBox::eventFilter(watched, event);
+    // From the event loop: the picker waits, and the field must have finished with this event by then.
+    TheEvents().post([this] { pickNumber(); });
+    return true;
+}

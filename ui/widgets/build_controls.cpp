@@ -1,0 +1,48 @@
+#include "ui/widgets/build_controls.h"
+
+#include "ui/widgets/picture_box.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+
+QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent)
+{
+    auto *label = new QLabel(caption, parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    return label;
+}
+
+QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent)
+{
+    auto *button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    button->setAutoDefault(false);
+    return button;
+}
+
+QFrame *NamedLine(const QString &name, QWidget *parent)
+{
+    auto *line = new QFrame(parent);
+    line->setObjectName(name);
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
+QLineEdit *NamedField(const QString &name, const QString &accessibleName, QWidget *parent)
+{
+    auto *field = new QLineEdit(parent);
+    field->setObjectName(name);
+    field->setAccessibleName(accessibleName);
+    return field;
+}
+
+PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int width, int height, QWidget *parent)
+{
+    auto *picture = new PictureBox(width, height, parent);
+    picture->setObjectName(name);
+    picture->setAccessibleName(accessibleName);
+    return picture;
+}

@@ -1,0 +1,56 @@
+#include "ui/widgets/picture_box.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+
+PictureBox::PictureBox(int width, int height, QWidget *parent) : QLabel(parent)
+{
+    setFrameShape(QFrame::StyledPanel);
+    setAlignment(Qt::AlignCenter);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
+    const int frame = 2 * frameWidth();
+    setFixedSize(width + frame, height + frame);
+}
+
+void PictureBox::makeClickable()
+{
+    clickable = true;
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void PictureBox::setPicture(const QPixmap &picture)
+{
+    setPixmap(picture);
+}
+
+void PictureBox::paintEvent(QPaintEvent *event)
+{
+    QLabel::paintEvent(event);
+    if (!hasFocus())
+        return;
+    QPainter painter(this);
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+    painter.drawRect(rect().adjusted(1, 1, -1, -1));
+}
+
+void PictureBox::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (clickable && event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        Q_EMIT clicked();
+    else
+        QLabel::mouseReleaseEvent(event);
+}
+
+void PictureBox::keyPressEvent(QKeyEvent *event)
+{
+    const int key = event->key();
+    const bool acts = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space || key == Qt::Key_F4;
+    if (clickable && acts)
+        Q_EMIT clicked();
+    else
+        QLabel::keyPressEvent(event);
+}
