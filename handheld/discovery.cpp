@@ -72,7 +72,7 @@ QString KindOfType(const QString &type)
 
 void ReportNoHandheld()
 {
-    if (PortLost || BoxesAreSilent())
+    if (LinkLost || BoxesAreSilent())
         return;
     TheAsk().showBox({QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"),
         BoxIcon::Critical});

@@ -38,19 +38,6 @@ PagePart StartImageChunk(const Picture &picture, int offset)
 
 } // namespace
 
-Picture EmptyPicture(SymbolKind kind)
-{
-    Picture picture{GeometryOf(kind), std::vector<int>(static_cast<size_t>(BackupBytesOf(kind)), 0)};
-    LaySizeBytes(picture);
-    return picture;
-}
-
-void LaySizeBytes(Picture &picture)
-{
-    picture.bytes.at(0) = picture.geometry.width / 2 - 1;
-    picture.bytes.at(1) = picture.geometry.height - 1;
-}
-
 Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half)
 {
     const PictureGeometry geometry = GeometryOf(kind);

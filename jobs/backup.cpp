@@ -126,6 +126,8 @@ void TakeEntry(BackupOutcome &outcome, const JobEntry &entry, const BackupSelect
         outcome.unread.push_back(entry.step.id);
     else if (entry.state == RecordState::Doubtful)
         outcome.doubtful.push_back(entry.step.id);
+    if (IsInFile(entry))
+        outcome.saved.push_back(entry.step.id);
     const bool searched = selection.lokSuche && number >= selection.lokSucheStart && number <= selection.lokSucheStop;
     if (entry.step.id.kind == KindLoco && searched && IsInFile(entry))
         outcome.found.push_back(number);
@@ -187,6 +189,7 @@ void ReportDoubtful(const BackupOutcome &outcome)
                     .arg(RecordCount(outcome.unread.size()))
             + RecordsText(outcome.unread);
     }
+    text += QStringLiteral("\r\rGespeichert in %1.").arg(Shown(outcome.fileName));
     TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
 }
 
@@ -235,4 +238,7 @@ void ReportBackup(const BackupOutcome &outcome)
         ReportBrokenOff(outcome);
     else if (outcome.end == JobEnd::Complete && !(outcome.doubtful.empty() && outcome.unread.empty()))
         ReportDoubtful(outcome);
+    else if (outcome.written)
+        ShowDoneBox(QStringLiteral("Gesichert in %1:\r%2").arg(Shown(outcome.fileName), ContentText(outcome.saved)),
+            QStringLiteral("Datensicherung"));
 }

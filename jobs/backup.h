@@ -13,6 +13,7 @@ struct BackupOutcome {
     bool fileExisted = false;       // there was an older backup of the wanted name
     bool written = false;           // fileName now holds what was read
     bool answersMissing = false;    // time-outs or damaged answers, not only strange contents
+    std::vector<RecordId> saved;    // all that is in the file
     std::vector<RecordId> doubtful; // in the file all the same
     std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file
     std::vector<int> found;         // addresses of the loco records that the search found
@@ -30,5 +31,5 @@ Plan BackupPlan(const BackupSelection &selection);
 /// only the last step fails, a question offers to try it again.
 [[nodiscard]] BackupOutcome Backup(const QString &fileName, const BackupSelection &selection);
 
-/// Tells the user what went differently: stop, lost port, doubtful records. No box when all went well.
+/// Tells the user what was saved and where, or what went differently: stop, lost port, doubtful records.
 void ReportBackup(const BackupOutcome &outcome);

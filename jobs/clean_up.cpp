@@ -1,6 +1,7 @@
 #include "jobs/clean_up.h"
 
 #include "handheld/flash_map.h"
+#include "jobs/report.h"
 #include "program/run_control.h"
 
 namespace
@@ -12,7 +13,7 @@ constexpr double SettleSeconds = 0.5;
 Report ClearAllLocoRecords()
 {
     Plan plan{{}, [](const Step &step) { return QStringLiteral("Lösche Lok ") + QString::number(step.id.number); },
-        Patience::Job, true, false};
+        Patience::Job, true, true};
     for (int n = FirstLoco; n <= LastLoco; ++n)
         plan.steps.push_back({StepKind::Delete, {KindLoco, n}, {}, {}});
     return RunJob(plan);
@@ -21,7 +22,7 @@ Report ClearAllLocoRecords()
 Report ResetFktSymbols()
 {
     Plan plan{{}, [](const Step &step) { return QStringLiteral("Fktsym. ") + QString::number(step.id.number); },
-        Patience::Job, true, false};
+        Patience::Job, true, true};
     for (int n = FirstResetSymbol; n < PairCount; ++n) {
         for (const int half : {HalfOn, HalfOff})
             plan.steps.push_back(
@@ -30,4 +31,14 @@ Report ResetFktSymbols()
     Report report = RunJob(plan);
     WaitSeconds(SettleSeconds);
     return report;
+}
+
+void ReportCleanUp(const Report &report, const QString &what, const QString &title)
+{
+    const std::vector<RecordId> done = IdsOf(report, RecordState::Done);
+    const QString text = QStringLiteral("%1 %2.").arg(done.size()).arg(what);
+    if (report.end == JobEnd::Complete)
+        ShowDoneBox(text, title);
+    else if (EndedEarly(report.end))
+        ShowEndBox(report.end, EndText(report.end, QStringLiteral("Abgebrochen.")) + u'\r' + text);
 }

@@ -10,3 +10,6 @@
 /// Resets the function symbols 164 to 255, both halves, to an empty picture, each shown as "Fktsym. n". Ends early
 /// after a symbol that failed, and as above.
 [[nodiscard]] Report ResetFktSymbols();
+
+/// Tells the user how many records were emptied (`what`: "Lokdatensätze gelöscht"), also after an early end.
+void ReportCleanUp(const Report &report, const QString &what, const QString &title);

@@ -5,21 +5,65 @@
 
 #include <QStringList>
 
+namespace
+{
+
+constexpr int MostNumbersInLine = 30; // entries of a short list
+
+std::vector<int> NumbersOfKind(const std::vector<RecordId> &records, int kind)
+{
+    std::vector<int> numbers;
+    for (const RecordId &id : records) {
+        if (id.kind == kind)
+            numbers.push_back(id.number);
+    }
+    return numbers;
+}
+
+/// "5 Lokdatensätze: 1, 3, 8, 18, 24", "4 Loksymbole", "Fahrstraßen".
+QString KindContent(int kind, const std::vector<int> &numbers)
+{
+    if (IsTableKind(kind))
+        return KindOf(kind).plural;
+    if (kind != KindLoco)
+        return QString::number(numbers.size()) + u' ' + KindOf(kind).plural;
+    QStringList entries = ShortList(numbers, QString()).split(u',');
+    if (entries.size() > MostNumbersInLine)
+        entries = entries.first(MostNumbersInLine) << QStringLiteral("...");
+    const QString count = numbers.size() == 1 ? QStringLiteral("1 Lokdatensatz")
+                                              : QStringLiteral("%1 Lokdatensätze").arg(numbers.size());
+    return count + QStringLiteral(": ") + entries.join(QStringLiteral(", "));
+}
+
+} // namespace
+
 QString RecordsText(const std::vector<RecordId> &records)
 {
     QStringList lines;
     for (int kind = KindLoco; kind <= LastKind; ++kind) {
-        std::vector<int> numbers;
-        for (const RecordId &id : records) {
-            if (id.kind == kind)
-                numbers.push_back(id.number);
-        }
+        const std::vector<int> numbers = NumbersOfKind(records, kind);
         const QString list =
             KindOf(kind).numbered ? QStringLiteral(": ") + ShortList(numbers, QStringLiteral("\r     ")) : QString();
         if (!numbers.empty())
             lines += KindOf(kind).plural + list;
     }
     return lines.isEmpty() ? QStringLiteral("keine") : lines.join(u'\r');
+}
+
+QString ContentText(const std::vector<RecordId> &records)
+{
+    QStringList parts;
+    for (int kind = KindLoco; kind <= LastKind; ++kind) {
+        const std::vector<int> numbers = NumbersOfKind(records, kind);
+        if (!numbers.empty())
+            parts += KindContent(kind, numbers);
+    }
+    return parts.isEmpty() ? QStringLiteral("nichts") : parts.join(QStringLiteral("; "));
+}
+
+void ShowDoneBox(const QString &text, const QString &title)
+{
+    TheAsk().showBox({text, title, BoxIcon::Information});
 }
 
 QString RecordCount(size_t count)

@@ -17,5 +17,11 @@ bool EndedEarly(JobEnd end);
 /// The first sentence of a report on a job that ended early: `stopped` where the user wanted it, otherwise why.
 QString EndText(JobEnd end, const QString &stopped);
 
+/// What the records are, in one line: "5 Lokdatensätze: 1, 3, 8, 18, 24; 4 Loksymbole; Fahrstraßen".
+QString ContentText(const std::vector<RecordId> &records);
+
+/// Shows what a job did that came to its end.
+void ShowDoneBox(const QString &text, const QString &title);
+
 /// Shows a report on a job that ended early, with the icon and title that fit the reason.
 void ShowEndBox(JobEnd end, const QString &text);

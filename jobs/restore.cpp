@@ -1,7 +1,7 @@
 #include "jobs/restore.h"
 
+#include "handheld/backup/selection.h"
 #include "jobs/report.h"
-#include "program/ask.h"
 
 #include <QDir>
 
@@ -13,29 +13,40 @@ QString Shown(const QString &fileName)
     return QDir::toNativeSeparators(fileName);
 }
 
-/// Tells the user about a file that is damaged or empty; true when its sound records are to be written.
-bool MayBeWritten(const QString &fileName, const DdsContent &content)
+BoxText FileBox(const QString &text, const QString &title)
 {
-    if (!content.fault && !content.records.empty())
-        return true;
-    if (!content.fault) {
-        TheAsk().showBox({QStringLiteral("Die Datei %1 enthält keine Daten!").arg(Shown(fileName)),
-            QStringLiteral("Achtung!"), BoxIcon::Critical});
-        return false;
-    }
+    return {text, title, BoxIcon::Critical};
+}
+
+BoxText DamageBox(const QString &fileName, const DdsContent &content)
+{
     const QString damage =
         QStringLiteral("Die Datei %1 ist beschädigt!\r").arg(Shown(fileName)) + FaultText(*content.fault) + u".\r\r";
-    if (content.records.empty()) {
-        TheAsk().showBox({damage + QStringLiteral("Es wird nichts in den Handregler geschrieben."),
-            QStringLiteral("Fehler!"), BoxIcon::Critical});
-        return false;
-    }
-    return TheAsk().askYesNo(
-        {damage
-                + QStringLiteral("Unversehrt davor: %1. Sollen diese in den Handregler geschrieben werden?")
-                      .arg(RecordCount(content.records.size())),
-            QStringLiteral("Fehler!"), BoxIcon::Critical},
-        false);
+    const QString end = content.records.empty()
+        ? QStringLiteral("Es wird nichts in den Handregler geschrieben.")
+        : QStringLiteral("Unversehrt davor: %1. Sollen diese in den Handregler geschrieben werden?")
+              .arg(RecordCount(content.records.size()));
+    return FileBox(damage + end, QStringLiteral("Fehler!"));
+}
+
+QString DurationOf(const std::vector<DdsRecord> &records)
+{
+    int messages = 0;
+    for (const DdsRecord &record : records)
+        messages += KindOf(record.id.kind).writeMessages;
+    return DurationText(messages * SecondsPerMessage);
+}
+
+BoxText Question(const QString &fileName, const std::vector<DdsRecord> &records)
+{
+    std::vector<RecordId> ids;
+    for (const DdsRecord &record : records)
+        ids.push_back(record.id);
+    return {QStringLiteral("Die Datei %1 enthält:\r%2.\r\r"
+                           "Was der Handregler davon schon hat, wird überschrieben.\r%3.\r\r"
+                           "Soll die Datensicherung in den Handregler geschrieben werden?")
+                .arg(Shown(fileName), ContentText(ids), DurationOf(records)),
+        QStringLiteral("Datensicherung zurückschreiben"), BoxIcon::None};
 }
 
 QString Group(const QString &heading, const std::vector<RecordId> &records)
@@ -61,19 +72,28 @@ Plan RestorePlan(const std::vector<DdsRecord> &records)
     return plan;
 }
 
-RestoreOutcome Restore(const QString &fileName)
+std::optional<RestoreOffer> OfferRestore(const QString &fileName)
 {
-    RestoreOutcome outcome{JobEnd::NothingDone, {}, {}, {}};
     const auto file = LoadDds(fileName);
     if (!file) {
-        TheAsk().showBox({QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(Shown(fileName)),
-            QStringLiteral("Fehler!"), BoxIcon::Critical});
-        return outcome;
+        TheAsk().showBox(FileBox(QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(Shown(fileName)),
+            QStringLiteral("Fehler!")));
+        return {};
     }
     const DdsContent content = ReadDds(*file);
-    if (!MayBeWritten(fileName, content))
-        return outcome;
-    const Report report = RunJob(RestorePlan(content.records));
+    if (!content.records.empty()) {
+        return RestoreOffer{
+            content.records, content.fault ? DamageBox(fileName, content) : Question(fileName, content.records)};
+    }
+    TheAsk().showBox(content.fault ? DamageBox(fileName, content)
+                                   : FileBox(QStringLiteral("Die Datei %1 enthält keine Daten!").arg(Shown(fileName)),
+                                       QStringLiteral("Achtung!")));
+    return {};
+}
+
+RestoreOutcome Restore(const std::vector<DdsRecord> &records)
+{
+    const Report report = RunJob(RestorePlan(records));
     return {report.end, IdsOf(report, RecordState::Done), IdsOf(report, RecordState::Doubtful),
         IdsOf(report, RecordState::Untouched)};
 }
@@ -88,5 +108,8 @@ void ReportRestore(const RestoreOutcome &outcome)
     } else if (outcome.end == JobEnd::Complete && !outcome.doubtful.empty()) {
         TheAsk().showBox({QStringLiteral("Der Handregler hat nicht immer geantwortet.") + DoubtfulGroup(outcome),
             QStringLiteral("Achtung!"), BoxIcon::Critical});
+    } else if (outcome.end == JobEnd::Complete) {
+        ShowDoneBox(QStringLiteral("In den Handregler geschrieben:\r") + ContentText(outcome.written),
+            QStringLiteral("Datensicherung zurückschreiben"));
     }
 }

@@ -96,6 +96,16 @@ void RunStep(SpiImage &image, JobEntry &entry, Patience patience)
     Q_UNREACHABLE();
 }
 
+/// A single record needs no bar.
+void ShowAmount(size_t done, size_t all, double start)
+{
+    if (all < 2)
+        return;
+    const double left =
+        done == 0 ? -1 : SecondsSince(start) / static_cast<double>(done) * static_cast<double>(all - done);
+    TheAsk().showAmount({done, all, left});
+}
+
 bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
 {
     if (outcome.ok())
@@ -114,6 +124,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
         teller.emplace();
     Report report;
     SpiImage image{};
+    const double start = NowSeconds();
     bool brokenOff = false;
     for (const Step &step : plan.steps) {
         const size_t index = report.entries.size();
@@ -122,6 +133,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
         if (brokenOff)
             continue; // untouched
         TheAsk().showProgress(plan.progress(step));
+        ShowAmount(index, plan.steps.size(), start);
         if (watcher.begins)
             watcher.begins(step, index, plan.steps.size());
         RunStep(image, entry, plan.patience);

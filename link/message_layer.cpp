@@ -1,6 +1,6 @@
 #include "link/message_layer.h"
 
-#include "link/open_link.h"
+#include "link/link_state.h"
 #include "platform/world.h"
 #include "program/ask.h"
 #include "program/run_control.h"

@@ -8,11 +8,6 @@
 #include <array>
 #include <functional>
 
-PortValue PortNumber;
-int InterfaceType = InterfaceNone;
-bool HandreglerGefunden = false;
-bool PortLost = false;
-
 namespace
 {
 
@@ -127,7 +122,7 @@ Outcome RunOrvanto1Sequence()
 
 Outcome SetUpInterface()
 {
-    PortLost = false;
+    LinkLost = false;
     if (InterfaceType == InterfaceOrvanto1)
         return SetupOrvanto1Interface();
     if (InterfaceType != InterfaceDirect)
@@ -141,17 +136,6 @@ Outcome SetUpInterface()
 }
 
 } // namespace
-
-void UseSettings(const LinkSettings &settings)
-{
-    PortNumber = settings.port;
-    InterfaceType = settings.interfaceType;
-}
-
-LinkSettings SettingsInUse()
-{
-    return {PortNumber, InterfaceType};
-}
 
 Outcome SetupDirectInterface()
 {
@@ -173,7 +157,7 @@ Outcome SetupOrvanto1Interface()
     if (outcome.ok())
         return outcome;
     Comm().close();
-    if (!PortLost && !BoxesAreSilent())
+    if (!LinkLost && !BoxesAreSilent())
         TheAsk().showBox({QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:")});
     return outcome.brokenOff() ? outcome : Outcome(End::NotOpened);
 }
@@ -217,7 +201,7 @@ void ClosePort()
 
 void HandlePortLoss()
 {
-    PortLost = true;
+    LinkLost = true;
     ClosePort();
     if (BoxesAreSilent() || lossTellers > 0)
         return;
@@ -242,6 +226,6 @@ void ResetOpenLink()
 {
     UseSettings({});
     HandreglerGefunden = false;
-    PortLost = false;
+    LinkLost = false;
     lossTellers = 0;
 }

@@ -6,24 +6,10 @@
 //   3 (direct)      115200,n,8,1             none
 #pragma once
 
+#include "link/link_state.h"
 #include "program/outcome.h"
-#include "program/settings_file.h"
 
 #include <QString>
-
-// --- Settings of the link. Written by UseSettings() (start-up, selection window), read by the whole link. ---
-extern PortValue PortNumber;
-extern int InterfaceType; // InterfaceNone or 1..3
-
-/// True once a handheld has acknowledged and the link is in service. Set by the handheld search, cleared when the
-/// port is closed or lost and when the handheld is sent back. Every command that talks to the handheld tests it.
-extern bool HandreglerGefunden;
-
-/// True from the loss of an open port (pulled adapter) to the next opening. The user has been told once.
-extern bool PortLost;
-
-void UseSettings(const LinkSettings &settings);
-LinkSettings SettingsInUse();
 
 /// Sets the interface up as InterfaceType says, and writes konf\ComPort.inf when it worked. With kind 2 and with no
 /// kind nothing is opened, which counts as done. After a failure (NotOpened) the user has seen "ComPort konnte nicht

@@ -2,6 +2,8 @@
 
 #include "platform/text.h"
 
+#include <vector>
+
 std::array<QChar, 256> Zeichensatz;
 
 namespace
@@ -84,4 +86,21 @@ QString AdaptName(const QString &text)
     for (const QChar c : UpperLatin1(text))
         adapted += AdaptCharacter(c);
     return adapted;
+}
+
+QString UnknownCharacters(const QString &text)
+{
+    QString unknown;
+    for (const QChar c : text) {
+        if (!IsInSet(c) && !unknown.contains(c))
+            unknown += c;
+    }
+    return unknown;
+}
+
+QString AsStored(const QString &text, int length)
+{
+    std::vector<int> codes(static_cast<size_t>(length), BlankCode);
+    EncodeName(text, codes, 0, length);
+    return DecodeName(codes, 0, length);
 }

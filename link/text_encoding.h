@@ -32,3 +32,9 @@ QString DecodeName(std::span<const int> codes, int start, int count);
 /// A foreign text rewritten in characters of the set: upper case, sharp s as SS, similar punctuation, blanks for
 /// all that the handheld cannot show. May be longer than the text.
 QString AdaptName(const QString &text);
+
+/// The characters of a text that are not in the set, each once; they are written as blanks.
+QString UnknownCharacters(const QString &text);
+
+/// The text as the handheld gives it back: encoded into so many codes and decoded again.
+QString AsStored(const QString &text, int length);

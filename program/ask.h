@@ -7,6 +7,8 @@
 
 #include <QString>
 
+#include <cstddef>
+
 enum class BoxIcon { None, Information, Critical };
 
 /// Texts are plain text; a CR (or LF) in them is a line break on the screen.
@@ -14,6 +16,12 @@ struct BoxText {
     QString text;
     QString title;
     BoxIcon icon = BoxIcon::None;
+};
+
+struct Amount {
+    size_t done = 0;
+    size_t all = 1;
+    double secondsLeft = -1; // at the speed so far; negative as long as it is not known
 };
 
 class Ask
@@ -37,6 +45,9 @@ public:
 
     /// One line of text that says what runs. The first call shows it, hideProgress() takes it away.
     virtual void showProgress(const QString &text) = 0;
+
+    /// How far a job over many records has come; shown with the line of text until hideProgress().
+    virtual void showAmount(const Amount &amount) = 0;
     virtual void hideProgress() = 0;
 };
 

@@ -330,7 +330,7 @@ int RunDownload(Download &download)
 
 void ReportFailure(int status)
 {
-    if (PortLost || BoxesAreSilent())
+    if (LinkLost || BoxesAreSilent())
         return; // the loss has been told
     const bool entryFailed = status < BaseLeaving;
     const QString text = entryFailed ? TheBranding().noStationText

@@ -93,7 +93,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("datenlesen_menu"), SaveHandheldData},
         {QStringLiteral("datenanzeigen_menu"), ShowBackupFile},
         {QStringLiteral("datenschreiben_menu"), RestoreHandheldData},
-        {QStringLiteral("ende_menu"), RequestEnd},
+        {QStringLiteral("ende_menu"), [this] { frontend.endProgram(); }},
         {QStringLiteral("Opt_VeskaNormalModus"), ReturnToOperatingMode},
         {QStringLiteral("Opt_clear_all_loco"), AskAndClearAllLocoRecords},
         {QStringLiteral("Opt_abschalt"), AskAndClearSwitchOffTime},
@@ -104,8 +104,8 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("StartBildMenu"), EditStartImage},
         {QStringLiteral("ZentraleMenu"), Opening([this] { frontend.openSelectionFromMenu(); })},
         {QStringLiteral("LokDataMenu"), FetchStationLocos},
-        {QStringLiteral("zeichen_menu"), Opening([this] { infoZeichensatz->present(); })},
-        {QStringLiteral("help_menu"), Opening([this] { helpWin->load(); })},
+        {QStringLiteral("zeichen_menu"), [this] { infoZeichensatz->present(); }},
+        {QStringLiteral("help_menu"), [this] { helpWin->load(); }},
         {QStringLiteral("proginfo_menu"), ShowProgramInfo},
     };
 }
@@ -131,5 +131,5 @@ void MainWindow::enable(bool enabled)
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore();
-    RequestEnd();
+    frontend.endProgram();
 }

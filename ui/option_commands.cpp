@@ -22,6 +22,13 @@ QString PublisherLine()
     return QStringLiteral("              Konfigurationswerkzeug für Handregler              ");
 }
 
+/// Runs a job with its progress, which is gone when the report comes.
+Report Shown(Report (*job)())
+{
+    const Progress progress;
+    return job();
+}
+
 } // namespace
 
 void ReturnToOperatingMode()
@@ -41,8 +48,7 @@ void AskAndClearAllLocoRecords()
         QStringLiteral("Lokdatensätze löschen"), BoxIcon::None};
     if (!command.confirmed(question, false))
         return;
-    const Progress progress;
-    static_cast<void>(ClearAllLocoRecords()); // a failure has been told, and what is left is the user's choice
+    ReportCleanUp(Shown(ClearAllLocoRecords), QStringLiteral("Lokdatensätze gelöscht"), question.title);
 }
 
 void AskAndClearSwitchOffTime()
@@ -72,8 +78,8 @@ void AskAndResetFktSymbols()
         TheBranding().fktSymTitle, BoxIcon::Information};
     if (!command.confirmed(question, false)) // drawn ones are emptied too
         return;
-    const Progress progress;
-    static_cast<void>(ResetFktSymbols()); // a failure has been told
+    ReportCleanUp(
+        Shown(ResetFktSymbols), QStringLiteral("Bilder von Funktionssymbolen zurückgesetzt"), question.title);
 }
 
 void ShowProgramInfo()

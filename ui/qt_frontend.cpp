@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QWindow>
@@ -22,6 +23,8 @@ namespace
 {
 
 constexpr qsizetype MostBoxLines = 25;
+constexpr qint64 HintUs = 2'000'000;
+constexpr int TitleButtons = 160; // logical pixels beside a box's title
 
 QMessageBox::Icon QtIcon(BoxIcon icon)
 {
@@ -41,6 +44,15 @@ void BelongTo(QDialog &dialog, QWidget *mainWindow)
     dialog.winId(); // makes the window that is told
     if (front != nullptr && front->windowHandle() != nullptr)
         dialog.windowHandle()->setTransientParent(front->windowHandle());
+}
+
+/// A box is as wide as its title needs, beside the buttons of its frame.
+void FitTitle(QMessageBox &box)
+{
+    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + TitleButtons;
+    if (auto *layout = qobject_cast<QGridLayout *>(box.layout()))
+        layout->addItem(
+            new QSpacerItem(width, 0, QSizePolicy::Minimum), layout->rowCount(), 0, 1, layout->columnCount());
 }
 
 /// Also a box that is open inside a page sequence ends with the program; the sequence goes on then.
@@ -65,7 +77,7 @@ QtFrontend::QtFrontend()
 {
     QObject::connect(zentraleForm.get(), &ZentraleForm::interfaceChosen, zentraleForm.get(),
         [this] { mainWindow->updateLokDataMenu(); });
-    progress->onClose = [this] { askToStop(); };
+    progress->onClose = [this] { askToStop(false); };
     OnBusyAgain([this] { raiseWaitingWindow(); });
 }
 
@@ -89,6 +101,7 @@ std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
     widget->setWindowTitle(box.title);
     widget->setIcon(QtIcon(box.icon));
     widget->setWindowModality(Qt::ApplicationModal);
+    FitTitle(*widget);
     BelongTo(*widget, mainWindow);
     return widget;
 }
@@ -142,7 +155,7 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
 
 QString QtFrontend::fileName(const QString &title, const QString &filter, bool forSaving)
 {
-    QFileDialog dialog(nullptr, title, QString(), filter);
+    QFileDialog dialog(nullptr, title, lastFolder, filter);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     // The dialog's own questions would wait in a loop of their own.
@@ -155,8 +168,10 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, bool f
         const QStringList chosen = dialog.selectedFiles();
         if (dialog.result() != QDialog::Accepted || chosen.isEmpty())
             return {};
-        if (fileAccepted(chosen.constFirst(), forSaving))
-            return chosen.constFirst();
+        if (!fileAccepted(chosen.constFirst(), forSaving))
+            continue;
+        lastFolder = QFileInfo(chosen.constFirst()).absolutePath();
+        return chosen.constFirst();
     }
     return {};
 }
@@ -193,27 +208,44 @@ void QtFrontend::showProgress(const QString &text)
     const bool appears = !progress->isVisible();
     QWidget *front = QApplication::activeWindow();
     const bool usable = front != nullptr && front != progress.get();
-    progress->showText(text);
+    progress->showText(text, JobCanBeStopped());
     if (!appears)
         return;
     progress->adjustSize();
     progress->move((usable ? front : mainWindow)->frameGeometry().center() - progress->rect().center());
 }
 
-/// The progress window's close box: during a job over many records it asks whether to stop after the current record.
-void QtFrontend::askToStop()
+void QtFrontend::showAmount(const Amount &amount)
+{
+    if (!BoxesAreSilent())
+        progress->showAmount(static_cast<int>(amount.done), static_cast<int>(amount.all), amount.secondsLeft);
+}
+
+/// During a job over many records: asks whether to stop after the current record.
+void QtFrontend::askToStop(bool andEnd)
 {
     if (!JobCanBeStopped() || askingToStop)
         return;
     askingToStop = true;
     // Asked from the event loop: a question may not wait inside the window system's close handling.
-    TheEvents().post([this] {
+    TheEvents().post([this, andEnd] {
         const BoxText question{QStringLiteral("Soll nach dem laufenden Datensatz aufgehört werden?"),
             QStringLiteral("Abbrechen?"), BoxIcon::None};
-        if (askYesNo(question, false))
-            ConfirmStop();
+        const bool stops = askYesNo(question, false);
         askingToStop = false;
+        if (stops)
+            ConfirmStop();
+        if (stops && andEnd)
+            RequestEnd();
     });
+}
+
+void QtFrontend::endProgram()
+{
+    if (JobCanBeStopped())
+        askToStop(true);
+    else
+        RequestEnd();
 }
 
 void QtFrontend::hideProgress()
@@ -269,6 +301,13 @@ void QtFrontend::raiseWaitingWindow()
         BringForward(zentraleForm.get());
     else if (progress->isVisible())
         progress->raise();
+    if (!progress->isVisible())
+        return;
+    progress->showHint(QStringLiteral("läuft noch …"));
+    TheEvents().after(HintUs, [this, hint = ++hints] {
+        if (hint == hints)
+            progress->showHint(QString());
+    });
 }
 
 void QtFrontend::hideAllWindows()

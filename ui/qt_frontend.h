@@ -36,6 +36,7 @@ public:
     QString openFileName(const QString &title, const QString &filter) override;
     QString saveFileName(const QString &title, const QString &filter) override;
     void showProgress(const QString &text) override;
+    void showAmount(const Amount &amount) override;
     void hideProgress() override;
     void showSelectionWindow() override;
     void hideSelectionWindow() override;
@@ -48,6 +49,10 @@ public:
     /// Opens the selection window from the menu; nobody waits for its answer.
     void openSelectionFromMenu();
 
+    /// Ends the program, as the main window's close box and the menu item do: while a stoppable job runs the user is
+    /// asked first.
+    void endProgram();
+
     /// Brings the window forward that the running command waits for, or the progress window.
     void raiseWaitingWindow();
 
@@ -58,11 +63,13 @@ private:
     QString fileName(const QString &title, const QString &filter, bool forSaving);
     bool fileAccepted(const QString &name, bool forSaving);
     std::unique_ptr<QMessageBox> makeBox(const BoxText &box);
-    void askToStop();
+    void askToStop(bool andEnd);
 
     MainWindow *mainWindow = nullptr;
     std::unique_ptr<ProgressWindow> progress;
     std::unique_ptr<ZentraleForm> zentraleForm;
     std::vector<std::unique_ptr<QMessageBox>> postedBoxes;
+    QString lastFolder; // of the file dialogs; empty = where the program was started
     bool askingToStop = false;
+    int hints = 0; // counts the "still running" hints, so that an older one does not take a newer away
 };

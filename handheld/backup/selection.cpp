@@ -16,7 +16,6 @@ namespace
 
 std::optional<BackupSelection> unsaved; // where the file cannot be written: holds until the program ends
 
-constexpr double SecondsPerMessage = 0.15;
 constexpr int EmptyLocoMessages = 2; // the flash read and the slice that shows the empty name
 constexpr int Halves = 2;
 

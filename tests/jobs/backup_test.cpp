@@ -54,6 +54,13 @@ protected:
         file.write(bytes);
     }
 
+    /// What the command does with a file when the user says Yes.
+    RestoreOutcome restore(const char *name = "test.dds")
+    {
+        const auto offer = OfferRestore(path(name));
+        return offer ? Restore(offer->records) : RestoreOutcome{JobEnd::NothingDone, {}, {}, {}};
+    }
+
     QByteArray backedUp(const BackupSelection &selection)
     {
         EXPECT_EQ(Backup(path(), selection).end, JobEnd::Complete);
@@ -130,7 +137,7 @@ TEST_F(BackupTest, BackupEraseRestoreBackup)
     flash().setBytes(0, QByteArray(640'000, '\xFF'));
     flash().setBytes(RoutesAddress, QByteArray(512, '\xFF'));
     flash().setBytes(MagListeAddress, QByteArray(512, '\xFF'));
-    const RestoreOutcome restored = Restore(path("first.dds"));
+    const RestoreOutcome restored = restore("first.dds");
     EXPECT_EQ(restored.end, JobEnd::Complete);
     EXPECT_EQ(restored.written.size(), 26U + 64 + 4 * 256 + 3);
     BackupSelection again = everything();
@@ -210,14 +217,16 @@ TEST_F(BackupTest, DoubtfulRecordsAreInTheFileAndNamed)
     const BackupOutcome outcome = Backup(path(), listOf(LokDatenList, "1,3,8,4000"));
     EXPECT_EQ(ReadDds(content()).records.size(), 3U);
     user.expect(QStringLiteral("Der Handregler hat nicht immer geantwortet.\r\r"
-                               "1 Datensatz in der Datei zweifelhaft:\rLokdatensätze: 3"),
+                               "1 Datensatz in der Datei zweifelhaft:\rLokdatensätze: 3\r\rGespeichert in %1.")
+                    .arg(path()),
         QStringLiteral("Achtung!"));
     ReportBackup(outcome);
 
     flash().setBytes(4000 * 64, QByteArray(64, '\x60')); // begins with a character that no handheld writes
     user.expect(QStringLiteral("Nicht alles, was der Handregler enthält, ist eindeutig.\r\r"
                                "1 Datensatz als leer gelesen und nicht in der Datei, ebenfalls zweifelhaft:\r"
-                               "Lokdatensätze: 4000"),
+                               "Lokdatensätze: 4000\r\rGespeichert in %1.")
+                    .arg(path("strange.dds")),
         QStringLiteral("Achtung!"));
     ReportBackup(Backup(path("strange.dds"), listOf(LokDatenList, "3-4,4000")));
 }
@@ -255,7 +264,7 @@ TEST_F(BackupTest, RestoreWritesInFileOrderAndNothingBesides)
 {
     const QByteArray before = flashBytes(0, 2048);
     lay(packLoco(300, {QStringLiteral("Müller"), {}, {}, 1, 9}) + locoFile(9, 9));
-    EXPECT_EQ(Restore(path()).written.size(), 2U);
+    EXPECT_EQ(restore().written.size(), 2U);
     EXPECT_EQ(user.progress, (QStringList{QStringLiteral("Lok-Daten: 300"), QStringLiteral("Lok-Daten: 9")}));
     QByteArray record(64, '\xFF');
     const char name[] = {22, 38, 21, 21, 14, 27};
@@ -266,6 +275,30 @@ TEST_F(BackupTest, RestoreWritesInFileOrderAndNothingBesides)
     EXPECT_EQ(flashBytes(300 * 64, 64).toHex(' ').toStdString(), record.toHex(' ').toStdString());
     EXPECT_EQ(flashBytes(0, 9 * 64), before.left(576));
     EXPECT_EQ(flashBytes(10 * 64, 1024), before.mid(640, 1024));
+}
+
+TEST_F(BackupTest, TheOfferNamesWhatTheFileHoldsAndTheEndWhatWasWritten)
+{
+    lay(locoFile(1, 2) + packLoco(8, {}) + PackRecord({KindLokSymbol, 3}, EmptyPicture(SymbolKind::Loco))
+        + PackRecord({KindRoutes, 0}, Routes{}));
+    const auto offer = OfferRestore(path());
+    EXPECT_EQ(offer->question.text,
+        QStringLiteral("Die Datei %1 enthält:\r3 Lokdatensätze: 1-2, 8; 1 Loksymbole; Fahrstraßen.\r\r"
+                       "Was der Handregler davon schon hat, wird überschrieben.\rDauer: höchstens 1 Minute.\r\r"
+                       "Soll die Datensicherung in den Handregler geschrieben werden?")
+            .arg(path()));
+    user.expect(QStringLiteral("In den Handregler geschrieben:\r3 Lokdatensätze: 1-2, 8; 1 Loksymbole; Fahrstraßen"),
+        QStringLiteral("Datensicherung zurückschreiben"));
+    ReportRestore(Restore(offer->records));
+    ASSERT_EQ(user.amounts.size(), 5U) << "a long job shows how far it is";
+    EXPECT_LT(user.amounts.front().secondsLeft, 0);
+    EXPECT_EQ(user.amounts.back().done, 4U);
+    EXPECT_NEAR(user.amounts.back().secondsLeft, 0.95, 0.2);
+    user.expect(QStringLiteral("Gesichert in %1:\r1 Lokdatensatz: 1; Fahrstraßen").arg(path("b.dds")),
+        QStringLiteral("Datensicherung"));
+    BackupSelection selection = listOf(LokDatenList, "1");
+    selection.fsDaten = true;
+    ReportBackup(Backup(path("b.dds"), selection));
 }
 
 TEST_F(BackupTest, ADamagedFileIsCheckedBeforeAnythingIsWritten)
@@ -281,27 +314,27 @@ TEST_F(BackupTest, ADamagedFileIsCheckedBeforeAnythingIsWritten)
     const QString offer =
         QStringLiteral("Unversehrt davor: 2 Datensätze. Sollen diese in den Handregler geschrieben werden?");
     lay(good + '\x0A');
-    user.expect(question(3, 152, "die Satzart 10 gibt es nicht") + offer, QStringLiteral("Fehler!"));
-    EXPECT_EQ(Restore(path()).end, JobEnd::NothingDone);
-    EXPECT_EQ(programs(), 0);
-
+    EXPECT_EQ(OfferRestore(path())->question.text, question(3, 152, "die Satzart 10 gibt es nicht") + offer);
     lay(good + QByteArray(256, '\x09'));
-    user.expect(question(3, 408, "die Datei endet mitten im Datensatz (256 von 257 Bytes)") + offer,
-        QStringLiteral("Fehler!"), QStringLiteral("Ja"));
-    EXPECT_EQ(Restore(path()).written.size(), 2U);
+    const auto damaged = OfferRestore(path());
+    EXPECT_EQ(
+        damaged->question.text, question(3, 408, "die Datei endet mitten im Datensatz (256 von 257 Bytes)") + offer);
+    EXPECT_EQ(damaged->question.title, QStringLiteral("Fehler!"));
+    EXPECT_EQ(programs(), 0);
+    EXPECT_EQ(Restore(damaged->records).written.size(), 2U);
     EXPECT_EQ(programs(), 2);
 
     lay(QByteArray(1, 0));
     user.expect(question(1, 0, "die Satzart 0 gibt es nicht")
             + QStringLiteral("Es wird nichts in den Handregler geschrieben."),
         QStringLiteral("Fehler!"));
-    EXPECT_EQ(Restore(path()).end, JobEnd::NothingDone);
+    EXPECT_FALSE(OfferRestore(path()));
     lay(QByteArray());
     user.expect(QStringLiteral("Die Datei %1 enthält keine Daten!").arg(path()), QStringLiteral("Achtung!"));
-    EXPECT_EQ(Restore(path()).end, JobEnd::NothingDone);
+    EXPECT_FALSE(OfferRestore(path()));
     user.expect(
         QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(path("none.dds")), QStringLiteral("Fehler!"));
-    EXPECT_EQ(Restore(path("none.dds")).end, JobEnd::NothingDone);
+    EXPECT_FALSE(OfferRestore(path("none.dds")));
     EXPECT_EQ(programs(), 2);
 }
 
@@ -317,7 +350,7 @@ TEST_F(BackupTest, ALostPortIsToldWithExactlyWhatIsWritten)
         layout().faults.set(faults);
         lay(wanted);
         user.acceptAnyBox();
-        const RestoreOutcome outcome = Restore(path());
+        const RestoreOutcome outcome = restore();
         ASSERT_EQ(outcome.end, JobEnd::PortLost) << nth;
         ASSERT_EQ(outcome.written.size() + outcome.doubtful.size() + outcome.untouched.size(), 12U) << nth;
         EXPECT_LE(outcome.doubtful.size(), 1U) << nth;
@@ -341,7 +374,7 @@ TEST_F(BackupTest, AStoppedRestoreAndTheProgramsEndFinishTheRecord)
 {
     lay(locoFile(1, 12));
     events.after(2'500'000, ConfirmStop);
-    const RestoreOutcome outcome = Restore(path());
+    const RestoreOutcome outcome = restore();
     EXPECT_EQ(outcome.end, JobEnd::Stopped);
     EXPECT_EQ(static_cast<int>(outcome.written.size()), programs());
     const int written = programs();
@@ -354,7 +387,7 @@ TEST_F(BackupTest, AStoppedRestoreAndTheProgramsEndFinishTheRecord)
     for (int us = 2'000'000; us < 3'000'000; us += 130'000) {
         ResetRunControl();
         events.after(us, RequestEnd);
-        EXPECT_EQ(Restore(path()).end, JobEnd::ProgramEnds);
+        EXPECT_EQ(restore().end, JobEnd::ProgramEnds);
         EXPECT_EQ(flash().state.executed.at(0x53), programs()) << "every loaded page is programmed";
     }
 }
@@ -366,7 +399,7 @@ TEST_F(BackupTest, ARestoreTriesAgainAndNeverProgramsFromADoubtfulBuffer)
     for (int message = 1; message <= 18; ++message) { // of the three records
         user.acceptAnyBox();
         strike(&sim::Faults::missedRequest, message);
-        const RestoreOutcome outcome = Restore(path());
+        const RestoreOutcome outcome = restore();
         EXPECT_EQ(outcome.end, JobEnd::Complete) << message;
         EXPECT_EQ(outcome.written.size(), 3U) << message;
         for (int n = 9; n <= 11; ++n)
@@ -377,7 +410,7 @@ TEST_F(BackupTest, ARestoreTriesAgainAndNeverProgramsFromADoubtfulBuffer)
     handheld().settings.present = false;
     user.boxes.clear();
     const int before = programs();
-    const RestoreOutcome outcome = Restore(path());
+    const RestoreOutcome outcome = restore();
     EXPECT_EQ(outcome.end, JobEnd::NoAnswer);
     EXPECT_EQ(outcome.untouched.size(), 3U) << "given up before the page was programmed";
     EXPECT_EQ(user.boxes, QStringList{QStringLiteral("move_spibuf_to_buf1: Timeout")});

@@ -68,12 +68,14 @@ public:
     bool askYesNo(const BoxText &box, bool defaultYes) override;
     QString askText(const QString &prompt, const QString &title) override;
     void showProgress(const QString &text) override;
+    void showAmount(const Amount &amount) override { amounts.push_back(amount); }
     void hideProgress() override { progressVisible = false; }
 
     void checkAllUsed() const;
 
     QStringList boxes;           // "title: text" of every box and question, in order
     QStringList progress;        // every progress text, in order
+    std::vector<Amount> amounts; // every amount of a long job, in order
     std::function<void()> onBox; // runs while a box is open, before it is answered
     bool progressVisible = false;
     bool defaultYes = false;  // of the last question

@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -50,6 +52,13 @@ protected:
         window().show();
         InstallAsk(frontend.get());
         InstallWindows(frontend.get());
+    }
+
+    static QWidget *topLevel(const char *name)
+    {
+        const auto all = QApplication::topLevelWidgets();
+        const auto found = std::ranges::find(all, QLatin1String(name), &QWidget::objectName);
+        return found != all.end() ? *found : nullptr;
     }
 
     static ZentraleForm *selection()
@@ -137,11 +146,7 @@ TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
 {
     const StoppableJob job;
     frontend->showProgress(QStringLiteral("Lösche Lok 1"));
-    QWidget *progress = nullptr;
-    for (QWidget *widget : QApplication::topLevelWidgets()) {
-        if (widget->objectName() == u"Fortschritt")
-            progress = widget;
-    }
+    QWidget *progress = topLevel("Fortschritt");
     ASSERT_NE(progress, nullptr);
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         progress->close();
@@ -205,4 +210,36 @@ TEST_F(RealFrontend, TheEndClosesABoxInsideAPageSequence)
         EXPECT_EQ(flashBytes(256, 256), before.mid(256)) << message;
         layout().faults.set({});
     }
+}
+
+TEST_F(RealFrontend, LongJobsShowHowFarTheyAreAndClosingTheMainWindowAsksFirst)
+{
+    auto *progress = topLevel("Fortschritt");
+    ASSERT_NE(progress, nullptr);
+    frontend->showProgress(QStringLiteral("Lese Lokdatensatz")); // a single command
+    EXPECT_FALSE(progress->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+    EXPECT_TRUE(progress->findChild<QWidget *>(QStringLiteral("FortschrittBar"))->isHidden());
+    frontend->hideProgress();
+    {
+        const StoppableJob job;
+        frontend->showProgress(QStringLiteral("Lok-Daten: 3"));
+        frontend->showAmount({3, 12, 100});
+        EXPECT_TRUE(progress->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+        EXPECT_EQ(progress->windowTitle(), QStringLiteral("Fortschritt: 25 %"));
+        EXPECT_EQ(
+            progress->findChild<QLabel *>(QStringLiteral("RestzeitLbl"))->text(), QStringLiteral("noch 2 Minuten"));
+        frontend->raiseWaitingWindow(); // a second command
+        auto *hint = progress->findChild<QLabel *>(QStringLiteral("LaeuftLbl"));
+        EXPECT_EQ(hint->text(), QStringLiteral("läuft noch …"));
+        events.run(2.1);
+        EXPECT_TRUE(hint->isHidden());
+        for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+            later([answer] { BoxTitled(QStringLiteral("Abbrechen?"))->button(answer)->click(); });
+            window().close();
+            events.run(1);
+            EXPECT_EQ(CurrentRunState() == RunState::Ending, answer == QMessageBox::Yes);
+        }
+    }
+    frontend->hideProgress();
+    EXPECT_EQ(progress->windowTitle(), QStringLiteral("Fortschritt:"));
 }

@@ -334,3 +334,36 @@ TEST_F(MainWindowTest, OptionsLookAtTheGuardAgainAfterTheirQuestion)
         restart();
     }
 }
+
+TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)
+{
+    auto *doubt = window().findChild<QLabel *>(QStringLiteral("UnvollstaendigLbl"));
+    EXPECT_TRUE(doubt->isHidden());
+    strike(&sim::Faults::changedByte, 90); // a byte of an answer: its checksum is wrong
+    read("3");
+    EXPECT_FALSE(doubt->isHidden());
+    layout().faults.set({});
+    const QByteArray before = flashBytes(192, 64);
+    user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\rder Lokdatensatz ist "
+                               "vielleicht unvollständig. Soll trotzdem geschrieben werden?"),
+        QStringLiteral("Achtung!"), QStringLiteral("Nein"));
+    click("SchreibeLokDatensatzBut");
+    EXPECT_FALSE(user.defaultYes);
+    EXPECT_EQ(flashBytes(192, 64), before);
+    read("3");
+    EXPECT_TRUE(doubt->isHidden());
+    click("SchreibeLokDatensatzBut"); // without a question
+}
+
+TEST_F(MainWindowTest, TheNameFieldTellsWhatTheHandheldDoesNotHave)
+{
+    read("3");
+    field("LoknameTxt")->setText(QStringLiteral("Lok 100% (é)"));
+    EXPECT_TRUE(field("LoknameTxt")->toolTip().contains(QStringLiteral("%(É)")));
+    click("SchreibeLokDatensatzBut");
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("LOK 100"));
+    EXPECT_TRUE(field("LoknameTxt")->toolTip().isEmpty());
+    field("AdrTxt")->setText(QStringLiteral("77"));
+    EXPECT_EQ(button("SchreibeLokDatensatzBut")->toolTip(),
+        QStringLiteral("Schreibt die gelesene Lok 3 unter die Adresse 77"));
+}

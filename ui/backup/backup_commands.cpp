@@ -24,10 +24,10 @@ BackupOutcome RunBackup(const QString &fileName, const BackupSelection &selectio
     return Backup(fileName, selection);
 }
 
-RestoreOutcome RunRestore(const QString &fileName)
+RestoreOutcome RunRestore(const std::vector<DdsRecord> &records)
 {
     const Progress progress;
-    return Restore(fileName);
+    return Restore(records);
 }
 
 } // namespace
@@ -67,8 +67,11 @@ void RestoreHandheldData()
     if (!command.ok())
         return;
     const QString fileName = TheWindows().openFileName(TheBranding().saveDialogTitle, Filter());
-    if (!fileName.isEmpty() && command.connected())
-        ReportRestore(RunRestore(fileName));
+    if (fileName.isEmpty() || !command.connected())
+        return;
+    const auto offer = OfferRestore(fileName);
+    if (offer && command.confirmed(offer->question, false))
+        ReportRestore(RunRestore(offer->records));
 }
 
 void ResetBackupWindows()

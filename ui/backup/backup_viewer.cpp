@@ -1,5 +1,6 @@
 #include "ui/backup/backup_viewer.h"
 
+#include "jobs/report.h"
 #include "platform/files.h"
 #include "ui/backup/table_print.h"
 #include "ui/common/command.h"
@@ -7,6 +8,7 @@
 #include "ui/widgets/build_controls.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -195,6 +197,7 @@ void BackupViewer::buildLayout()
 void BackupViewer::load(const QString &fileName, const DdsContent &content)
 {
     setWindowTitle(WindowTitle(fileName));
+    documentName = QFileInfo(fileName).completeBaseName(); // a printer to a file makes a file name of it
     model->setLocos(LocosIn(content));
     summaryLbl->setText(SummaryText(content));
     filterTxt->clear();
@@ -221,8 +224,15 @@ std::vector<RosterLoco> BackupViewer::shownLocos() const
 void BackupViewer::saveFile(const QString &filter, const QByteArray &bytes)
 {
     const QString fileName = TheWindows().saveFileName(QStringLiteral("Tabelle speichern"), filter);
-    if (!fileName.isEmpty() && (bytes.isEmpty() || !ReplaceFile(fileName, bytes)))
+    if (fileName.isEmpty())
+        return;
+    if (bytes.isEmpty() || !ReplaceFile(fileName, bytes)) {
         ReportFileUnwritable(fileName);
+        return;
+    }
+    TheAsk().showBox({QStringLiteral("%1 gespeichert in %2.")
+                          .arg(LocoCount(shownLocos().size()), QDir::toNativeSeparators(fileName)),
+        QStringLiteral("Tabelle speichern"), BoxIcon::Information});
 }
 
 void BackupViewer::exportCsv()
@@ -246,7 +256,7 @@ void BackupViewer::print()
         return;
     QPrinter printer;
     printer.setPageOrientation(QPageLayout::Landscape);
-    printer.setDocName(windowTitle());
+    printer.setDocName(documentName);
     QPrintDialog dialog(&printer, this);
     dialog.setWindowModality(Qt::ApplicationModal);
     const WaitingWindow waiting(&dialog);

@@ -39,6 +39,7 @@ private:
     QLineEdit *filterTxt;
     QLabel *countLbl;
     QLabel *summaryLbl;
+    QString documentName; // of a print job
 };
 
 /// What a file holds beside its loco records, and whether its structure is sound: two lines of German text.

@@ -21,7 +21,6 @@ constexpr int SearchRow = NumberedKindCount;
 constexpr int ListCharacters = 28;
 constexpr int AddressCharacters = 6;
 constexpr int HintLines = 3;
-constexpr QColor FaultColour(255, 214, 214);
 
 struct RowLook {
     const char *key;    // of the check box and the list
@@ -54,20 +53,6 @@ QCheckBox *NamedCheck(const char *key, const QString &caption, QWidget *parent)
 void SetWidthInCharacters(QWidget *field, int characters)
 {
     field->setMinimumWidth(field->fontMetrics().horizontalAdvance(u'0') * characters);
-}
-
-/// Marks a field as wrong and names the fault to those who point at it or have it read aloud; an empty fault takes
-/// the mark away.
-void Mark(QLineEdit *field, const QString &fault)
-{
-    QPalette palette;
-    if (!fault.isEmpty()) {
-        palette.setColor(QPalette::Base, FaultColour);
-        palette.setColor(QPalette::Text, Qt::black);
-    }
-    field->setPalette(palette);
-    field->setToolTip(fault);
-    field->setAccessibleDescription(fault);
 }
 
 /// 0 when the text is not a plain number: no loco has that address.
@@ -243,15 +228,15 @@ QStringList SelectionWindow::markFaults(const BackupSelection &chosen)
     QStringList faults;
     for (const NumberedKind kind : {LokDatenList, LokSymbolList, FktSymbolList, MagSymbolList}) {
         const QString fault = ListFault(chosen, kind);
-        Mark(rows.at(kind).list, fault);
+        MarkField(rows.at(kind).list, fault);
         if (!fault.isEmpty())
             faults += LookOf(kind).caption + QStringLiteral(": ") + fault;
     }
     const QString fault = SearchFault(chosen);
     const bool onlyStopWrong = IsAddress(chosen.lokSucheStart) && !IsAddress(chosen.lokSucheStop);
     const bool onlyStartWrong = !IsAddress(chosen.lokSucheStart) && IsAddress(chosen.lokSucheStop);
-    Mark(startTxt, onlyStopWrong ? QString() : fault);
-    Mark(stopTxt, onlyStartWrong ? QString() : fault);
+    MarkField(startTxt, onlyStopWrong ? QString() : fault);
+    MarkField(stopTxt, onlyStartWrong ? QString() : fault);
     if (!fault.isEmpty())
         faults += QStringLiteral("Lokdatensätze suchen: ") + fault;
     return faults;

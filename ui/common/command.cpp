@@ -11,3 +11,12 @@ bool Command::confirmed(const BoxText &question, bool defaultYes) const
 {
     return TheAsk().askYesNo(question, defaultYes) && HandheldConnected();
 }
+
+bool Command::mayWriteDoubtful(const QString &what) const
+{
+    return confirmed({QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\r%1 ist vielleicht "
+                                     "unvollständig. Soll trotzdem geschrieben werden?")
+                             .arg(what),
+                         QStringLiteral("Achtung!"), BoxIcon::Critical},
+        false);
+}

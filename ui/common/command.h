@@ -20,6 +20,10 @@ public:
     /// Asks a Yes/No question and looks at the guard again afterwards: the port may have gone while it was open.
     [[nodiscard]] bool confirmed(const BoxText &question, bool defaultYes) const;
 
+    /// Asks before something is written that was not read completely (default No); looks at the guard again. `what`
+    /// names it: "dieses Bild".
+    [[nodiscard]] bool mayWriteDoubtful(const QString &what) const;
+
 private:
     BusyScope busy;
 };

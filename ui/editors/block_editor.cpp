@@ -1,9 +1,7 @@
 #include "ui/editors/block_editor.h"
 
-#include "program/ask.h"
-#include "program/run_control.h"
 #include "shown/catalogue.h"
-#include "ui/common/connection.h"
+#include "ui/common/command.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
@@ -14,6 +12,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QHideEvent>
+#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -40,14 +39,15 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , readBut(NamedButton(look.readName, look.readCaption, this))
     , writeBut(NamedButton(look.writeName, look.writeCaption, this))
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
+    , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
     buildGrid(look);
     buildLayout();
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
-    connect(readBut, &QPushButton::clicked, this, [this] { command([this] { read(); }); });
-    connect(writeBut, &QPushButton::clicked, this, [this] { command([this] { write(); }); });
+    connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
+    connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
     connect(cancelBut, &QPushButton::clicked, this, &BlockEditor::leave);
     connect(grid, &Grid::cellActed, this, &BlockEditor::act);
     connect(grid, &Grid::inputAsked, this, [this](int row, int column) {
@@ -78,6 +78,7 @@ void BlockEditor::buildLayout()
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(readBut);
     buttons->addWidget(writeBut);
+    buttons->addWidget(doubtLbl);
     buttons->addStretch();
     buttons->addWidget(cancelBut);
     auto *layout = new QVBoxLayout(this);
@@ -108,40 +109,43 @@ void BlockEditor::leave()
     });
 }
 
-void BlockEditor::command(const std::function<void()> &work)
+void BlockEditor::runCommand(void (BlockEditor::*work)(const Command &))
 {
     input->runAfterInput([this, work] {
-        const BusyScope busy;
-        if (!busy.ok())
+        const Command command;
+        if (!command.ok())
             return;
         working = true;
-        work();
+        (this->*work)(command);
         working = false;
     });
 }
 
-void BlockEditor::read()
+void BlockEditor::read(const Command &command)
 {
-    if (!HandheldConnected())
+    if (!command.connected())
         return;
     const Outcome outcome = readTable();
     if (outcome.brokenOff())
         return;
-    tableLoaded = outcome.ok(); // what a time-out left may not be written over months of work
+    tableLoaded = true;
+    complete = outcome.ok();
+    doubtLbl->setVisible(!complete);
     updateWriteButton();
 }
 
-void BlockEditor::write()
+void BlockEditor::write(const Command &command)
 {
     const std::function<Outcome()> write = writeOfTable();
-    if (HandheldConnected())
-        static_cast<void>(write()); // every failure has been told by then
+    if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
+        return;
+    static_cast<void>(write()); // every failure has been told by then
 }
 
 void BlockEditor::act(int row, int column)
 {
-    const BusyScope busy;
-    if (!busy.ok())
+    const Command command;
+    if (!command.ok())
         return;
     working = !takesInput(column); // an input is ended by the wish to leave
     actOn(row, column);

@@ -1,6 +1,7 @@
 // What the three table windows have in common: one grid, a read, a write and a cancel button.
 //
-// The table can be written only after it has been read once since the program started. Read, write, cancel and the
+// The table can be written only after it has been read once since the program started; after a read that was not
+// complete the write asks first. Read, write, cancel and the
 // close box during an input end the input first and then do their work. Closing hides the window; grid and table
 // keep their content.
 #pragma once
@@ -15,7 +16,9 @@
 #include <vector>
 
 class CellInput;
+class Command;
 class Grid;
+class QLabel;
 class QPushButton;
 
 /// What a table window is called and how its grid looks.
@@ -76,16 +79,18 @@ protected:
 private:
     void buildGrid(const BlockEditorLook &look);
     void buildLayout();
-    void command(const std::function<void()> &work);
-    void read();
-    void write();
+    void runCommand(void (BlockEditor::*work)(const Command &));
+    void read(const Command &command);
+    void write(const Command &command);
     void act(int row, int column);
     void updateWriteButton();
 
     bool working = false; // a command of this window runs
+    bool complete = true; // false after a read with a time-out or a damaged answer
 
     bool &tableLoaded;
     QPushButton *readBut;
     QPushButton *writeBut;
     QPushButton *cancelBut;
+    QLabel *doubtLbl;
 };

@@ -52,6 +52,7 @@ LocoEditor::LocoEditor(QWidget *parent)
     , readBut(NamedButton(QStringLiteral("LeseLokDatensatzBut"), QStringLiteral("Lese Lokdatensatz"), this))
     , writeBut(NamedButton(QStringLiteral("SchreibeLokDatensatzBut"), QStringLiteral("Schreibe Lokdatensatz"), this))
     , deleteBut(NamedButton(QStringLiteral("ResetLokdatenBut"), QStringLiteral("Lokdatensatz löschen"), this))
+    , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
 {
     setObjectName(QStringLiteral("Frame1"));
     multiUniChk->setObjectName(QStringLiteral("MultiUniChk"));
@@ -136,6 +137,7 @@ void LocoEditor::buildLayout()
     layout->addWidget(NamedLine(QStringLiteral("Line2"), this));
     layout->addWidget(multiUniChk);
     layout->addLayout(buildButtons());
+    layout->addWidget(doubtLbl);
 }
 
 void LocoEditor::connectControls()
@@ -159,7 +161,7 @@ void LocoEditor::focusAddress()
 
 LocoEditor::Shown LocoEditor::shownNow() const
 {
-    return {adrTxt->text(), CurrentLocoRecord()};
+    return {adrTxt->text(), CurrentLocoRecord(), complete};
 }
 
 void LocoEditor::nameChanged(const QString &text)
@@ -168,6 +170,28 @@ void LocoEditor::nameChanged(const QString &text)
     LokName = UpperLatin1(text);
     if (wasEmpty && LokName != LeerName())
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
+    markName();
+}
+
+/// Characters that the handheld does not have become blanks when the name is written.
+void LocoEditor::markName()
+{
+    const QString unknown = UnknownCharacters(UpperLatin1(loknameTxt->text()));
+    MarkField(loknameTxt,
+        unknown.isEmpty() ? QString()
+                          : QStringLiteral("Diese Zeichen hat der Handregler nicht: %1\n"
+                                           "Sie werden als Leerzeichen geschrieben.")
+                                .arg(unknown));
+}
+
+/// Says which loco goes under which address when that is not what was read.
+void LocoEditor::explainWrite()
+{
+    const int address = Val(adrTxt->text());
+    const bool copies = readAddress > 0 && address != readAddress && LokName != LeerName();
+    writeBut->setToolTip(copies
+            ? QStringLiteral("Schreibt die gelesene Lok %1 unter die Adresse %2").arg(readAddress).arg(address)
+            : QString());
 }
 
 void LocoEditor::addressChanged()
@@ -178,6 +202,7 @@ void LocoEditor::addressChanged()
         adrTxt->setText(QStringLiteral("??"));
     if (adrTxt->text() == AccessCode())
         Q_EMIT startImageUnlocked();
+    explainWrite();
 }
 
 void LocoEditor::clearShownRecord()
@@ -200,6 +225,7 @@ void LocoEditor::showName()
     const QString shown = IsEmptyName(LokName) ? LeerName() : WithoutTrailingBlanks(LokName);
     loknameTxt->setText(shown);
     loknameTxt->setCursorPosition(0);
+    markName();
 }
 
 void LocoEditor::showLocoSymbol()
@@ -246,8 +272,12 @@ void LocoEditor::readRecord()
     if (!command.connected())
         return;
     const Progress progress(QStringLiteral("Lese Lokdatensatz"));
-    if (ReadLocoRecord(Val(command.shown)).brokenOff())
+    const Outcome read = ReadLocoRecord(Val(command.shown));
+    if (read.brokenOff())
         return; // half a record must not be shown, nor written later
+    complete = read.ok();
+    readAddress = Val(command.shown);
+    doubtLbl->setVisible(!complete);
     if (IsEmptyName(LokName))
         LokName = LeerName();
     showRecord();
@@ -255,6 +285,7 @@ void LocoEditor::readRecord()
         clearShownRecord(); // the user typed on: the record shown does not belong to that address
         MultiUni = 0;       // what the unticked box shows
     }
+    explainWrite();
     WaitSeconds(StandardDelaySeconds);
 }
 
@@ -269,12 +300,18 @@ void LocoEditor::writeRecord()
             QStringLiteral("Achtung"), BoxIcon::None});
         return;
     }
+    if (!command.shown.complete && !command.mayWriteDoubtful(QStringLiteral("der Lokdatensatz")))
+        return;
     const Progress progress(QStringLiteral("Schreibe Lokdatensatz"));
     record.name = FitLocoName(record.name);
     if (LokName == command.shown.record.name) // otherwise the user has typed on
         LokName = record.name;
     if (WriteLocoRecord(Val(command.shown.address), record).brokenOff())
         return;
+    if (LokName == record.name && !IsEmptyName(record.name)) {
+        LokName = AsStored(record.name, NameLength);
+        showName();
+    }
     WaitSeconds(StandardDelaySeconds);
 }
 

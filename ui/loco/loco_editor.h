@@ -9,6 +9,7 @@ class Grid;
 class PictureBox;
 class QCheckBox;
 class QHBoxLayout;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -39,11 +40,14 @@ private:
     struct Shown {
         QString address;
         LocoRecord record;
+        bool complete;
     };
     [[nodiscard]] Shown shownNow() const;
 
     void addressChanged();
     void nameChanged(const QString &text);
+    void markName();
+    void explainWrite();
     void clearShownRecord();
     void showName();
     void showLocoSymbol();
@@ -65,4 +69,7 @@ private:
     QPushButton *readBut;
     QPushButton *writeBut;
     QPushButton *deleteBut;
+    QLabel *doubtLbl;
+    bool complete = true; // false after a read with a time-out or a damaged answer
+    int readAddress = 0;  // where the record in memory was read; 0 = nowhere
 };

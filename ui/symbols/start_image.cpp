@@ -15,13 +15,6 @@ BoxText Question()
         QStringLiteral("Startbild ändern?"), BoxIcon::None};
 }
 
-BoxText DoubtQuestion()
-{
-    return {QStringLiteral("Beim Lesen des Startbilds hat der Handregler nicht immer geantwortet;\r"
-                           "es ist vielleicht unvollständig. Soll es trotzdem geschrieben werden?"),
-        QStringLiteral("Achtung!"), BoxIcon::Critical};
-}
-
 Result<Picture> Read()
 {
     const Progress progress(QStringLiteral("Lese Startbild"));
@@ -44,7 +37,7 @@ void EditStartImage()
     Picture picture = EditPicture(read.value);
     if (!command.confirmed(Question(), false))
         return;
-    if (!read.ok() && !command.confirmed(DoubtQuestion(), false))
+    if (!read.ok() && !command.mayWriteDoubtful(QStringLiteral("das Startbild")))
         return;
     const Progress progress(QStringLiteral("Schreibe Startbild"));
     LaySizeBytes(picture);

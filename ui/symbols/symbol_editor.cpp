@@ -172,6 +172,7 @@ SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
     , readBut(NamedButton(look.readButtonName, look.readCaption, this))
     , writeBut(NamedButton(look.writeButtonName, look.writeCaption, this))
     , editBut(NamedButton(look.editButtonName, look.editCaption, this))
+    , doubtLbl(NamedDoubtLabel(look.writeButtonName + QStringLiteral("Lbl"), this))
     , picture(EmptyPicture(look.kind))
 {
     setObjectName(look.frameName);
@@ -206,6 +207,7 @@ QWidget *SymbolEditor::buildHalves()
         auto *button = new QRadioButton(look.halves.at(i), frame);
         button->setObjectName(look.halvesName + QString::number(i));
         button->setChecked(i == 0);
+        connect(button, &QRadioButton::toggled, preview, [this] { preview->setPicture(QPixmap()); });
         halves += button;
         layout->insertWidget(look.secondHalfFirst ? 0 : i, button);
     }
@@ -223,6 +225,7 @@ void SymbolEditor::buildLayout()
     buttons->addWidget(readBut, 0, 0);
     buttons->addWidget(writeBut, 0, 1);
     buttons->addWidget(editBut, 1, 0);
+    buttons->addWidget(doubtLbl, 1, 1);
     layout->addLayout(buttons);
     orderTabs();
 }
@@ -292,6 +295,7 @@ void SymbolEditor::readSymbol()
         return; // the picture shown before stays the one to be written
     picture = read.value;
     complete = read.ok();
+    doubtLbl->setVisible(!complete);
     showPreview();
     if (Val(numberTxt->text()) != asked.number)
         preview->setPicture(QPixmap()); // the user typed on: the picture does not belong to that number
@@ -324,20 +328,13 @@ bool SymbolEditor::saveToCatalogue(const Shown &shown, const QString &descriptio
     return true;
 }
 
-bool SymbolEditor::mayWrite(const Shown &shown)
-{
-    return shown.complete
-        || TheAsk().askYesNo({QStringLiteral("Beim Lesen dieses Bildes hat der Handregler nicht immer geantwortet;\r"
-                                             "es ist vielleicht unvollständig. Soll es trotzdem geschrieben werden?"),
-                                 QStringLiteral("Achtung!"), BoxIcon::Critical},
-            false);
-}
-
 void SymbolEditor::writeSymbol()
 {
     const CommandOn command([this] { return shownNow(); });
     Shown shown = command.shown;
-    if (!command.connected() || !mayWrite(shown))
+    if (!command.connected())
+        return;
+    if (!shown.complete && !command.mayWriteDoubtful(QStringLiteral("das Bild")))
         return;
     const QString description =
         TheAsk().askText(QStringLiteral("Kurzbeschreibung:"), QStringLiteral("Symbol Daten sichern"));

@@ -8,6 +8,7 @@
 #include <QStringList>
 
 class PictureBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
@@ -77,7 +78,6 @@ private:
         bool complete;
     };
     [[nodiscard]] Shown shownNow() const;
-    [[nodiscard]] static bool mayWrite(const Shown &shown);
     [[nodiscard]] bool saveToCatalogue(const Shown &shown, const QString &description) const;
 
     const SymbolEditorLook &look;
@@ -86,6 +86,7 @@ private:
     QPushButton *readBut;
     QPushButton *writeBut;
     QPushButton *editBut;
+    QLabel *doubtLbl; // beside the write button
     QList<QRadioButton *> halves;
     Picture picture;      // what the preview shows and the write button writes
     bool complete = true; // false after a read with a time-out or a damaged answer

@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QPalette>
 #include <QPushButton>
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent)
@@ -45,4 +46,24 @@ PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int
     picture->setObjectName(name);
     picture->setAccessibleName(accessibleName);
     return picture;
+}
+
+void MarkField(QLineEdit *field, const QString &fault)
+{
+    constexpr QColor faultColour(255, 214, 214);
+    QPalette palette;
+    if (!fault.isEmpty()) {
+        palette.setColor(QPalette::Base, faultColour);
+        palette.setColor(QPalette::Text, Qt::black);
+    }
+    field->setPalette(palette);
+    field->setToolTip(fault);
+    field->setAccessibleDescription(fault);
+}
+
+QLabel *NamedDoubtLabel(const QString &name, QWidget *parent)
+{
+    auto *label = NamedLabel(name, QStringLiteral("nicht vollständig gelesen"), parent);
+    label->hide();
+    return label;
 }

@@ -3,36 +3,85 @@
 #include "ui/widgets/build_controls.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QProgressBar>
 #include <QVBoxLayout>
 
 namespace
 {
+
 constexpr int MinimumWidth = 320;
 constexpr int Margin = 20;
+
+QString Title()
+{
+    return QStringLiteral("Fortschritt:");
+}
+
+QString TimeText(double seconds)
+{
+    const int whole = static_cast<int>(seconds) + 1;
+    if (whole < 60)
+        return QStringLiteral("noch %1 Sekunden").arg(whole);
+    const int minutes = (whole + 59) / 60;
+    if (minutes < 60)
+        return minutes == 1 ? QStringLiteral("noch 1 Minute") : QStringLiteral("noch %1 Minuten").arg(minutes);
+    return QStringLiteral("noch %1 Std. %2 Min.").arg(minutes / 60).arg(minutes % 60);
+}
+
 } // namespace
 
 ProgressWindow::ProgressWindow()
     : QWidget(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::CustomizeWindowHint | Qt::WindowCloseButtonHint)
     , ausgabeLbl(NamedLabel(QStringLiteral("AusgabeLbl"), QString(), this))
+    , bar(new QProgressBar(this))
+    , restzeitLbl(NamedLabel(QStringLiteral("RestzeitLbl"), QString(), this))
+    , hinweisLbl(NamedLabel(QStringLiteral("LaeuftLbl"), QString(), this))
 {
     setObjectName(QStringLiteral("Fortschritt"));
-    setWindowTitle(QStringLiteral("Fortschritt:"));
+    setWindowTitle(Title());
     setAttribute(Qt::WA_ShowWithoutActivating);
     ausgabeLbl->setMinimumWidth(MinimumWidth);
     ausgabeLbl->setAccessibleName(QStringLiteral("Fortschritt"));
+    bar->setObjectName(QStringLiteral("FortschrittBar"));
+    bar->setAccessibleName(QStringLiteral("Fortschritt"));
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
-    layout->addWidget(ausgabeLbl);
+    for (QWidget *control : std::initializer_list<QWidget *>{ausgabeLbl, bar, restzeitLbl, hinweisLbl})
+        layout->addWidget(control);
+    for (QWidget *control : std::initializer_list<QWidget *>{bar, restzeitLbl, hinweisLbl})
+        control->hide();
+    layout->setSizeConstraint(QLayout::SetMinAndMaxSize);
 }
 
-void ProgressWindow::showText(const QString &text)
+void ProgressWindow::showText(const QString &text, bool closable)
 {
     ausgabeLbl->setText(text);
     if (isVisible())
         return;
+    setWindowFlag(Qt::WindowCloseButtonHint, closable);
     show();
     raise();
+}
+
+void ProgressWindow::showAmount(int done, int all, double secondsLeft)
+{
+    const bool appears = bar->isHidden();
+    bar->setRange(0, all);
+    bar->setValue(done);
+    bar->show();
+    restzeitLbl->setText(secondsLeft < 0 ? QString() : TimeText(secondsLeft));
+    restzeitLbl->show();
+    setWindowTitle(Title() + QStringLiteral(" %1 %").arg(static_cast<int>(100.0 * done / all)));
+    if (appears)
+        activateWindow();
+}
+
+void ProgressWindow::showHint(const QString &hint)
+{
+    hinweisLbl->setText(hint);
+    hinweisLbl->setVisible(!hint.isEmpty());
 }
 
 void ProgressWindow::closeEvent(QCloseEvent *event)
@@ -40,4 +89,21 @@ void ProgressWindow::closeEvent(QCloseEvent *event)
     event->ignore();
     if (onClose)
         onClose();
+}
+
+void ProgressWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void ProgressWindow::hideEvent(QHideEvent *event)
+{
+    setWindowTitle(Title());
+    bar->hide();
+    restzeitLbl->hide();
+    showHint(QString());
+    QWidget::hideEvent(event);
 }

@@ -92,6 +92,8 @@ TEST_F(BackupWindows, TheSelectionIsCheckedKeptAndUsed)
         EXPECT_TRUE(hint().startsWith(u"Dauer: höchstens 1 Minute"));
         pressIn("SicherungWin", "OKButton");
     });
+    user.expect(
+        QStringLiteral("Gesichert in %1:\r3 Lokdatensätze: 3, 8, 38").arg(file), QStringLiteral("Datensicherung"));
     trigger("datenlesen_menu");
     EXPECT_EQ(content(file).size(), 3 * 76) << "3 and 8 from the list, 38 by search";
     EXPECT_TRUE(content(folder.path() + QStringLiteral("/konf/Sicherung.txt"))
@@ -135,6 +137,7 @@ TEST_F(BackupWindows, WhatIsTypedDuringABackupIsWhatTheWindowWrites)
     });
     events.after(1'500'000, [this] { field("LoknameTxt")->setText(QStringLiteral("neu")); });
     const int symbol = LokSymbol;
+    user.acceptAnyBox();
     trigger("datenlesen_menu");
     EXPECT_EQ(LokName, QStringLiteral("NEU"));
     EXPECT_EQ(LokSymbol, symbol);
@@ -152,9 +155,16 @@ TEST_F(BackupWindows, RestoreLooksForTheHandheldFirst)
     user.expect(QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"));
     trigger("datenschreiben_menu");
     handheld().settings.present = true;
-    expectSaveDialog();
-    trigger("datenschreiben_menu");
-    EXPECT_EQ(flashBytes(5 * 64, 1), QByteArray(1, 21));
+    user.ignoreTexts = true;
+    for (const char *answer : {"Nein", "Ja"}) {
+        expectSaveDialog();
+        user.expect(QString(), QString(), QString::fromUtf8(answer));
+        user.acceptAnyBox();
+        trigger("datenschreiben_menu");
+        EXPECT_FALSE(user.defaultYes);
+        EXPECT_EQ(flashBytes(5 * 64, 1) == QByteArray(1, 21), QString::fromUtf8(answer) == u"Ja");
+    }
+    EXPECT_TRUE(user.boxes.constLast().endsWith(u"In den Handregler geschrieben:\r1 Lokdatensatz: 5"));
 }
 
 class ViewerTest : public BackupWindows
@@ -220,6 +230,7 @@ TEST_F(ViewerTest, ExportsWhatIsShown)
     in<QLineEdit>("DatenAnzeigeWin", "FilterTxt")->setText(QStringLiteral("20"));
     const QString csv = folder.path() + QStringLiteral("/t.csv");
     user.expect(QStringLiteral("*.csv"), QStringLiteral("Tabelle speichern"), csv);
+    user.expect(QStringLiteral("1 Lok gespeichert in %1.").arg(csv), QStringLiteral("Tabelle speichern"));
     pressIn("DatenAnzeigeWin", "CsvBut");
     const QList<QByteArray> lines = content(csv).split('\n');
     ASSERT_EQ(lines.size(), 3);
@@ -229,6 +240,7 @@ TEST_F(ViewerTest, ExportsWhatIsShown)
         QByteArray("20;\"Ä \"\"Lok\"\";\";2;0;0;0;0;0;0;0;20;1") + QByteArray(";0;0").repeated(21) + '\r');
     const QString pdf = folder.path() + QStringLiteral("/t.pdf");
     user.expect(QStringLiteral("*.pdf"), QStringLiteral("Tabelle speichern"), pdf);
+    user.expect(QStringLiteral("1 Lok gespeichert in %1.").arg(pdf), QStringLiteral("Tabelle speichern"));
     pressIn("DatenAnzeigeWin", "PdfBut");
     EXPECT_TRUE(content(pdf).startsWith("%PDF-"));
     EXPECT_EQ(PdfOf(QStringLiteral("x"), std::vector<RosterLoco>(100, {1, loco("A", 1)})).count("/Type /Page\n"), 4);

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QImage>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -342,4 +343,42 @@ TEST_F(TableWindows, TheAccessoryListTakesAddressesDesignationsAndSymbols)
     button("SchreibeMagListeBut")->click();
     EXPECT_EQ(flashBytes(MagListeAddress + 8, 16).toHex(), QByteArray("01022001070607080800ffffffffffff"));
     EXPECT_EQ(user.progress.constLast(), QStringLiteral("Schreibe Mag.Listendaten"));
+}
+
+TEST_F(TableWindows, ATableReadWithATimeoutIsWrittenOnlyOnPurpose)
+{
+    openRoutes();
+    strike(&sim::Faults::lostAck, 2);
+    user.expect(QStringLiteral("Timeout"), QStringLiteral("read_flash_to_spibuf"));
+    button("LeseFSDatenBut")->click();
+    layout().faults.set({});
+    EXPECT_FALSE(window->findChild<QLabel *>(QStringLiteral("UnvollstaendigLbl"))->isHidden());
+    user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\rdie Tabelle ist vielleicht "
+                               "unvollständig. Soll trotzdem geschrieben werden?"),
+        QStringLiteral("Achtung!"), QStringLiteral("Nein"));
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_FALSE(user.defaultYes);
+    EXPECT_EQ(executed(0x83), 0);
+    button("LeseFSDatenBut")->click();
+    EXPECT_TRUE(window->findChild<QLabel *>(QStringLiteral("UnvollstaendigLbl"))->isHidden());
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_EQ(executed(0x83), 1);
+}
+
+TEST_F(TableWindows, ADraggedRangeCollapsesToWhereItBegan)
+{
+    openRoutes();
+    button("LeseFSDatenBut")->click();
+    const auto drag = [this](QPoint from, QPoint to) {
+        Mouse(QEvent::MouseButtonPress, grid->viewport(), from);
+        Mouse(QEvent::MouseMove, grid->viewport(), to);
+        Mouse(QEvent::MouseButtonRelease, grid->viewport(), to);
+    };
+    const Routes before = FsDaten;
+    drag(centre(2, 3), centre(5, 2));
+    EXPECT_EQ(grid->currentRow(), 2);
+    EXPECT_EQ(grid->currentColumn(), 3);
+    EXPECT_EQ(grid->selectedItems().size(), 1);
+    drag(centre(2, 3), QPoint(-20, -40)); // dragged out of the grid
+    EXPECT_EQ(FsDaten, before);
 }
