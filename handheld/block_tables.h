@@ -22,8 +22,8 @@
 
 #include "handheld/transfer.h"
 
-#include <array>
 #include <functional>
+#include <vector>
 
 constexpr int RouteCount = 80;
 constexpr int RouteSize = 4;
@@ -32,10 +32,30 @@ constexpr int PlaceCount = 32;
 constexpr int PlaceSize = 8;
 constexpr int LastAccessoryAddress = 2048;
 
-// One byte value in each entry.
-using Routes = std::array<int, RouteCount * RouteSize>;
-using AccessoryList = std::array<int, PlaceCount * PlaceSize>;
-using Assignment = std::array<int, LastAccessoryAddress>;
+/// A table of so many entries, one byte value each. It lies on the heap: a job holds thousands of records of which
+/// few are tables.
+template <size_t Size> class ByteTable
+{
+public:
+    [[nodiscard]] int &at(size_t index) { return bytes.at(index); }
+    [[nodiscard]] const int &at(size_t index) const { return bytes.at(index); }
+    [[nodiscard]] auto begin() { return bytes.begin(); }
+    [[nodiscard]] auto begin() const { return bytes.begin(); }
+    [[nodiscard]] auto end() { return bytes.end(); }
+    [[nodiscard]] auto end() const { return bytes.end(); }
+    [[nodiscard]] int *data() { return bytes.data(); }
+    [[nodiscard]] const int *data() const { return bytes.data(); }
+    [[nodiscard]] static constexpr size_t size() { return Size; }
+    void fill(int value) { bytes.assign(Size, value); }
+    bool operator==(const ByteTable &) const = default;
+
+private:
+    std::vector<int> bytes = std::vector<int>(Size, 0);
+};
+
+using Routes = ByteTable<RouteCount * RouteSize>;
+using AccessoryList = ByteTable<PlaceCount * PlaceSize>;
+using Assignment = ByteTable<LastAccessoryAddress>;
 
 Result<Routes> ReadRouteTable(SpiImage &image);
 

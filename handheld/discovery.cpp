@@ -88,10 +88,30 @@ Request NormalModeRequest()
     return request;
 }
 
-/// Nothing of a broken-off call is left in the slot: the message has gone out, or it never will.
-bool CallHasGoneOut()
+bool HasGoneOut()
 {
-    if (TxLen == -1 || TxWaitEcho)
+    return TxLen == -1 || TxWaitEcho;
+}
+
+/// Calls the handheld; remembers when it was called and the end of the program cuts the wait for its answer short.
+Outcome Call()
+{
+    Outcome laid = SetNormalMode(true);
+    if (!laid.ok())
+        return laid;
+    Outcome answered = AwaitAck();
+    if (answered.how() != End::ProgramEnds)
+        return answered;
+    calledWithoutAnswer = HasGoneOut();
+    if (!calledWithoutAnswer)
+        DropPendingMessage(); // it never leaves
+    return answered;
+}
+
+/// Waits until the laid message has left, also under CTS; false when it can't.
+bool LeavesInTime()
+{
+    if (Await(HasGoneOut, SlotSeconds + AnswerSeconds).ok())
         return true;
     DropPendingMessage();
     return false;
@@ -136,9 +156,8 @@ QString ReadHandheldText(int block, int number)
 
 Result<HandheldInfo> FindHandheld()
 {
-    const Outcome called = SetNormalMode(false);
+    const Outcome called = Call();
     if (!called.ok()) {
-        calledWithoutAnswer = called.how() == End::ProgramEnds && CallHasGoneOut();
         ReportNoHandheld();
         return {{}, called};
     }
@@ -156,6 +175,8 @@ Outcome SendHandheldBack()
     calledWithoutAnswer = false;
     HandreglerGefunden = false; // at once: nobody sends it back a second time
     Outcome outcome = SetNormalMode(false);
+    if (outcome.how() == End::NotSent) // an older message held the slot; it is given up by now
+        outcome = SetNormalMode(false);
     WaitSeconds(LastTrafficSeconds);
     return outcome;
 }
@@ -166,6 +187,8 @@ Outcome SendHandheldBackNoWait()
     Outcome laid = SetNormalMode(true);
     if (!laid.ok())
         return laid;
+    if (!LeavesInTime())
+        return Outcome(End::NotSent); // still in service: the end of the program tries again
     HandreglerGefunden = false;
     WaitSeconds(LastTrafficSeconds);
     return laid;

@@ -28,10 +28,9 @@ constexpr int PageCommandLength = 4; // opcode, address
 constexpr int StatusCommandLength = 2;
 constexpr int LastReadableIndex = MaxSliceStart + SliceSize - 1;
 
-constexpr int LoadRepeats = 2;    // after the first load
-constexpr int StatusLooks = 5;    // until the chip is ready; it compares in less than a millisecond
-constexpr int PartRepeats = 1;    // of a job
-constexpr int ProgramRepeats = 1; // of a job
+constexpr int LoadRepeats = 2; // after the first load
+constexpr int StatusLooks = 5; // until the chip is ready; it compares in less than a millisecond
+constexpr int JobRepeats = 1;  // of a whole page sequence
 
 void LayStartIndex(Request &request, int start)
 {
@@ -96,27 +95,32 @@ Result<int> ReadStatus()
     return {answer.value.at(1), answer.outcome};
 }
 
-/// Whether the page is in buffer 1 after a load that nobody acknowledged; the load is repeated until it is.
-Outcome SecureLoad(const Outcome &unanswered, int address)
+/// How a page load ended: the page is in buffer 1, it certainly is not, or nobody can tell.
+enum class Loaded { Yes, No, Unknown };
+
+/// After a load that nobody acknowledged: the chip is asked, and the load repeated until the page is there.
+Loaded SecureLoad(int address)
 {
     for (int repeat = 0;; ++repeat) {
         const Result<bool> equal = PageEqualsBuffer1(address);
         if (equal.ok() && equal.value)
-            return {};
+            return Loaded::Yes;
         if (repeat == LoadRepeats || equal.outcome.brokenOff())
-            return unanswered;
-        const Outcome again = ExchangeForAck(PageCommand(ChipPageToBuffer1, address));
-        if (again.ok())
-            return {};
+            return equal.ok() ? Loaded::No : Loaded::Unknown;
+        if (ExchangeForAck(PageCommand(ChipPageToBuffer1, address)).ok())
+            return Loaded::Yes;
         if (!equal.ok())
-            return unanswered; // neither question nor load is answered: nobody is there
+            return Loaded::Unknown; // neither question nor load is answered: nobody is there
     }
 }
 
-Outcome LoadPage(int address)
+void TellNothingWritten()
 {
-    Outcome loaded = move_spibuf_to_buf1(address);
-    return loaded.timedOut() ? SecureLoad(loaded, address) : loaded;
+    if (BoxesAreSilent())
+        return;
+    TheAsk().showBox({QStringLiteral("Der Handregler hat die Speicherseite nicht geladen.\r"
+                                     "Damit die Nachbarn unversehrt bleiben, wurde nichts geschrieben."),
+        QStringLiteral("Fehler!"), BoxIcon::Critical});
 }
 
 /// The buffer-write command and the part's data.
@@ -138,28 +142,78 @@ Outcome WriteSlices(const SpiImage &image, const PagePart &part)
     return outcome;
 }
 
-Outcome WritePart(SpiImage &image, const PagePart &part, Patience patience)
+Outcome WritePart(SpiImage &image, const PagePart &part)
 {
     LayPart(image, part);
-    Outcome written = WriteSlices(image, part);
-    // All of it again: what the handheld clocked through the chip has replaced its buffer.
-    for (int repeat = 0; repeat < PartRepeats && patience == Patience::Job && written.timedOut(); ++repeat)
-        written = WriteSlices(image, part);
-    return written;
+    return WriteSlices(image, part);
 }
 
-/// A job finds out whether the page was programmed although nobody acknowledged it, and repeats it where it was not.
-Outcome SecureProgram(const Outcome &unanswered, int address)
+Outcome WriteParts(SpiImage &image, const PageWrite &page)
 {
-    for (int repeat = 0;; ++repeat) {
-        const Result<bool> equal = PageEqualsBuffer1(address);
-        if (equal.ok() && equal.value)
-            return {};
-        if (repeat == ProgramRepeats || !equal.ok())
-            return unanswered;
-        if (ExchangeForAck(PageCommand(ChipProgramPage, address)).ok())
-            return {};
+    Outcome outcome;
+    for (const PagePart &part : page.parts) {
+        if (TransferBrokenOff())
+            break;
+        outcome.keep(WritePart(image, part));
     }
+    return outcome;
+}
+
+/// The user is told about each time-out, and the remaining steps are carried out. Only a page that is certainly not in
+/// buffer 1 is not programmed.
+Outcome ProgramAsAgreed(SpiImage &image, const PageWrite &page)
+{
+    Outcome outcome = page.loadFirst ? move_spibuf_to_buf1(page.address) : Outcome();
+    const Loaded loaded = outcome.timedOut() ? SecureLoad(page.address) : Loaded::Yes;
+    if (loaded == Loaded::Yes && outcome.timedOut())
+        outcome = {};
+    if (loaded != Loaded::No)
+        outcome.keep(WriteParts(image, page));
+    // It may have come back meanwhile: then the load is made sure of, and the parts are written once more.
+    if (loaded == Loaded::Unknown && ExchangeForAck(PageCommand(ChipPageToBuffer1, page.address)).ok())
+        outcome = WriteParts(image, page);
+    if (loaded == Loaded::No) {
+        TellNothingWritten();
+        return Outcome(End::GivenUp, outcome.at());
+    }
+    outcome.keep(write_buf1_to_flash(page.address));
+    return outcome;
+}
+
+/// One try of a job: a page is programmed only when every step before it was answered.
+Outcome TryPage(SpiImage &image, const PageWrite &page)
+{
+    if (page.loadFirst) {
+        Outcome loaded = move_spibuf_to_buf1(page.address);
+        if (loaded.timedOut() && SecureLoad(page.address) != Loaded::Yes)
+            return TransferBrokenOff() ? Outcome(End::PortLost) : Outcome(End::GivenUp, loaded.at());
+        if (loaded.brokenOff())
+            return loaded;
+    }
+    for (const PagePart &part : page.parts) {
+        Outcome written = WritePart(image, part);
+        if (!written.ok())
+            return written.brokenOff() ? written : Outcome(End::GivenUp, written.at());
+    }
+    Outcome programmed = write_buf1_to_flash(page.address);
+    if (!programmed.timedOut())
+        return programmed;
+    const Result<bool> equal = PageEqualsBuffer1(page.address); // perhaps only its acknowledge is missing
+    return equal.ok() && equal.value ? Outcome() : programmed;
+}
+
+/// The whole sequence is tried again from the load: a handheld that was restarted has lost buffer 1.
+Outcome ProgramAsJob(SpiImage &image, const PageWrite &page)
+{
+    Outcome outcome;
+    for (int repeat = 0; repeat <= JobRepeats; ++repeat) {
+        const Outcome tried = TryPage(image, page);
+        // Once a page program was sent and not answered the record stays doubtful, unless a later try succeeds.
+        outcome = tried.how() == End::GivenUp && outcome.how() == End::NoAnswer ? outcome : tried;
+        if (!tried.timedOut() || (tried.how() == End::GivenUp && tried.at() == PageCommandName()))
+            break;
+    }
+    return outcome;
 }
 
 } // namespace
@@ -174,8 +228,10 @@ Outcome read_flash_to_spibuf(int address, int count)
 
 Outcome read_spibuf(SpiImage &image, int start)
 {
-    const auto answer = ExchangeForReadBack(ReadBackRequest(start));
-    // Damaged bytes are taken, as the handheld's own software takes them; the outcome says that they are doubtful.
+    auto answer = ExchangeForReadBack(ReadBackRequest(start));
+    if (answer.outcome.how() == End::Damaged) // the handheld's buffer still holds it
+        answer = ExchangeForReadBack(ReadBackRequest(start));
+    // Bytes that are damaged again are taken; the outcome says that they are doubtful.
     if (answer.ok() || answer.outcome.how() == End::Damaged)
         std::copy(answer.value.begin(), answer.value.end(), image.begin() + start);
     return Told(answer.outcome, QStringLiteral("read_spibuf"));
@@ -243,22 +299,7 @@ void MoveToWritePosition(SpiImage &image, int lastIndex)
 Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience)
 {
     const PageSequence sequence;
-    const bool job = patience == Patience::Job;
-    Outcome outcome;
-    if (page.loadFirst)
-        outcome = LoadPage(page.address);
-    for (const PagePart &part : page.parts) {
-        if ((job && !outcome.ok()) || TransferBrokenOff())
-            break;
-        outcome.keep(WritePart(image, part, patience));
-    }
-    if (job && !outcome.ok())
-        return outcome.timedOut() ? Outcome(End::GivenUp, outcome.at()) : outcome;
-    Outcome programmed = write_buf1_to_flash(page.address);
-    if (job && programmed.timedOut())
-        programmed = SecureProgram(programmed, page.address);
-    outcome.keep(programmed);
-    return outcome;
+    return patience == Patience::Job ? ProgramAsJob(image, page) : ProgramAsAgreed(image, page);
 }
 
 bool TransferBrokenOff()

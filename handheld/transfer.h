@@ -90,11 +90,12 @@ struct PageWrite {
 ///
 /// A load without an acknowledge is never believed: the chip is asked whether page and buffer are equal, and the load
 /// is repeated, twice at most. Eight records share a page, and a page that is programmed from another buffer destroys
-/// seven neighbours. Only when the chip can't be asked either, a single command goes on as agreed; a job ends here.
+/// seven neighbours. When the chip says that they differ, nothing is programmed (GivenUp, after a box). Only when it
+/// can't be asked at all, a single command goes on as agreed; a job gives the page up (GivenUp). A job also tries the
+/// whole sequence once more after an unanswered buffer write or page program.
 Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience);
 
-/// The same after each change of the last slice's place: where a part of n data bytes must begin its last message so
-/// that all of them are sent before it.
+/// Where the last message of a part with n data bytes begins, so that all of them are sent.
 constexpr int LastSliceFor(int n)
 {
     // The last message carries only 19 data bytes; index 4 + n - 1 must be among them.

@@ -86,12 +86,16 @@ bool WriteFile(const QString &fileName, const QByteArray &file)
     return true;
 }
 
-/// The name with " (unvollständig)" before its ending.
+/// The name with " (unvollständig)" before its ending; counted on where such a file exists already.
 QString IncompleteName(const QString &fileName)
 {
     const QFileInfo info(fileName);
     const QString ending = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-    return info.path() + u'/' + info.completeBaseName() + QStringLiteral(" (unvollständig)") + ending;
+    const QString front = info.path() + u'/' + info.completeBaseName() + QStringLiteral(" (unvollständig");
+    QString name = front + u')' + ending;
+    for (int n = 2; QFileInfo::exists(name); ++n)
+        name = front + u' ' + QString::number(n) + u')' + ending;
+    return name;
 }
 
 bool IsUnread(const JobEntry &entry)
@@ -121,7 +125,7 @@ QByteArray FileOf(const Report &report)
 void TakeEntry(BackupOutcome &outcome, const JobEntry &entry, const BackupSelection &selection)
 {
     const int number = entry.step.id.number;
-    outcome.answersMissing = outcome.answersMissing || !entry.outcome.ok();
+    outcome.answersMissing = outcome.answersMissing || entry.outcome.timedOut();
     if (IsUnread(entry))
         outcome.unread.push_back(entry.step.id);
     else if (entry.state == RecordState::Doubtful)
@@ -179,7 +183,7 @@ void ReportBrokenOff(const BackupOutcome &outcome)
 void ReportDoubtful(const BackupOutcome &outcome)
 {
     QString text = outcome.answersMissing ? QStringLiteral("Der Handregler hat nicht immer geantwortet.")
-                                          : QStringLiteral("Nicht alles, was der Handregler enthält, ist eindeutig.");
+                                          : QStringLiteral("Nicht alles, was vom Handregler kam, ist eindeutig.");
     if (!outcome.doubtful.empty()) {
         text += QStringLiteral("\r\r%1 in der Datei zweifelhaft:\r").arg(RecordCount(outcome.doubtful.size()))
             + RecordsText(outcome.doubtful);
@@ -198,7 +202,11 @@ void ReportDoubtful(const BackupOutcome &outcome)
 Plan BackupPlan(const BackupSelection &selection)
 {
     // The reading goes on after a time-out and names the record afterwards.
-    Plan plan{{}, [](const Step &step) { return ProgressText(step.id); }, Patience::Agreed, false, true};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return ProgressText(step.id); },
+        .patience = Patience::Agreed,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true};
     AddLocos(plan, selection);
     AddSymbols(plan, selection, LokSymbolList, SymbolKind::Loco);
     AddSymbols(plan, selection, FktSymbolList, SymbolKind::Function);

@@ -12,7 +12,7 @@ struct BackupOutcome {
     QString fileName;               // that was written; the one that was wanted where none was
     bool fileExisted = false;       // there was an older backup of the wanted name
     bool written = false;           // fileName now holds what was read
-    bool answersMissing = false;    // time-outs or damaged answers, not only strange contents
+    bool answersMissing = false;    // there were time-outs, not only damaged answers and strange contents
     std::vector<RecordId> saved;    // all that is in the file
     std::vector<RecordId> doubtful; // in the file all the same
     std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file

@@ -12,8 +12,11 @@ constexpr double SettleSeconds = 0.5;
 
 Report ClearAllLocoRecords()
 {
-    Plan plan{{}, [](const Step &step) { return QStringLiteral("Lösche Lok ") + QString::number(step.id.number); },
-        Patience::Job, true, true};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return QStringLiteral("Lösche Lok ") + QString::number(step.id.number); },
+        .patience = Patience::Job,
+        .endsAtFailure = true,
+        .ownerTellsPortLoss = true};
     for (int n = FirstLoco; n <= LastLoco; ++n)
         plan.steps.push_back({StepKind::Delete, {KindLoco, n}, {}, {}});
     return RunJob(plan);
@@ -21,15 +24,19 @@ Report ClearAllLocoRecords()
 
 Report ResetFktSymbols()
 {
-    Plan plan{{}, [](const Step &step) { return QStringLiteral("Fktsym. ") + QString::number(step.id.number); },
-        Patience::Job, true, true};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return QStringLiteral("Fktsym. ") + QString::number(step.id.number); },
+        .patience = Patience::Job,
+        .endsAtFailure = true,
+        .ownerTellsPortLoss = true};
     for (int n = FirstResetSymbol; n < PairCount; ++n) {
         for (const int half : {HalfOn, HalfOff})
             plan.steps.push_back(
                 {StepKind::Write, {KindFktSymbolOn + half, n}, EmptyPicture(SymbolKind::Function), {}});
     }
     Report report = RunJob(plan);
-    WaitSeconds(SettleSeconds);
+    if (report.end == JobEnd::Complete)
+        WaitSeconds(SettleSeconds);
     return report;
 }
 

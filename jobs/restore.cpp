@@ -66,7 +66,11 @@ QString DoubtfulGroup(const RestoreOutcome &outcome)
 
 Plan RestorePlan(const std::vector<DdsRecord> &records)
 {
-    Plan plan{{}, [](const Step &step) { return ProgressText(step.id); }, Patience::Job, false, true};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return ProgressText(step.id); },
+        .patience = Patience::Job,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true};
     for (const DdsRecord &record : records)
         plan.steps.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
     return plan;
@@ -105,9 +109,6 @@ void ReportRestore(const RestoreOutcome &outcome)
             EndText(outcome.end, QStringLiteral("Das Zurückschreiben wurde abgebrochen."))
                 + Group(QStringLiteral("Geschrieben:"), outcome.written) + DoubtfulGroup(outcome)
                 + Group(QStringLiteral("Nicht geschrieben:"), outcome.untouched));
-    } else if (outcome.end == JobEnd::Complete && !outcome.doubtful.empty()) {
-        TheAsk().showBox({QStringLiteral("Der Handregler hat nicht immer geantwortet.") + DoubtfulGroup(outcome),
-            QStringLiteral("Achtung!"), BoxIcon::Critical});
     } else if (outcome.end == JobEnd::Complete) {
         ShowDoneBox(QStringLiteral("In den Handregler geschrieben:\r") + ContentText(outcome.written),
             QStringLiteral("Datensicherung zurückschreiben"));

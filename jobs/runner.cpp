@@ -143,6 +143,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
         if (brokenOff && !entry.outcome.brokenOff() && !StoppableJob::stopRequested())
             report.end = JobEnd::NoAnswer;
     }
+    TheAsk().hideProgress(); // questions and reports stand alone
     if (brokenOff && report.end == JobEnd::Complete)
         report.end = WhyBrokenOff();
     return report;

@@ -1,9 +1,6 @@
 #include "jobs/send.h"
 
 #include "jobs/report.h"
-#include "program/ask.h"
-
-#include <algorithm>
 
 namespace
 {
@@ -15,8 +12,11 @@ QString Title()
 
 Plan LookPlan(const std::vector<DownloadedLoco> &locos)
 {
-    Plan plan{{}, [](const Step &step) { return QStringLiteral("Prüfe Lok ") + QString::number(step.id.number); },
-        Patience::Job, true, false};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return QStringLiteral("Prüfe Lok ") + QString::number(step.id.number); },
+        .patience = Patience::Job,
+        .endsAtFailure = true,
+        .ownerTellsPortLoss = true};
     for (const DownloadedLoco &loco : locos)
         plan.steps.push_back({StepKind::IsUsed, {KindLoco, loco.address}, {}, {}});
     return plan;
@@ -36,23 +36,23 @@ Step SendStep(const DownloadedLoco &loco, bool taken)
 
 Plan SendPlan(const std::vector<DownloadedLoco> &locos, const Report &looked)
 {
-    Plan plan{{}, [](const Step &step) { return QStringLiteral("Sende Lok ") + QString::number(step.id.number); },
-        Patience::Job, true, true};
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return QStringLiteral("Sende Lok ") + QString::number(step.id.number); },
+        .patience = Patience::Job,
+        .endsAtFailure = true,
+        .ownerTellsPortLoss = true};
     for (size_t i = 0; i < locos.size(); ++i)
         plan.steps.push_back(SendStep(locos.at(i), looked.entries.at(i).state == RecordState::Done));
     return plan;
 }
 
-bool MayOverwrite(const std::vector<DownloadedLoco> &locos, const Report &looked)
+BoxText Question(size_t locos, size_t taken)
 {
-    const size_t taken = IdsOf(looked, RecordState::Done).size();
-    if (taken == 0)
-        return true;
-    const QString text = QStringLiteral("Von %1 sind %2 im Handregler schon gespeichert und werden überschrieben\r"
-                                        "(ihre Funktionssymbole bleiben). Sollen die Loks gesendet werden?")
-                             .arg(LocoCount(locos.size()))
-                             .arg(taken);
-    return TheAsk().askYesNo({text, Title(), BoxIcon::Information}, false);
+    return {QStringLiteral("Von %1 sind %2 im Handregler schon gespeichert und werden überschrieben\r"
+                           "(ihre Funktionssymbole bleiben). Sollen die Loks gesendet werden?")
+                .arg(LocoCount(locos))
+                .arg(taken),
+        Title(), BoxIcon::Information};
 }
 
 void ReportSent(const Report &report)
@@ -72,14 +72,17 @@ void ReportSent(const Report &report)
 
 } // namespace
 
-bool SendLocos(const std::vector<DownloadedLoco> &locos)
+void SendLocos(const std::vector<DownloadedLoco> &locos, const std::function<bool(const BoxText &question)> &confirm)
 {
     const Report looked = RunJob(LookPlan(locos));
-    TheAsk().hideProgress();
-    if (looked.end != JobEnd::Complete || !MayOverwrite(locos, looked))
-        return false;
-    const Report sent = RunJob(SendPlan(locos, looked));
-    TheAsk().hideProgress();
-    ReportSent(sent);
-    return true;
+    if (EndedEarly(looked.end)) {
+        ShowEndBox(looked.end,
+            EndText(looked.end, QStringLiteral("Abgebrochen.")) + u'\r'
+                + QStringLiteral("Es wurde keine Lok gesendet."));
+        return;
+    }
+    const size_t taken = IdsOf(looked, RecordState::Done).size();
+    if (looked.end != JobEnd::Complete || (taken > 0 && !confirm(Question(locos.size(), taken))))
+        return;
+    ReportSent(RunJob(SendPlan(locos, looked)));
 }

@@ -64,6 +64,8 @@ void Request::setData(size_t number, int value)
 
 Outcome Await(const std::function<bool()> &answered, double seconds)
 {
+    if (answered())
+        return {};
     const double start = NowSeconds();
     WakeUpAfter(seconds);
     while (!answered()) {
@@ -94,9 +96,12 @@ Outcome LayWhenFree(const LocoNetMessage &message, int lastIndex)
 
 Outcome ExchangeForAck(const Request &request)
 {
-    if (Outcome laid = LayWhenFree(Packed(request), TransferLastIndex); !laid.ok())
-        return laid;
-    LastAckCode = 0;
+    Outcome laid = SendOnly(request);
+    return laid.ok() ? AwaitAck() : laid;
+}
+
+Outcome AwaitAck()
+{
     Outcome outcome = AwaitOwnAnswer([] { return LastAckCode == AckAccepted; });
     return outcome.how() == End::NoAnswer && LastAckCode != 0 ? Outcome(End::Refused) : outcome;
 }
@@ -115,6 +120,7 @@ Result<std::array<int, 20>> ExchangeForReadBack(const Request &request)
 
 Outcome SendOnly(const Request &request)
 {
+    LastAckCode = 0;
     return LayWhenFree(Packed(request), TransferLastIndex);
 }
 

@@ -31,8 +31,9 @@ Outcome ExchangeForAck(const Request &request);
 /// with the outcome Damaged: then it is what came, with a wrong checksum.
 Result<std::array<int, 20>> ExchangeForReadBack(const Request &request);
 
-/// Sends a request whose acknowledge nobody awaits: done as soon as it is laid.
+/// The two halves of ExchangeForAck: done as soon as the request is laid, and the wait for its acknowledge.
 Outcome SendOnly(const Request &request);
+Outcome AwaitAck();
 
 // --- The parts, for requests with other rules (the command station). ---
 

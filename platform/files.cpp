@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QTemporaryFile>
+#include <QUuid>
 
 #include <filesystem>
 #include <system_error>
@@ -76,27 +76,25 @@ bool ReplaceFile(const QString &path, const QByteArray &content)
 
 bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content)
 {
-    QTemporaryFile file(KonfPath(QStringLiteral("\\konf")) + QStringLiteral("/neu-XXXXXX.tmp"));
-    if (!file.open() || file.write(content) != content.size() || !file.flush())
+    if (QFileInfo::exists(path) && !(QFileInfo(path).isFile() && QFileInfo(path).isWritable()))
         return false;
-    // A file of its own has the usual rights; a temporary one only those of its owner.
-    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
-    file.close();
+    const QString beside = KonfPath(QStringLiteral("\\konf"))
+        + QStringLiteral("/neu-%1.tmp").arg(QUuid::createUuid().toString(QUuid::Id128));
+    if (!ReplaceFile(beside, content))
+        return false;
     std::error_code failure;
-    std::filesystem::rename(SystemPath(file.fileName()), SystemPath(path), failure);
+    std::filesystem::rename(SystemPath(beside), SystemPath(path), failure);
     if (failure)
-        return false; // the temporary file goes with its object
-    file.setAutoRemove(false);
-    return true;
+        QFile::remove(beside);
+    return !failure;
 }
 
 bool IsSameFile(const QString &one, const QString &other)
 {
-    const QFileInfo first(one);
-    const QFileInfo second(other);
-    if (first.exists() && second.exists())
-        return first == second;
-    return first.absoluteFilePath() == second.absoluteFilePath();
+    // The file system is asked, not the names: on some disks names that differ in case are one file.
+    std::error_code failure;
+    const bool same = std::filesystem::equivalent(SystemPath(one), SystemPath(other), failure);
+    return failure ? QFileInfo(one).absoluteFilePath() == QFileInfo(other).absoluteFilePath() : same;
 }
 
 QStringList FileNames(const QString &folder)

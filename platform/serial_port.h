@@ -5,10 +5,17 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
+
+/// A port as it is offered to the user.
+struct PortEntry {
+    QString name;           // what is typed: "ttyUSB0", "COM3", "Demo"
+    QString description;    // what it is: "FTDI USB Serial"; may be empty
+    bool pluggedIn = false; // an adapter that somebody has plugged in, not a line of the board
+};
 
 class SerialPort
 {
@@ -65,8 +72,8 @@ public:
     /// Hands the bytes to the device; ignored on a closed port.
     virtual void write(const QByteArray &bytes) = 0;
 
-    /// Names of the ports that this machine has now; offered where the user types a port.
-    [[nodiscard]] virtual QStringList availablePorts() const { return {}; }
+    /// The ports that this machine has now, the likeliest first; offered where the user chooses a port.
+    [[nodiscard]] virtual QList<PortEntry> availablePorts() const { return {}; }
 
     /// Called when characters have been received. The handler must drain the port and must not wait.
     std::function<void()> onReceive;

@@ -112,9 +112,11 @@ void SwitchedPort::write(const QByteArray &bytes)
     active->write(bytes);
 }
 
-QStringList SwitchedPort::availablePorts() const
+QList<PortEntry> SwitchedPort::availablePorts() const
 {
-    return QStringList{QStringLiteral("Demo")} + machine.availablePorts();
+    const PortEntry simulated{
+        QStringLiteral("Demo"), QStringLiteral("simulierter Handregler zum Ausprobieren"), false};
+    return machine.availablePorts() << simulated;
 }
 
 bool SwitchedPort::outputEmpty() const

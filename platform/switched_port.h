@@ -29,7 +29,7 @@ public:
     [[nodiscard]] int bytesWaiting() const override;
     QByteArray read() override;
     void write(const QByteArray &bytes) override;
-    [[nodiscard]] QStringList availablePorts() const override;
+    [[nodiscard]] QList<PortEntry> availablePorts() const override;
 
 private:
     SerialPort &machine;

@@ -45,11 +45,6 @@ QString WithoutTrailingBlanks(QString text)
     return text;
 }
 
-QString HexByte(int value)
-{
-    return QString::number(value, 16).toUpper().rightJustified(2, u'0');
-}
-
 QString ScreenLines(const QString &text)
 {
     QString result = text;

@@ -17,8 +17,5 @@ QString NumberText(int number);
 /// The text without the blanks at its end.
 QString WithoutTrailingBlanks(QString text);
 
-/// The value as upper-case hexadecimal text, padded to two digits.
-QString HexByte(int value);
-
 /// The text with each CR, LF or CR LF turned into the line break that widgets show.
 QString ScreenLines(const QString &text);

@@ -15,7 +15,6 @@ enum class End {
     GivenUp,     // a job ended before a page was programmed from a doubtful buffer: the flash is as it was
     NotOpened,   // the port or its interface could not be opened
     PortLost,    // the port is closed or was lost
-    Stopped,     // by the user
     ProgramEnds, // everything ends at once
 };
 

@@ -71,12 +71,18 @@ void OnBusyAgain(std::function<void()> handler)
     state.busyAgain = std::move(handler);
 }
 
+void TellBusyAgain()
+{
+    if (state.busyAgain)
+        state.busyAgain();
+}
+
 BusyScope::BusyScope() : entered(state.busyDepth == 0 && state.run == RunState::Running)
 {
     if (entered)
         ++state.busyDepth;
-    else if (state.busyAgain)
-        state.busyAgain();
+    else
+        TellBusyAgain();
 }
 
 BusyScope::~BusyScope()
@@ -107,7 +113,7 @@ PageSequence::~PageSequence()
 
 void AbandonPageSequence()
 {
-    state.sequenceAbandoned = state.run == RunState::Ending;
+    state.sequenceAbandoned = state.pageSequences > 0 && state.run == RunState::Ending;
 }
 
 MustFinish::MustFinish()

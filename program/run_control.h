@@ -32,6 +32,7 @@ bool BoxesAreSilent();
 
 /// Called when a second command is asked for while one runs: the face brings the waiting window forward.
 void OnBusyAgain(std::function<void()> handler);
+void TellBusyAgain();
 
 /// Guards one user command (button, menu item, grid click, picker, editor). ok() is false when another command
 /// runs or the program ends; the caller returns at once then, and the handler of OnBusyAgain() is called.

@@ -37,6 +37,11 @@ void EnterSymbolFile(SymbolKind kind, int number, int catalogueHalf, const QStri
     TellChange(kind, number);
 }
 
+void TellPicturesChanged(SymbolKind kind)
+{
+    TellChange(kind, -1);
+}
+
 void OnCatalogueChange(std::function<void(SymbolKind, int)> handler)
 {
     changeHandler = std::move(handler);

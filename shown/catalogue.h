@@ -19,7 +19,10 @@ void ScanCatalogues();
 /// Enters a saved file; what shows pictures of that number is told (see OnCatalogueChange).
 void EnterSymbolFile(SymbolKind kind, int number, int catalogueHalf, const QString &fileName);
 
-/// Called with kind and number after an entry changed, and with number -1 after a scan.
+/// A file in the folder of a kind was written by its own name: its picture may be another one now.
+void TellPicturesChanged(SymbolKind kind);
+
+/// Called with kind and number after an entry changed, and with number -1 after a scan or a change of any file.
 void OnCatalogueChange(std::function<void(SymbolKind, int)> handler);
 
 /// Real path of the picture of a number and catalogue half; empty when there is none or the number is not 0..256.

@@ -162,6 +162,7 @@ int EnterDownloadMode(bool &entered)
     if (const int inner = ExchangeWithStation(EntryData, commands, code); inner != 0)
         return inner;
     if (code == AckAccepted) {
+        entered = true; // also when its answer is lost
         if (!EntryAnswered())
             return InnerNoAnswer;
     } else if (code != AckAlreadyDone) {

@@ -3,6 +3,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 #include "program/ask.h"
+#include "symbols/symbol_catalogue.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -135,7 +136,8 @@ PictureRows GetPixels(const QByteArray &file, const BmpLayout &layout, int heigh
 
 bool SaveFile(const QString &path, const QByteArray &content)
 {
-    if (ReplaceFileInScannedFolder(path, content) || ReplaceFile(path, content))
+    const bool scanned = IsInSymbolFolder(path);
+    if (scanned ? ReplaceFileInScannedFolder(path, content) : ReplaceFile(path, content))
         return true;
     ShowError(QStringLiteral("Die Datei \"%1\" kann nicht geschrieben werden!").arg(path));
     return false;

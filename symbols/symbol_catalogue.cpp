@@ -3,6 +3,7 @@
 #include "platform/files.h"
 #include "platform/text.h"
 
+#include <QFileInfo>
 #include <QRegularExpression>
 
 namespace
@@ -68,8 +69,8 @@ SymbolFiles ScanFolder(SymbolKind kind)
 
 bool CarriesNumber(const QString &fileName, int number)
 {
-    const QString front = fileName.left(fileName.indexOf(u' '));
-    return !front.isEmpty() && front.at(0) >= u'0' && front.at(0) <= u'9' && Val(front) == number;
+    static const QRegularExpression numberAndBlank(QStringLiteral("^[0-9]+ "));
+    return numberAndBlank.match(fileName).hasMatch() && Val(fileName) == number;
 }
 
 int CatalogueHalf(SymbolKind kind, int handheldHalf)
@@ -86,9 +87,18 @@ QString FileEnding(SymbolKind kind, int handheldHalf)
     return u' ' + NamesOf(kind).markers.at(half) + QStringLiteral(".bmp");
 }
 
-QString SymbolFolder(SymbolKind kind)
+std::optional<SymbolKind> KindOfFolder(const QString &path)
 {
-    return NamesOf(kind).folder;
+    for (const SymbolKind kind : {SymbolKind::Loco, SymbolKind::Function, SymbolKind::Accessory}) {
+        if (IsSameFile(QFileInfo(path).absolutePath(), KonfPath(NamesOf(kind).folder)))
+            return kind;
+    }
+    return {};
+}
+
+bool IsInSymbolFolder(const QString &path)
+{
+    return KindOfFolder(path).has_value();
 }
 
 QString SymbolPath(SymbolKind kind, const QString &fileName)

@@ -14,6 +14,7 @@
 #include <QString>
 
 #include <array>
+#include <optional>
 
 constexpr int CatalogueSize = 257; // numbers 0..256; 256 is the pickers' "nothing chosen" and has no picture
 constexpr int NothingChosen = 256;
@@ -36,8 +37,11 @@ QString FileEnding(SymbolKind kind, int handheldHalf);
 /// that number is saved. Entry 0 also lists files that carry no number at all.
 bool CarriesNumber(const QString &fileName, int number);
 
-/// Folder of a kind in the form "\konf\LokSymbole\", and the real path of a file in it.
-QString SymbolFolder(SymbolKind kind);
+/// The kind in whose folder a file lies; nothing for all other files.
+std::optional<SymbolKind> KindOfFolder(const QString &path);
+bool IsInSymbolFolder(const QString &path);
+
+/// The real path of a file in the folder of its kind.
 QString SymbolPath(SymbolKind kind, const QString &fileName);
 
 /// What the pickers show beside the pictures: the file name (loco), or the second half's name without marker and

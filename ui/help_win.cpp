@@ -49,6 +49,7 @@ HelpWin::HelpWin() : helpTxt(new QListWidget(this))
     layout->addWidget(helpTxt);
     layout->addLayout(buttonRow);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+    setDefaultButton(okButton);
 }
 
 void HelpWin::load()

@@ -49,4 +49,5 @@ InfoZeichensatz::InfoZeichensatz()
     layout->addLayout(buttonRow);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+    setDefaultButton(okButton);
 }

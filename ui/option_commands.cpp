@@ -22,20 +22,16 @@ QString PublisherLine()
     return QStringLiteral("              Konfigurationswerkzeug für Handregler              ");
 }
 
-/// Runs a job with its progress, which is gone when the report comes.
-Report Shown(Report (*job)())
-{
-    const Progress progress;
-    return job();
-}
-
 } // namespace
 
 void ReturnToOperatingMode()
 {
     const Command command;
-    if (command.ok() && HandreglerGefunden)
-        static_cast<void>(SendHandheldBackNoWait()); // what could not leave now is sent at the program's end
+    if (!command.ok() || !HandreglerGefunden || SendHandheldBackNoWait().ok())
+        return;
+    TheAsk().showBox({QStringLiteral("Der Handregler konnte nicht zurückgeschickt werden.\r"
+                                     "Das wird beim Beenden des Programms noch einmal versucht."),
+        QStringLiteral("Achtung!"), BoxIcon::Critical});
 }
 
 void AskAndClearAllLocoRecords()
@@ -48,7 +44,7 @@ void AskAndClearAllLocoRecords()
         QStringLiteral("Lokdatensätze löschen"), BoxIcon::None};
     if (!command.confirmed(question, false))
         return;
-    ReportCleanUp(Shown(ClearAllLocoRecords), QStringLiteral("Lokdatensätze gelöscht"), question.title);
+    ReportCleanUp(ClearAllLocoRecords(), QStringLiteral("Lokdatensätze gelöscht"), question.title);
 }
 
 void AskAndClearSwitchOffTime()
@@ -78,8 +74,7 @@ void AskAndResetFktSymbols()
         TheBranding().fktSymTitle, BoxIcon::Information};
     if (!command.confirmed(question, false)) // drawn ones are emptied too
         return;
-    ReportCleanUp(
-        Shown(ResetFktSymbols), QStringLiteral("Bilder von Funktionssymbolen zurückgesetzt"), question.title);
+    ReportCleanUp(ResetFktSymbols(), QStringLiteral("Bilder von Funktionssymbolen zurückgesetzt"), question.title);
 }
 
 void ShowProgramInfo()

@@ -55,15 +55,6 @@ void FitTitle(QMessageBox &box)
             new QSpacerItem(width, 0, QSizePolicy::Minimum), layout->rowCount(), 0, 1, layout->columnCount());
 }
 
-/// Also a box that is open inside a page sequence ends with the program; the sequence goes on then.
-void WaitFor(QDialog &dialog)
-{
-    const WaitingWindow waiting(&dialog);
-    dialog.show();
-    static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
-    dialog.hide();
-}
-
 void BringForward(QWidget *window)
 {
     window->raise();
@@ -112,7 +103,7 @@ void QtFrontend::showBox(const BoxText &box)
         return;
     const auto widget = makeBox(box);
     widget->setStandardButtons(QMessageBox::Ok);
-    WaitFor(*widget);
+    WaitForDialog(*widget);
 }
 
 void QtFrontend::postBox(const BoxText &box)
@@ -134,7 +125,7 @@ bool QtFrontend::askYesNo(const BoxText &box, bool defaultYes)
     widget->button(QMessageBox::No)->setText(QStringLiteral("&Nein"));
     widget->setDefaultButton(defaultYes ? QMessageBox::Yes : QMessageBox::No);
     widget->setEscapeButton(QMessageBox::No);
-    WaitFor(*widget);
+    WaitForDialog(*widget);
     return widget->clickedButton() == widget->button(QMessageBox::Yes);
 }
 
@@ -149,7 +140,7 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
     BelongTo(dialog, mainWindow);
-    WaitFor(dialog);
+    WaitForDialog(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
@@ -164,7 +155,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, bool f
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     BelongTo(dialog, mainWindow);
     while (!BoxesAreSilent()) {
-        WaitFor(dialog);
+        WaitForDialog(dialog);
         const QStringList chosen = dialog.selectedFiles();
         if (dialog.result() != QDialog::Accepted || chosen.isEmpty())
             return {};

@@ -75,7 +75,7 @@ void AppendValue(QByteArray &bytes, const Picture &picture)
     AppendBytes(bytes, picture.bytes);
 }
 
-template <size_t Count> void AppendValue(QByteArray &bytes, const std::array<int, Count> &table)
+template <size_t Size> void AppendValue(QByteArray &bytes, const ByteTable<Size> &table)
 {
     AppendBytes(bytes, table);
 }

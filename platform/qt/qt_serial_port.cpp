@@ -4,6 +4,8 @@
 
 #include <QSerialPortInfo>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -186,12 +188,17 @@ void QtSerialPort::write(const QByteArray &bytes)
     port.flush(); // to the driver at once: who sends byte by byte under CTS would wait for the event loop each time
 }
 
-QStringList QtSerialPort::availablePorts() const
+QList<PortEntry> QtSerialPort::availablePorts() const
 {
-    QStringList names;
-    for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
-        names += info.portName();
-    return names;
+    QList<PortEntry> ports;
+    for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts()) {
+        const QString words = QString(info.manufacturer() + u' ' + info.description()).simplified();
+        ports += {info.portName(), words, info.hasVendorIdentifier()};
+    }
+    // Adapters that somebody has plugged in stand before the lines of the board.
+    std::stable_sort(ports.begin(), ports.end(),
+        [](const PortEntry &one, const PortEntry &other) { return one.pluggedIn && !other.pluggedIn; });
+    return ports;
 }
 
 void QtSerialPort::handleReadyRead()

@@ -35,7 +35,7 @@ public:
     [[nodiscard]] int bytesWaiting() const override;
     QByteArray read() override;
     void write(const QByteArray &bytes) override;
-    [[nodiscard]] QStringList availablePorts() const override;
+    [[nodiscard]] QList<PortEntry> availablePorts() const override;
 
 private:
     [[nodiscard]] bool usable() const;

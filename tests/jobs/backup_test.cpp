@@ -223,7 +223,7 @@ TEST_F(BackupTest, DoubtfulRecordsAreInTheFileAndNamed)
     ReportBackup(outcome);
 
     flash().setBytes(4000 * 64, QByteArray(64, '\x60')); // begins with a character that no handheld writes
-    user.expect(QStringLiteral("Nicht alles, was der Handregler enthält, ist eindeutig.\r\r"
+    user.expect(QStringLiteral("Nicht alles, was vom Handregler kam, ist eindeutig.\r\r"
                                "1 Datensatz als leer gelesen und nicht in der Datei, ebenfalls zweifelhaft:\r"
                                "Lokdatensätze: 4000\r\rGespeichert in %1.")
                     .arg(path("strange.dds")),
@@ -241,6 +241,7 @@ TEST_F(BackupTest, ADoubtfulBackupReplacesAGoodOneOnlyWhenTheUserSaysSo)
                                  .arg(path(), beside);
     for (const char *answer : {"Nein", "Ja"}) {
         lay("old");
+        QFile::remove(beside);
         strike(&sim::Faults::lostAck, 2);
         user.expect(QStringLiteral("Timeout"), QStringLiteral("read_flash_to_spibuf"));
         user.expect(question, title, QString::fromUtf8(answer));
@@ -249,7 +250,9 @@ TEST_F(BackupTest, ADoubtfulBackupReplacesAGoodOneOnlyWhenTheUserSaysSo)
         const bool replaced = QString::fromUtf8(answer) == u"Ja";
         EXPECT_EQ(outcome.fileName, replaced ? path() : beside);
         EXPECT_EQ(content() == "old", !replaced);
-        EXPECT_EQ(content("test (unvollständig).dds").size(), 2 * 76);
+        if (!replaced) {
+            EXPECT_EQ(content("test (unvollständig).dds").size(), 2 * 76);
+        }
     }
     lay("old");
     user.expect(

@@ -235,7 +235,7 @@ TEST_F(Catalogues, NamesTellNumberAndHalf)
 TEST_F(Catalogues, OnlyAFileOfTheNumberIsReplaced)
 {
     const std::pair<const char *, bool> rows[] = {{"0 Lok.bmp", true}, {"000 Lok.bmp", true}, {"Lok 0.bmp", false},
-        {"", false}, {"x y.bmp", false}, {"01 Lok.bmp", false}, {"0x Lok.bmp", true}};
+        {"", false}, {"x y.bmp", false}, {"01 Lok.bmp", false}, {"0er Reihe.bmp", false}};
     for (const auto &[name, carries] : rows)
         EXPECT_EQ(CarriesNumber(QString::fromUtf8(name), 0), carries) << name;
 }

@@ -339,12 +339,13 @@ TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)
 {
     auto *doubt = window().findChild<QLabel *>(QStringLiteral("UnvollstaendigLbl"));
     EXPECT_TRUE(doubt->isHidden());
-    strike(&sim::Faults::changedByte, 90); // a byte of an answer: its checksum is wrong
+    strike(&sim::Faults::lostAck, 1);
+    user.expect(QStringLiteral("Timeout"), QStringLiteral("read_flash_to_spibuf"));
     read("3");
     EXPECT_FALSE(doubt->isHidden());
     layout().faults.set({});
     const QByteArray before = flashBytes(192, 64);
-    user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\rder Lokdatensatz ist "
+    user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer richtig geantwortet;\rder Lokdatensatz ist "
                                "vielleicht unvollständig. Soll trotzdem geschrieben werden?"),
         QStringLiteral("Achtung!"), QStringLiteral("Nein"));
     click("SchreibeLokDatensatzBut");

@@ -7,7 +7,6 @@
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
 #include "ui/common/command.h"
-#include "ui/common/progress.h"
 #include "ui/common/windows.h"
 
 namespace
@@ -16,18 +15,6 @@ namespace
 QString Filter()
 {
     return QStringLiteral("*.dds");
-}
-
-BackupOutcome RunBackup(const QString &fileName, const BackupSelection &selection)
-{
-    const Progress progress;
-    return Backup(fileName, selection);
-}
-
-RestoreOutcome RunRestore(const std::vector<DdsRecord> &records)
-{
-    const Progress progress;
-    return Restore(records);
 }
 
 } // namespace
@@ -44,7 +31,7 @@ void SaveHandheldData()
     WriteSelection(selection);
     if (!command.connected())
         return;
-    const BackupOutcome outcome = RunBackup(fileName, selection);
+    const BackupOutcome outcome = Backup(fileName, selection);
     ReportBackup(outcome);
     const bool worthShowing = outcome.end == JobEnd::Complete || !outcome.found.empty();
     if (selection.lokSuche && worthShowing && !BoxesAreSilent())
@@ -71,7 +58,7 @@ void RestoreHandheldData()
         return;
     const auto offer = OfferRestore(fileName);
     if (offer && command.confirmed(offer->question, false))
-        ReportRestore(RunRestore(offer->records));
+        ReportRestore(Restore(offer->records));
 }
 
 void ResetBackupWindows()

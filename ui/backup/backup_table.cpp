@@ -90,6 +90,11 @@ void BackupTable::setLocos(std::vector<RosterLoco> newLocos)
 {
     beginResetModel();
     locos = std::move(newLocos);
+    for (const RosterLoco &loco : locos) { // now: painting must not touch the disk
+        LocoPicture(loco.record);
+        for (int f = 0; f < FunctionCount; ++f)
+            FunctionPicture(loco.record, f);
+    }
     endResetModel();
 }
 

@@ -192,6 +192,7 @@ void BackupViewer::buildLayout()
     connect(pdfBut, &QPushButton::clicked, this, &BackupViewer::exportPdf);
     connect(printBut, &QPushButton::clicked, this, &BackupViewer::print);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+    setDefaultButton(okButton);
 }
 
 void BackupViewer::load(const QString &fileName, const DdsContent &content)
@@ -259,10 +260,7 @@ void BackupViewer::print()
     printer.setDocName(documentName);
     QPrintDialog dialog(&printer, this);
     dialog.setWindowModality(Qt::ApplicationModal);
-    const WaitingWindow waiting(&dialog);
-    dialog.show(); // where the system brings its own dialog, this waits until it is answered
-    static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
-    dialog.hide();
+    WaitForDialog(dialog);
     if (dialog.result() == QDialog::Accepted && !PrintTable(printer, windowTitle(), shownLocos()))
         TheAsk().showBox({QStringLiteral("Die Tabelle kann nicht gedruckt werden!"), QStringLiteral("Fehler!"),
             BoxIcon::Critical});

@@ -46,6 +46,7 @@ public:
         connect(copyBut, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(addressTxt->toPlainText()); });
         connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+        setDefaultButton(okButton);
     }
 
     void load(const std::vector<int> &addresses)

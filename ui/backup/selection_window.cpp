@@ -171,7 +171,6 @@ void SelectionWindow::connectControls()
         connect(box, &QCheckBox::toggled, this, &SelectionWindow::check);
     for (QLineEdit *field : findChildren<QLineEdit *>()) {
         connect(field, &QLineEdit::textChanged, this, &SelectionWindow::check);
-        connect(field, &QLineEdit::returnPressed, okButton, &QPushButton::click);
     }
     // Who types numbers or chooses all of them wants that kind.
     for (const NumberedRow &row : rows) {
@@ -185,6 +184,7 @@ void SelectionWindow::connectControls()
     for (QLineEdit *field : {startTxt, stopTxt})
         connect(field, &QLineEdit::textEdited, lokSucheChk, [this] { lokSucheChk->setChecked(true); });
     connect(okButton, &QPushButton::clicked, this, [this] { answer(true); });
+    setDefaultButton(okButton);
 }
 
 void SelectionWindow::open(const BackupSelection &selection)

@@ -14,9 +14,10 @@ bool Command::confirmed(const BoxText &question, bool defaultYes) const
 
 bool Command::mayWriteDoubtful(const QString &what) const
 {
-    return confirmed({QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\r%1 ist vielleicht "
-                                     "unvollständig. Soll trotzdem geschrieben werden?")
-                             .arg(what),
-                         QStringLiteral("Achtung!"), BoxIcon::Critical},
+    return confirmed(
+        {QStringLiteral("Beim Lesen hat der Handregler nicht immer richtig geantwortet;\r%1 ist vielleicht "
+                        "unvollständig. Soll trotzdem geschrieben werden?")
+                .arg(what),
+            QStringLiteral("Achtung!"), BoxIcon::Critical},
         false);
 }

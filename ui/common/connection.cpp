@@ -50,6 +50,8 @@ bool PortReady()
 
 void ConnectHandheld()
 {
+    if (WaitsMustEnd())
+        return;
     ShowHandheld({}); // whatever was there before may not be there now
     if (PortReady())
         ShowHandheld(FindHandheld().value);

@@ -112,7 +112,8 @@ void SymbolPicker::fitDescription()
 
 void SymbolPicker::refreshRow(int number)
 {
-    fillRow(number);
+    for (int row = number < 0 ? 0 : number; row < (number < 0 ? grid->rowCount() : number + 1); ++row)
+        fillRow(row);
     fitDescription();
 }
 
@@ -123,7 +124,7 @@ void SymbolPicker::fillRow(int number)
     const PickerLook &look = LookOf(kind);
     grid->setText(number, 0, QString::number(number));
     for (int half = 0; half < look.pictureColumns; ++half)
-        grid->setPicture(number, half + 1, SymbolPicture(kind, number, half));
+        ShowSymbol(grid, number, half + 1, kind, number, half == CatalogueHalf(kind, HalfOn) ? HalfOn : HalfOff);
     grid->setText(number, look.pictureColumns + 1, Description(kind, number));
     grid->item(number, look.pictureColumns + 1)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 }

@@ -1,8 +1,11 @@
 #include "ui/common/symbol_pictures.h"
 
 #include "platform/files.h"
+#include "ui/widgets/grid.h"
 
 #include <QImage>
+#include <QRegularExpression>
+#include <QUrl>
 
 #include <map>
 #include <optional>
@@ -14,6 +17,29 @@ namespace
 using Key = std::tuple<SymbolKind, int, int>; // kind, number, catalogue half
 std::map<Key, QPixmap> known;
 std::optional<QPixmap> hook;
+constexpr int ToolTipFactor = 6;
+
+QString KindWord(SymbolKind kind)
+{
+    switch (kind) {
+    case SymbolKind::Loco:
+        return QStringLiteral("Loksymbol");
+    case SymbolKind::Function:
+        return QStringLiteral("Funktionssymbol");
+    case SymbolKind::Accessory:
+        return QStringLiteral("Mag.Art. Symbol");
+    }
+    Q_UNREACHABLE();
+}
+
+QString HalfWord(SymbolKind kind, int handheldHalf)
+{
+    if (kind == SymbolKind::Loco)
+        return {};
+    if (kind == SymbolKind::Function)
+        return handheldHalf == HalfOn ? QStringLiteral(", ON") : QStringLiteral(", OFF");
+    return handheldHalf == HalfOn ? QStringLiteral(", Grün") : QStringLiteral(", Rot");
+}
 
 } // namespace
 
@@ -34,6 +60,36 @@ QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf)
 QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf)
 {
     return SymbolPicture(kind, number, CatalogueHalf(kind, handheldHalf));
+}
+
+QString SymbolWords(SymbolKind kind, int number, int handheldHalf)
+{
+    QString text = KindWord(kind) + u' ' + QString::number(number);
+    if (number < 0 || number >= CatalogueSize)
+        return text;
+    QString name = Description(kind, number).trimmed();
+    name.remove(QRegularExpression(QStringLiteral("^\\d+ *|\\.bmp$"), QRegularExpression::CaseInsensitiveOption));
+    if (!name.isEmpty())
+        text += QStringLiteral(": ") + name;
+    return text + HalfWord(kind, handheldHalf);
+}
+
+QString SymbolToolTip(SymbolKind kind, int number, int handheldHalf)
+{
+    const QString words = SymbolWords(kind, number, handheldHalf).toHtmlEscaped();
+    const QString path = PicturePath(kind, number, CatalogueHalf(kind, handheldHalf));
+    if (path.isEmpty())
+        return words;
+    const int width = GeometryOf(kind).width * ToolTipFactor;
+    return QStringLiteral("<p>%1</p><img src=\"%2\" width=\"%3\">")
+        .arg(words, QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded))
+        .arg(width);
+}
+
+void ShowSymbol(Grid *grid, int row, int column, SymbolKind kind, int number, int handheldHalf)
+{
+    grid->setPicture(row, column, SymbolPictureOfHalf(kind, number, handheldHalf));
+    grid->setWords(row, column, SymbolToolTip(kind, number, handheldHalf), SymbolWords(kind, number, handheldHalf));
 }
 
 QPixmap HookPicture()

@@ -5,12 +5,23 @@
 
 #include <QPixmap>
 
+class Grid;
+
 /// The picture of a number and catalogue half; null where there is none or the file is missing or damaged. The disk is
 /// touched only when the picture is asked for the first time.
 QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf);
 
 /// The same by the handheld's half (HalfOn, HalfOff).
 QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf);
+
+/// What a picture is in words, for those who cannot see it: "Funktionssymbol 12: Licht, ON". Empty halves are named.
+QString SymbolWords(SymbolKind kind, int number, int handheldHalf);
+
+/// The same for those who point at it, with the picture six times larger (rich text).
+QString SymbolToolTip(SymbolKind kind, int number, int handheldHalf);
+
+/// Shows a symbol's half in a grid's cell, with its words.
+void ShowSymbol(Grid *grid, int row, int column, SymbolKind kind, int number, int handheldHalf);
 
 /// The check mark of the import window.
 QPixmap HookPicture();

@@ -1,6 +1,8 @@
 #include "ui/common/windows.h"
 
-#include <QtGlobal>
+#include "program/run_control.h"
+
+#include <QDialog>
 
 namespace
 {
@@ -27,6 +29,14 @@ WaitingWindow::WaitingWindow(QWidget *window)
 WaitingWindow::~WaitingWindow()
 {
     waitingWindows.pop_back();
+}
+
+void WaitForDialog(QDialog &dialog)
+{
+    const WaitingWindow waiting(&dialog);
+    dialog.show(); // where the system brings its own dialog, this waits until it is answered
+    static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
+    dialog.hide();
 }
 
 QWidget *WaitedFor()

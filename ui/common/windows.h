@@ -6,6 +6,7 @@
 
 #include <vector>
 
+class QDialog;
 class QWidget;
 
 class Windows
@@ -43,6 +44,9 @@ public:
     WaitingWindow(const WaitingWindow &) = delete;
     WaitingWindow &operator=(const WaitingWindow &) = delete;
 };
+
+/// Shows a dialog and waits until it is answered or the program ends, also inside a page sequence.
+void WaitForDialog(QDialog &dialog);
 
 /// The innermost window that is waited for; null when there is none.
 QWidget *WaitedFor();

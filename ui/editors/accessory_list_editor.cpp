@@ -78,7 +78,7 @@ void AccessoryListEditor::showPlace(int row)
     grid->setText(row, AddressColumn, QString::number(MagListeDaten.at(at) * 256 + MagListeDaten.at(at + 1)));
     const auto designation = static_cast<int>(Index(row, DesignationOffset));
     grid->setText(row, DesignationColumn, DecodeName(MagListeDaten, designation, DesignationLength));
-    showPictures(row, RedColumn, AccessoryPictures(MagListeDaten.at(Index(row, SymbolOffset))));
+    showSymbol(row, RedColumn, MagListeDaten.at(Index(row, SymbolOffset)));
 }
 
 bool AccessoryListEditor::takesInput(int column) const
@@ -125,5 +125,5 @@ void AccessoryListEditor::pickSymbol(int row)
     if (chosen == NothingChosen)
         return;
     symbol = chosen;
-    showPictures(row, RedColumn, AccessoryPictures(symbol));
+    showSymbol(row, RedColumn, symbol);
 }

@@ -56,7 +56,7 @@ void AssignmentEditor::fillTable()
             TheAsk().showProgress(QStringLiteral("Schreibe Tabelle ") + QString::number(accessory));
             LetEventsRun();
         }
-        showPictures(row, RedColumn, AccessoryPictures(EntryOfRow(row)));
+        showSymbol(row, RedColumn, EntryOfRow(row));
     }
 }
 
@@ -81,5 +81,5 @@ void AssignmentEditor::actOn(int row, int /*column*/)
     if (chosen == NothingChosen)
         return;
     symbol = chosen;
-    showPictures(row, RedColumn, AccessoryPictures(symbol));
+    showSymbol(row, RedColumn, symbol);
 }

@@ -4,7 +4,6 @@
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/editors/cell_input.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
@@ -25,12 +24,6 @@ constexpr int WindowHeight = 600;
 constexpr int ScreenMargin = 80; // room for the window's frame and a task bar
 constexpr int LeastRowsShown = 6;
 } // namespace
-
-SymbolPictures AccessoryPictures(int symbol)
-{
-    return {SymbolPictureOfHalf(SymbolKind::Accessory, symbol, HalfOff),
-        SymbolPictureOfHalf(SymbolKind::Accessory, symbol, HalfOn)};
-}
 
 BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     : grid(new Grid(look.rows, static_cast<int>(look.headings.size()), this))
@@ -104,8 +97,8 @@ void BlockEditor::leave()
     input->runAfterInput([this] {
         if (!working)
             hide();
-        else if (WaitedFor() != nullptr)
-            WaitedFor()->raise();
+        else
+            TellBusyAgain();
     });
 }
 
@@ -157,10 +150,10 @@ void BlockEditor::updateWriteButton()
     writeBut->setEnabled(tableLoaded);
 }
 
-void BlockEditor::showPictures(int row, int redColumn, const SymbolPictures &pictures)
+void BlockEditor::showSymbol(int row, int redColumn, int symbol)
 {
-    grid->setPicture(row, redColumn, pictures.red);
-    grid->setPicture(row, redColumn + 1, pictures.green);
+    ShowSymbol(grid, row, redColumn, SymbolKind::Accessory, symbol, HalfOff);
+    ShowSymbol(grid, row, redColumn + 1, SymbolKind::Accessory, symbol, HalfOn);
 }
 
 int BlockEditor::pickAccessorySymbol(int present)

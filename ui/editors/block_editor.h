@@ -9,7 +9,6 @@
 #include "program/outcome.h"
 #include "ui/widgets/leavable_window.h"
 
-#include <QPixmap>
 #include <QStringList>
 
 #include <functional>
@@ -34,13 +33,6 @@ struct BlockEditorLook {
     QString writeName;
     QString writeCaption;
 };
-
-/// The two pictures of an accessory symbol; null where there is none.
-struct SymbolPictures {
-    QPixmap red;
-    QPixmap green;
-};
-SymbolPictures AccessoryPictures(int symbol);
 
 class BlockEditor : public LeavableWindow
 {
@@ -68,7 +60,8 @@ protected:
     virtual void actOn(int row, int column) = 0;
     [[nodiscard]] virtual bool takesInput(int column) const = 0;
 
-    void showPictures(int row, int redColumn, const SymbolPictures &pictures);
+    /// Shows the two pictures of an accessory symbol, the red one first.
+    void showSymbol(int row, int redColumn, int symbol);
 
     /// Lets the user pick an accessory symbol; NothingChosen when none was. The present one is shown first.
     int pickAccessorySymbol(int present);

@@ -233,7 +233,7 @@ void ImportWindow::send()
 {
     const CommandOn command([this] { return chosenLocos(); });
     if (command.ok() && !command.shown.empty() && command.connected())
-        SendLocos(command.shown);
+        SendLocos(command.shown, [&command](const BoxText &question) { return command.confirmed(question, false); });
 }
 
 void ImportWindow::save()

@@ -34,6 +34,11 @@ constexpr int LocoPictureWidth = 49;
 constexpr int LocoPictureHeight = 17;
 constexpr int NameFieldCharacters = 24;
 
+QString NoSymbolOfF0()
+{
+    return QStringLiteral("f0 hat im Handregler kein Symbol");
+}
+
 QString AccessCode()
 {
     return QStringLiteral("Rupo");
@@ -148,6 +153,7 @@ void LocoEditor::connectControls()
     lokSymPic->makeClickable();
     connect(lokSymPic, &PictureBox::clicked, this, &LocoEditor::pickLocoSymbol);
     connect(fktTab, &Grid::cellActed, this, &LocoEditor::actOnFunction);
+    connect(adrTxt, &QLineEdit::returnPressed, readBut, &QPushButton::click);
     connect(readBut, &QPushButton::clicked, this, &LocoEditor::readRecord);
     connect(writeBut, &QPushButton::clicked, this, &LocoEditor::writeRecord);
     connect(deleteBut, &QPushButton::clicked, this, &LocoEditor::deleteRecord);
@@ -166,7 +172,7 @@ LocoEditor::Shown LocoEditor::shownNow() const
 
 void LocoEditor::nameChanged(const QString &text)
 {
-    const bool wasEmpty = LokName == LeerName();
+    const bool wasEmpty = LokName == LeerName() || IsEmptyName(LokName);
     LokName = UpperLatin1(text);
     if (wasEmpty && LokName != LeerName())
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
@@ -210,8 +216,10 @@ void LocoEditor::clearShownRecord()
     lokSymPic->setPicture(QPixmap());
     for (int row = 0; row < FunctionCount; ++row) {
         fktTab->setText(row, HeadColumn, u'f' + QString::number(row));
-        fktTab->setPicture(row, OnColumn, QPixmap());
-        fktTab->setPicture(row, OffColumn, QPixmap());
+        for (const int column : {OnColumn, OffColumn}) {
+            fktTab->setPicture(row, column, QPixmap());
+            fktTab->setWords(row, column, row == 0 ? NoSymbolOfF0() : QString(), QString());
+        }
         fktTab->setText(row, MomentaryColumn, QString());
     }
     const QSignalBlocker blocker(multiUniChk);
@@ -231,14 +239,20 @@ void LocoEditor::showName()
 void LocoEditor::showLocoSymbol()
 {
     const bool known = LokSymbol < LokSymbolCount;
+    lokSymPic->setToolTip(known ? SymbolToolTip(SymbolKind::Loco, LokSymbol, 0) : QString());
+    lokSymPic->setAccessibleDescription(SymbolWords(SymbolKind::Loco, LokSymbol, 0));
     lokSymPic->setPicture(known ? SymbolPicture(SymbolKind::Loco, LokSymbol, 0) : QPixmap());
 }
 
 void LocoEditor::showFunctionSymbols(int row)
 {
     const int number = FktSymbol.at(static_cast<size_t>(row));
-    fktTab->setPicture(row, OnColumn, SymbolPictureOfHalf(SymbolKind::Function, number, HalfOn));
-    fktTab->setPicture(row, OffColumn, SymbolPictureOfHalf(SymbolKind::Function, number, HalfOff));
+    ShowSymbol(fktTab, row, OnColumn, SymbolKind::Function, number, HalfOn);
+    ShowSymbol(fktTab, row, OffColumn, SymbolKind::Function, number, HalfOff);
+    if (row == 0) { // shown when it was picked, but the handheld keeps none
+        for (const int column : {OnColumn, OffColumn})
+            fktTab->setWords(row, column, NoSymbolOfF0(), NoSymbolOfF0());
+    }
 }
 
 void LocoEditor::showFunctions()

@@ -2,6 +2,7 @@
 
 #include "handheld/discovery.h"
 #include "link/open_link.h"
+#include "platform/port_name.h"
 #include "platform/world.h"
 #include "program/ask.h"
 #include "program/branding.h"
@@ -12,33 +13,37 @@
 #include <QCompleter>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStandardItemModel>
+#include <QToolButton>
 #include <QVBoxLayout>
+
+namespace
+{
+constexpr int PortNameRole = Qt::UserRole + 1;
+}
 
 ZentraleForm::ZentraleForm()
     : LeavableWindow(nullptr, Qt::Dialog)
     , comPortNrTxt(NamedField(QStringLiteral("ComPortNrTxt"), QStringLiteral("ComPort Nr. :"), this))
+    , reasonLbl(NamedLabel(QStringLiteral("GrundLbl"), QString(), this))
     , hint(NamedLabel(QStringLiteral("PortHinweis"), QString(), this))
     , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
+    , cancelButton(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
 {
     setObjectName(QStringLiteral("ZentraleForm"));
     setWindowTitle(QStringLiteral("Auswahl der Zentrale"));
-    auto *portLabel = NamedLabel(QStringLiteral("ComPortNrLbl"), QStringLiteral("ComPort Nr. :"), this);
-    portLabel->setBuddy(comPortNrTxt);
-    auto *cancelButton = NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this);
-
-    auto *portRow = new QHBoxLayout;
-    portRow->addWidget(portLabel);
-    portRow->addWidget(comPortNrTxt, 1);
     auto *buttonRow = new QHBoxLayout;
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
     buttonRow->addWidget(cancelButton);
     auto *layout = new QVBoxLayout(this);
-    layout->addLayout(portRow);
+    layout->addWidget(reasonLbl);
+    layout->addWidget(makePortRow());
     layout->addWidget(hint);
     layout->addWidget(makeOptions());
     layout->addLayout(buttonRow);
@@ -52,8 +57,55 @@ ZentraleForm::ZentraleForm()
     }
     connect(okButton, &QPushButton::clicked, this, &ZentraleForm::accept);
     connect(cancelButton, &QPushButton::clicked, this, &ZentraleForm::leave);
-    connect(comPortNrTxt, &QLineEdit::returnPressed, this, &ZentraleForm::accept);
+    connect(comPortNrTxt, &QLineEdit::textEdited, this, &ZentraleForm::portChanged);
+    setDefaultButton(okButton);
     showWorking(false);
+}
+
+/// The port field with the arrow that opens the list of ports.
+QWidget *ZentraleForm::makePortRow()
+{
+    auto *row = new QWidget(this);
+    auto *portLabel = NamedLabel(QStringLiteral("ComPortNrLbl"), QStringLiteral("ComPort Nr. :"), row);
+    portLabel->setBuddy(comPortNrTxt);
+    auto *arrow = new QToolButton(row);
+    arrow->setObjectName(QStringLiteral("PortListeBut"));
+    arrow->setArrowType(Qt::DownArrow);
+    arrow->setToolTip(QStringLiteral("gefundene Anschlüsse zeigen"));
+    arrow->setAccessibleName(arrow->toolTip());
+    arrow->setFocusPolicy(Qt::NoFocus); // Down in the field does the same
+    connect(arrow, &QToolButton::clicked, this, &ZentraleForm::showPorts);
+    comPortNrTxt->installEventFilter(this);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(portLabel);
+    layout->addWidget(comPortNrTxt, 1);
+    layout->addWidget(arrow);
+    return row;
+}
+
+bool ZentraleForm::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Down) {
+        showPorts();
+        return true;
+    }
+    return LeavableWindow::eventFilter(watched, event);
+}
+
+/// A list that the user has asked for: one that comes up by itself would swallow his next click.
+void ZentraleForm::showPorts()
+{
+    offerPorts();
+    comPortNrTxt->setFocus();
+    portList->complete();
+}
+
+/// The simulated handheld answers like the third interface.
+void ZentraleForm::portChanged()
+{
+    if (IsDemoPort(comPortNrTxt->text()))
+        iopt.at(InterfaceDirect - 1)->setChecked(true);
 }
 
 QWidget *ZentraleForm::makeOptions()
@@ -72,17 +124,35 @@ QWidget *ZentraleForm::makeOptions()
 
 void ZentraleForm::offerPorts()
 {
-    auto *completer = new QCompleter(Comm().availablePorts(), comPortNrTxt);
-    completer->setCaseSensitivity(Qt::CaseInsensitive);
-    completer->setCompletionMode(QCompleter::PopupCompletion);
-    delete comPortNrTxt->completer();
-    comPortNrTxt->setCompleter(completer);
+    auto *model = new QStandardItemModel(this);
+    for (const PortEntry &port : Comm().availablePorts()) {
+        auto *item = new QStandardItem;
+        const QString words = port.description.isEmpty() ? QString() : QStringLiteral(" – ") + port.description;
+        item->setText(port.name + words);
+        item->setData(port.name, PortNameRole);
+        model->appendRow(item);
+    }
+    delete portList;
+    auto *completer = new QCompleter(model, this); // not the field's own: it opens only when it is asked for
+    model->setParent(completer);
+    completer->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+    completer->setWidget(comPortNrTxt);
+    connect(
+        completer, qOverload<const QModelIndex &>(&QCompleter::activated), this, [this](const QModelIndex &chosen) {
+            comPortNrTxt->setText(chosen.data(PortNameRole).toString());
+            portChanged();
+        });
+    portList = completer;
 }
 
 void ZentraleForm::load()
 {
-    offerPorts();
-    comPortNrTxt->setText(PortNumber.text);
+    reasonLbl->setText(SelectionAwaited
+            ? QStringLiteral("Es wurde kein Handregler gefunden. Bitte wählen Sie,\n"
+                             "woran das Interface angeschlossen ist und welches es ist.")
+            : QStringLiteral("Woran ist das Interface angeschlossen, und welches ist es?"));
+    cancelButton->setToolTip(SelectionAwaited ? QStringLiteral("beendet das Programm") : QString());
+    comPortNrTxt->setText(PortNumber.text.isEmpty() ? likelyPort() : PortNumber.text);
     for (size_t i = 0; i < iopt.size(); ++i) {
         iopt.at(i)->setAutoExclusive(false); // so that none can be chosen while nothing is known
         iopt.at(i)->setChecked(InterfaceType == static_cast<int>(i) + 1);
@@ -91,6 +161,17 @@ void ZentraleForm::load()
     present();
     comPortNrTxt->setFocus();
     comPortNrTxt->selectAll();
+}
+
+/// The port to propose where nothing is known: the only adapter that is plugged in.
+QString ZentraleForm::likelyPort()
+{
+    QStringList plugged;
+    for (const PortEntry &port : Comm().availablePorts()) {
+        if (port.pluggedIn)
+            plugged += port.name;
+    }
+    return plugged.size() == 1 ? plugged.constFirst() : QString();
 }
 
 int ZentraleForm::chosenKind() const

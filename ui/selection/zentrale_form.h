@@ -5,6 +5,7 @@
 
 #include <array>
 
+class QCompleter;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -25,12 +26,19 @@ Q_SIGNALS:
     void interfaceChosen();
 
 protected:
+    /// Down in the port field opens the list of ports.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
     /// Cancel: nothing is taken over, also while OK still works.
     void leave() override;
 
 private:
     QWidget *makeOptions();
+    QWidget *makePortRow();
+    void portChanged();
     void offerPorts();
+    void showPorts();
+    [[nodiscard]] static QString likelyPort();
     [[nodiscard]] int chosenKind() const;
     void accept();
     void takeSettings();
@@ -39,8 +47,11 @@ private:
 
     QLineEdit *comPortNrTxt;
     std::array<QRadioButton *, 3> iopt{};
+    QCompleter *portList = nullptr; // found ports, made anew each time it is opened
+    QLabel *reasonLbl;
     QLabel *hint;
     QPushButton *okButton;
+    QPushButton *cancelButton;
     bool working = false;   // OK sends a found handheld back before it takes anything over
     bool cancelled = false; // meanwhile
 };

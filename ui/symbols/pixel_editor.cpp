@@ -2,6 +2,7 @@
 
 #include "program/ask.h"
 #include "program/run_control.h"
+#include "shown/catalogue.h"
 #include "shown/picture.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
@@ -232,6 +233,8 @@ void PixelEditor::saveBmp()
         return;
     int result = 0;
     SaveSpibufToBmp(name, result);
+    if (const auto kind = KindOfFolder(name))
+        TellPicturesChanged(*kind);
 }
 
 void PixelEditor::leave()

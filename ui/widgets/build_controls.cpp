@@ -2,10 +2,32 @@
 
 #include "ui/widgets/picture_box.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPalette>
 #include <QPushButton>
+
+namespace
+{
+
+/// Enter presses the button that has the focus, in every window.
+class EnterButton : public QPushButton
+{
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            click();
+        else
+            QPushButton::keyPressEvent(event);
+    }
+};
+
+} // namespace
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent)
 {
@@ -17,7 +39,7 @@ QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent)
 
 QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent)
 {
-    auto *button = new QPushButton(caption, parent);
+    auto *button = new EnterButton(caption, parent);
     button->setObjectName(name);
     button->setAutoDefault(false);
     return button;

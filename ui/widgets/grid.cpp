@@ -127,6 +127,12 @@ void Grid::setPicture(int row, int column, const QPixmap &picture)
     cellItem(row, column)->setData(PictureRole, picture.isNull() ? QVariant() : QVariant(picture));
 }
 
+void Grid::setWords(int row, int column, const QString &toolTip, const QString &spoken)
+{
+    cellItem(row, column)->setToolTip(toolTip);
+    cellItem(row, column)->setData(Qt::AccessibleTextRole, spoken);
+}
+
 void Grid::fixWidthToColumns()
 {
     const int bar = verticalScrollBar()->sizeHint().width();
@@ -223,6 +229,7 @@ void Grid::mouseDoubleClickEvent(QMouseEvent *event)
         return;
     QTableWidget::mouseDoubleClickEvent(event);
     const QModelIndex under = indexAt(event->position().toPoint());
+    pressed = under; // its release is a second click
     if (event->button() == Qt::LeftButton && under.isValid())
         Q_EMIT cellDoubleActed(under.row(), under.column());
 }

@@ -23,6 +23,9 @@ public:
     /// Shows a picture centred in the cell; a null picture clears it.
     void setPicture(int row, int column, const QPixmap &picture);
 
+    /// Says in words what a cell's picture shows: to those who point at it, and to screen readers.
+    void setWords(int row, int column, const QString &toolTip, const QString &spoken);
+
     /// Makes the grid so wide that all columns and the vertical scroll bar fit.
     void fixWidthToColumns();
 

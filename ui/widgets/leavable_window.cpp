@@ -2,12 +2,19 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QPushButton>
 
 void LeavableWindow::present()
 {
     show();
     raise();
     activateWindow();
+}
+
+void LeavableWindow::setDefaultButton(QPushButton *button)
+{
+    defaultButton = button;
+    button->setDefault(true); // its frame shows it
 }
 
 void LeavableWindow::leave()
@@ -23,8 +30,11 @@ void LeavableWindow::closeEvent(QCloseEvent *event)
 
 void LeavableWindow::keyPressEvent(QKeyEvent *event)
 {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape)
         leave();
+    else if (enter && defaultButton != nullptr)
+        defaultButton->click();
     else
         QWidget::keyPressEvent(event);
 }

@@ -353,8 +353,9 @@ TEST_F(TableWindows, ATableReadWithATimeoutIsWrittenOnlyOnPurpose)
     button("LeseFSDatenBut")->click();
     layout().faults.set({});
     EXPECT_FALSE(window->findChild<QLabel *>(QStringLiteral("UnvollstaendigLbl"))->isHidden());
-    user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\rdie Tabelle ist vielleicht "
-                               "unvollständig. Soll trotzdem geschrieben werden?"),
+    user.expect(
+        QStringLiteral("Beim Lesen hat der Handregler nicht immer richtig geantwortet;\rdie Tabelle ist vielleicht "
+                       "unvollständig. Soll trotzdem geschrieben werden?"),
         QStringLiteral("Achtung!"), QStringLiteral("Nein"));
     button("SchreibeFSDatenBut")->click();
     EXPECT_FALSE(user.defaultYes);

@@ -252,8 +252,9 @@ TEST_F(SymbolEditors, APictureReadWithATimeoutIsWrittenOnlyOnPurpose)
     user.expect(QStringLiteral("Timeout"), QStringLiteral("read_flash_to_spibuf"));
     click("LeseFktSymBut");
     layout().faults.set({});
-    const QString question = QStringLiteral("Beim Lesen hat der Handregler nicht immer geantwortet;\rdas Bild ist "
-                                            "vielleicht unvollständig. Soll trotzdem geschrieben werden?");
+    const QString question =
+        QStringLiteral("Beim Lesen hat der Handregler nicht immer richtig geantwortet;\rdas Bild ist "
+                       "vielleicht unvollständig. Soll trotzdem geschrieben werden?");
     user.expect(question, QStringLiteral("Achtung!"), QStringLiteral("Nein"));
     click("SchreibeFktSymBut");
     EXPECT_FALSE(user.defaultYes);
