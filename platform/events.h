@@ -4,7 +4,7 @@
 // behind this interface, so that an 80-minute job runs in seconds.
 #pragma once
 
-#include <QtGlobal>
+#include <QDate>
 
 #include <functional>
 
@@ -18,6 +18,9 @@ public:
 
     /// Microseconds since some fixed moment; never goes back, knows no midnight. Every limit is measured with it.
     [[nodiscard]] virtual qint64 monotonicUs() const = 0;
+
+    /// The date by the local clock, for proposed file names.
+    [[nodiscard]] virtual QDate today() const = 0;
 
     /// Calls the action every intervalMs milliseconds until stop(). An action that still runs is not entered
     /// again by its own timer.

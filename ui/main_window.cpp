@@ -1,6 +1,7 @@
 #include "ui/main_window.h"
 
 #include "link/open_link.h"
+#include "platform/world.h"
 #include "program/run_control.h"
 #include "ui/backup/backup_commands.h"
 #include "ui/common/command.h"
@@ -23,6 +24,8 @@
 #include <QHBoxLayout>
 #include <QScreen>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace
 {
@@ -93,7 +96,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("datenlesen_menu"), SaveHandheldData},
         {QStringLiteral("datenanzeigen_menu"), ShowBackupFile},
         {QStringLiteral("datenschreiben_menu"), RestoreHandheldData},
-        {QStringLiteral("ende_menu"), [this] { frontend.endProgram(); }},
+        {QStringLiteral("ende_menu"), [this] { end(); }},
         {QStringLiteral("Opt_VeskaNormalModus"), ReturnToOperatingMode},
         {QStringLiteral("Opt_clear_all_loco"), AskAndClearAllLocoRecords},
         {QStringLiteral("Opt_abschalt"), AskAndClearSwitchOffTime},
@@ -128,8 +131,30 @@ void MainWindow::enable(bool enabled)
         locoEditor->focusAddress();
 }
 
+/// Close box and menu item: what has been changed in a table and not written is asked about first.
+void MainWindow::end()
+{
+    const QStringList unwritten = Busy() ? QStringList() : UnwrittenTables();
+    if (unwritten.isEmpty()) {
+        frontend.endProgram();
+        return;
+    }
+    if (std::exchange(askingToEnd, true))
+        return;
+    TheEvents().post([this, unwritten] { // a question may not wait inside the window system's close handling
+        const BoxText question{QStringLiteral("Diese Änderungen sind nicht in den Handregler geschrieben:\r%1\r"
+                                              "Soll das Programm trotzdem beendet werden?")
+                                   .arg(unwritten.join(u'\r')),
+            QStringLiteral("Beenden?"), BoxIcon::None};
+        const bool ends = TheAsk().askYesNo(question, false);
+        askingToEnd = false;
+        if (ends)
+            frontend.endProgram();
+    });
+}
+
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore();
-    frontend.endProgram();
+    end();
 }

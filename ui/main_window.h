@@ -35,8 +35,10 @@ protected:
 
 private:
     [[nodiscard]] MenuActions menuActions();
+    void end();
 
     QtFrontend &frontend;
+    bool askingToEnd = false;
     LocoEditor *locoEditor;
     MenuItems menuItems;
     std::unique_ptr<HelpWin> helpWin;

@@ -144,8 +144,9 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
-QString QtFrontend::fileName(const QString &title, const QString &filter, bool forSaving)
+QString QtFrontend::fileName(const QString &title, const QString &filter, const QString *proposal)
 {
+    const bool forSaving = proposal != nullptr;
     QFileDialog dialog(nullptr, title, lastFolder, filter);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -153,6 +154,8 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, bool f
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     dialog.setDefaultSuffix(filter.section(u'.', -1));
+    if (forSaving && !proposal->isEmpty())
+        dialog.selectFile(*proposal);
     BelongTo(dialog, mainWindow);
     while (!BoxesAreSilent()) {
         WaitForDialog(dialog);
@@ -184,12 +187,12 @@ bool QtFrontend::fileAccepted(const QString &name, bool forSaving)
 
 QString QtFrontend::openFileName(const QString &title, const QString &filter)
 {
-    return fileName(title, filter, false);
+    return fileName(title, filter, nullptr);
 }
 
-QString QtFrontend::saveFileName(const QString &title, const QString &filter)
+QString QtFrontend::saveFileName(const QString &title, const QString &filter, const QString &proposal)
 {
-    return fileName(title, filter, true);
+    return fileName(title, filter, &proposal);
 }
 
 void QtFrontend::showProgress(const QString &text)

@@ -34,7 +34,7 @@ public:
     bool askYesNo(const BoxText &box, bool defaultYes) override;
     QString askText(const QString &prompt, const QString &title) override;
     QString openFileName(const QString &title, const QString &filter) override;
-    QString saveFileName(const QString &title, const QString &filter) override;
+    QString saveFileName(const QString &title, const QString &filter, const QString &proposal) override;
     void showProgress(const QString &text) override;
     void showAmount(const Amount &amount) override;
     void hideProgress() override;
@@ -60,7 +60,8 @@ public:
     void hideAllWindows();
 
 private:
-    QString fileName(const QString &title, const QString &filter, bool forSaving);
+    /// For saving a name may be proposed; without one (null) a file is opened.
+    QString fileName(const QString &title, const QString &filter, const QString *proposal);
     bool fileAccepted(const QString &name, bool forSaving);
     std::unique_ptr<QMessageBox> makeBox(const BoxText &box);
     void askToStop(bool andEnd);

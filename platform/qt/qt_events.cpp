@@ -37,6 +37,11 @@ qint64 QtEvents::monotonicUs() const
     return RunningTimer().nsecsElapsed() / UsPerMs;
 }
 
+QDate QtEvents::today() const
+{
+    return QDate::currentDate();
+}
+
 Events::TimerId QtEvents::every(int intervalMs, Action action)
 {
     auto timer = std::make_unique<QTimer>();

@@ -19,6 +19,7 @@ public:
     QtEvents &operator=(const QtEvents &) = delete;
 
     [[nodiscard]] qint64 monotonicUs() const override;
+    [[nodiscard]] QDate today() const override;
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;
     void after(qint64 delayUs, Action action) override;

@@ -24,6 +24,7 @@ class VirtualEvents : public Events
 {
 public:
     [[nodiscard]] qint64 monotonicUs() const override { return nowUs; }
+    [[nodiscard]] QDate today() const override { return {2026, 11, 23}; }
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;
     void after(qint64 delayUs, Action action) override;

@@ -38,8 +38,9 @@ QString ScriptedUser::openFileName(const QString &boxTitle, const QString &filte
     return answerTo(filter, boxTitle);
 }
 
-QString ScriptedUser::saveFileName(const QString &boxTitle, const QString &filter)
+QString ScriptedUser::saveFileName(const QString &boxTitle, const QString &filter, const QString &proposed)
 {
+    proposal = proposed;
     return answerTo(filter, boxTitle);
 }
 

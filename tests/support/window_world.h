@@ -18,7 +18,7 @@ class ScriptedUser : public ScriptedAsk, public Windows
 {
 public:
     QString openFileName(const QString &boxTitle, const QString &filter) override;
-    QString saveFileName(const QString &boxTitle, const QString &filter) override;
+    QString saveFileName(const QString &boxTitle, const QString &filter, const QString &proposed) override;
     void showSelectionWindow() override;
     void hideSelectionWindow() override { }
     void showMainWindow() override { mainShown = true; }
@@ -28,6 +28,7 @@ public:
     void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
 
     QString title;
+    QString proposal;                  // of the last save dialog
     std::function<void()> onSelection; // the user at the selection window
     bool mainShown = false;
     bool mainEnabled = true;

@@ -116,7 +116,7 @@ TEST_F(RealFrontend, QuestionsSpeakGermanAndEndWithTheProgram)
     EXPECT_FALSE(frontend->askYesNo(question, true));
     EXPECT_TRUE(OpenBoxes().isEmpty());
     EXPECT_FALSE(frontend->askYesNo(question, true)) << "no box any more while the program ends";
-    EXPECT_TRUE(frontend->saveFileName(QStringLiteral("x"), QStringLiteral("*.dds")).isEmpty());
+    EXPECT_TRUE(frontend->saveFileName(QStringLiteral("x"), QStringLiteral("*.dds"), QString()).isEmpty());
 }
 
 TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)

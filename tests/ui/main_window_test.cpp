@@ -9,8 +9,10 @@
 #include "ui/widgets/grid.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -367,4 +369,24 @@ TEST_F(MainWindowTest, TheNameFieldTellsWhatTheHandheldDoesNotHave)
     field("AdrTxt")->setText(QStringLiteral("77"));
     EXPECT_EQ(button("SchreibeLokDatensatzBut")->toolTip(),
         QStringLiteral("Schreibt die gelesene Lok 3 unter die Adresse 77"));
+}
+
+TEST_F(MainWindowTest, EnterInTheAddressFieldReadsAndAFunctionTableFitsItsFont)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(field("AdrTxt"), &enter);
+    EXPECT_FALSE(field("LoknameTxt")->text().isEmpty());
+    EXPECT_TRUE(
+        functions()->model()->index(2, 1).data(Qt::AccessibleTextRole).toString().startsWith(u"Funktionssymbol "));
+    EXPECT_EQ(functions()->model()->index(0, 1).data(Qt::ToolTipRole).toString(),
+        QStringLiteral("f0 hat im Handregler kein Symbol"));
+    QFont large = QApplication::font();
+    large.setPointSize(16);
+    const QFont before = QApplication::font();
+    QApplication::setFont(large);
+    restart();
+    EXPECT_LE(functions()->fontMetrics().horizontalAdvance(QStringLiteral("f24")), functions()->columnWidth(0));
+    EXPECT_LE(functions()->fontMetrics().height(), functions()->rowHeight(24));
+    QApplication::setFont(before);
 }

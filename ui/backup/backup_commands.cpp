@@ -24,7 +24,8 @@ void SaveHandheldData()
     const Command command;
     if (!command.ok())
         return;
-    const QString fileName = TheWindows().saveFileName(TheBranding().saveDialogTitle, Filter());
+    const QString fileName =
+        TheWindows().saveFileName(TheBranding().saveDialogTitle, Filter(), DatedName(QStringLiteral("Handregler")));
     BackupSelection selection = ReadSelection();
     if (fileName.isEmpty() || !AskForBackupSelection(selection))
         return;

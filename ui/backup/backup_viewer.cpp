@@ -224,7 +224,8 @@ std::vector<RosterLoco> BackupViewer::shownLocos() const
 
 void BackupViewer::saveFile(const QString &filter, const QByteArray &bytes)
 {
-    const QString fileName = TheWindows().saveFileName(QStringLiteral("Tabelle speichern"), filter);
+    const QString fileName =
+        TheWindows().saveFileName(QStringLiteral("Tabelle speichern"), filter, documentName + filter.mid(1));
     if (fileName.isEmpty())
         return;
     if (bytes.isEmpty() || !ReplaceFile(fileName, bytes)) {

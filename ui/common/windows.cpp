@@ -1,5 +1,6 @@
 #include "ui/common/windows.h"
 
+#include "platform/world.h"
 #include "program/run_control.h"
 
 #include <QDialog>
@@ -29,6 +30,11 @@ WaitingWindow::WaitingWindow(QWidget *window)
 WaitingWindow::~WaitingWindow()
 {
     waitingWindows.pop_back();
+}
+
+QString DatedName(const QString &what)
+{
+    return what + u' ' + TheEvents().today().toString(Qt::ISODate) + QStringLiteral(".dds");
 }
 
 void WaitForDialog(QDialog &dialog)

@@ -16,7 +16,9 @@ public:
 
     /// File dialogs; the filter is a wildcard such as "*.bmp". Empty text when cancelled.
     [[nodiscard]] virtual QString openFileName(const QString &title, const QString &filter) = 0;
-    [[nodiscard]] virtual QString saveFileName(const QString &title, const QString &filter) = 0;
+    /// `proposal` is the name that the dialog proposes; empty for none.
+    [[nodiscard]] virtual QString saveFileName(
+        const QString &title, const QString &filter, const QString &proposal) = 0;
 
     /// The selection window for port and interface, opened for someone who waits on SelectionAnswer.
     virtual void showSelectionWindow() = 0;
@@ -44,6 +46,9 @@ public:
     WaitingWindow(const WaitingWindow &) = delete;
     WaitingWindow &operator=(const WaitingWindow &) = delete;
 };
+
+/// A name for a new backup file: "Handregler 2026-11-23.dds".
+QString DatedName(const QString &what);
 
 /// Shows a dialog and waits until it is answered or the program ends, also inside a page sequence.
 void WaitForDialog(QDialog &dialog);

@@ -64,6 +64,11 @@ Outcome AccessoryListEditor::readTable()
     return outcome;
 }
 
+std::vector<int> AccessoryListEditor::entries() const
+{
+    return {MagListeDaten.begin(), MagListeDaten.end()};
+}
+
 std::function<Outcome()> AccessoryListEditor::writeOfTable() const
 {
     return [list = MagListeDaten] {

@@ -16,6 +16,7 @@ public:
 protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
+    [[nodiscard]] std::vector<int> entries() const override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;
 

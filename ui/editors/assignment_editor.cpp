@@ -60,6 +60,11 @@ void AssignmentEditor::fillTable()
     }
 }
 
+std::vector<int> AssignmentEditor::entries() const
+{
+    return {MagZuordDaten.begin(), MagZuordDaten.end()};
+}
+
 std::function<Outcome()> AssignmentEditor::writeOfTable() const
 {
     return [assignment = MagZuordDaten] {

@@ -1,5 +1,6 @@
 #include "ui/editors/block_editor.h"
 
+#include "platform/world.h"
 #include "shown/catalogue.h"
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"
@@ -12,6 +13,7 @@
 #include <QHeaderView>
 #include <QHideEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -33,6 +35,9 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , writeBut(NamedButton(look.writeName, look.writeCaption, this))
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
+    , changedLbl(NamedLabel(QStringLiteral("GeaendertLbl"), QStringLiteral("geändert, nicht geschrieben"), this))
+    , unreadLbl(NamedLabel(QStringLiteral("NichtGelesenLbl"),
+          QStringLiteral("Noch nicht gelesen – beim Lesen gehen Änderungen verloren"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
@@ -47,6 +52,8 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
         if (takesInput(column))
             act(row, column);
     });
+    connect(grid, &Grid::inputTyped, this, &BlockEditor::type);
+    updateMarks();
 }
 
 void BlockEditor::buildGrid(const BlockEditorLook &look)
@@ -71,17 +78,19 @@ void BlockEditor::buildLayout()
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(readBut);
     buttons->addWidget(writeBut);
+    buttons->addWidget(changedLbl);
     buttons->addWidget(doubtLbl);
     buttons->addStretch();
     buttons->addWidget(cancelBut);
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(unreadLbl, 0, Qt::AlignHCenter);
     layout->addWidget(grid, 1, Qt::AlignHCenter);
     layout->addLayout(buttons);
 }
 
 void BlockEditor::showEvent(QShowEvent *event)
 {
-    updateWriteButton();
+    updateMarks();
     QWidget::showEvent(event);
 }
 
@@ -122,9 +131,9 @@ void BlockEditor::read(const Command &command)
     if (outcome.brokenOff())
         return;
     tableLoaded = true;
+    changed = false;
     complete = outcome.ok();
-    doubtLbl->setVisible(!complete);
-    updateWriteButton();
+    updateMarks();
 }
 
 void BlockEditor::write(const Command &command)
@@ -132,7 +141,9 @@ void BlockEditor::write(const Command &command)
     const std::function<Outcome()> write = writeOfTable();
     if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
         return;
-    static_cast<void>(write()); // every failure has been told by then
+    if (write().ok()) // every failure has been told by then
+        changed = false;
+    updateMarks();
 }
 
 void BlockEditor::act(int row, int column)
@@ -141,13 +152,31 @@ void BlockEditor::act(int row, int column)
     if (!command.ok())
         return;
     working = !takesInput(column); // an input is ended by the wish to leave
+    const std::vector<int> before = entries();
     actOn(row, column);
+    changed = changed || entries() != before;
     working = false;
+    updateMarks();
 }
 
-void BlockEditor::updateWriteButton()
+/// A character typed on a cell begins its input, as in a spreadsheet.
+void BlockEditor::type(int row, int column, const QString &firstCharacter)
+{
+    if (!takesInput(column))
+        return;
+    TheEvents().post([this, firstCharacter] { // once the input is open and waits
+        if (grid->inputIsOpen())
+            grid->inputBox()->setText(firstCharacter);
+    });
+    act(row, column);
+}
+
+void BlockEditor::updateMarks()
 {
     writeBut->setEnabled(tableLoaded);
+    unreadLbl->setVisible(!tableLoaded);
+    changedLbl->setVisible(changed);
+    doubtLbl->setVisible(!complete);
 }
 
 void BlockEditor::showSymbol(int row, int redColumn, int symbol)

@@ -42,6 +42,9 @@ public:
     /// `loaded` says whether the table has been read; it outlives the window.
     BlockEditor(const BlockEditorLook &look, bool &loaded);
 
+    /// True when the user has changed the table and not written it.
+    [[nodiscard]] bool hasUnwrittenChanges() const { return changed; }
+
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
@@ -55,6 +58,9 @@ protected:
 
     /// What writes the table as it is now, with its progress text: taken at the click, run behind the guard.
     [[nodiscard]] virtual std::function<Outcome()> writeOfTable() const = 0;
+
+    /// The table's entries, to see whether an act has changed it.
+    [[nodiscard]] virtual std::vector<int> entries() const = 0;
 
     /// A click, Enter or Space on a cell; F2 on a cell that takes input.
     virtual void actOn(int row, int column) = 0;
@@ -76,9 +82,11 @@ private:
     void read(const Command &command);
     void write(const Command &command);
     void act(int row, int column);
-    void updateWriteButton();
+    void type(int row, int column, const QString &firstCharacter);
+    void updateMarks();
 
     bool working = false; // a command of this window runs
+    bool changed = false; // by the user, and not written
     bool complete = true; // false after a read with a time-out or a damaged answer
 
     bool &tableLoaded;
@@ -86,4 +94,6 @@ private:
     QPushButton *writeBut;
     QPushButton *cancelBut;
     QLabel *doubtLbl;
+    QLabel *changedLbl; // beside the write button
+    QLabel *unreadLbl;  // above the grid
 };

@@ -37,6 +37,17 @@ void OpenAccessoryListEditor()
     Open(accessoryListEditor);
 }
 
+QStringList UnwrittenTables()
+{
+    QStringList captions;
+    for (const BlockEditor *window : std::initializer_list<const BlockEditor *>{
+             routeEditor.get(), assignmentEditor.get(), accessoryListEditor.get()}) {
+        if (window != nullptr && window->hasUnwrittenChanges())
+            captions += window->windowTitle();
+    }
+    return captions;
+}
+
 void ResetEditors()
 {
     routeEditor.reset();

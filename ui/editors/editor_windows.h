@@ -2,9 +2,14 @@
 // destroyed, by its buttons, so that it shows its grid as it was.
 #pragma once
 
+#include <QStringList>
+
 void OpenRouteEditor();
 void OpenAssignmentEditor();
 void OpenAccessoryListEditor();
+
+/// The captions of the windows whose tables hold changes that are not written.
+QStringList UnwrittenTables();
 
 /// Destroys the windows. To be called while the application lives.
 void ResetEditors();

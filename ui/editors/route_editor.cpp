@@ -49,6 +49,11 @@ Outcome RouteEditor::readTable()
     return outcome;
 }
 
+std::vector<int> RouteEditor::entries() const
+{
+    return {FsDaten.begin(), FsDaten.end()};
+}
+
 std::function<Outcome()> RouteEditor::writeOfTable() const
 {
     return [routes = FsDaten] {

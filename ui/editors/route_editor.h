@@ -16,6 +16,7 @@ public:
 protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
+    [[nodiscard]] std::vector<int> entries() const override;
     /// Every act that is not discarded also sets the route's trigger: occupied from the column "bes.", free from all
     /// others. The marks in the grid follow only in the two trigger columns.
     void actOn(int row, int column) override;

@@ -241,7 +241,8 @@ void ImportWindow::save()
     const CommandOn command([this] { return chosenLocos(); });
     if (!command.ok() || command.shown.empty())
         return;
-    const QString name = TheWindows().saveFileName(TheBranding().saveDialogTitle, QStringLiteral("*.dds"));
+    const QString name = TheWindows().saveFileName(
+        TheBranding().saveDialogTitle, QStringLiteral("*.dds"), DatedName(QStringLiteral("Lokdaten")));
     if (name.isEmpty())
         return;
     QByteArray file;

@@ -29,6 +29,8 @@ enum Column { HeadColumn, OnColumn, OffColumn, MomentaryColumn, ColumnCount };
 constexpr std::array<int, ColumnCount> ColumnWidths{26, 27, 27, 30}; // with the grid's frame 112 pixels together
 constexpr int RowHeight = 20;
 constexpr int HeadGap = 4;
+constexpr int CellMargin = 4;
+constexpr int SmallestFont = 7; // pixels
 constexpr int LeastRowsShown = 8;
 constexpr int LocoPictureWidth = 49;
 constexpr int LocoPictureHeight = 17;
@@ -42,6 +44,19 @@ QString NoSymbolOfF0()
 QString AccessCode()
 {
     return QStringLiteral("Rupo");
+}
+
+/// The columns and rows have their given sizes: a large font is made to fit them.
+QFont FittingFont(QFont font)
+{
+    const auto fits = [&font] {
+        const QFontMetrics metrics(font);
+        return metrics.horizontalAdvance(QStringLiteral("f24")) <= ColumnWidths.at(HeadColumn) - CellMargin
+            && metrics.height() <= RowHeight;
+    };
+    for (int size = QFontInfo(font).pixelSize(); size > SmallestFont && !fits(); --size)
+        font.setPixelSize(size);
+    return font;
 }
 
 } // namespace
@@ -72,6 +87,7 @@ LocoEditor::LocoEditor(QWidget *parent)
 
 void LocoEditor::buildGrid()
 {
+    fktTab->setFont(FittingFont(fktTab->font()));
     fktTab->setObjectName(QStringLiteral("FktTab"));
     fktTab->setAccessibleName(QStringLiteral("Funktionen"));
     fktTab->horizontalHeader()->hide();

@@ -228,7 +228,8 @@ void PixelEditor::loadBmp()
 
 void PixelEditor::saveBmp()
 {
-    const QString name = TheWindows().saveFileName(QStringLiteral("BMP File speichern"), QStringLiteral("*.bmp"));
+    const QString name =
+        TheWindows().saveFileName(QStringLiteral("BMP File speichern"), QStringLiteral("*.bmp"), QString());
     if (name.isEmpty())
         return;
     int result = 0;

@@ -257,6 +257,10 @@ void Grid::keyPressEvent(QKeyEvent *event)
         Q_EMIT cellDoubleActed(current.row(), current.column());
         return;
     default:
-        QTableWidget::keyPressEvent(event);
+        const bool command = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
+        if (!command && !event->text().isEmpty() && event->text().at(0).isLetterOrNumber())
+            Q_EMIT inputTyped(current.row(), current.column(), event->text());
+        else
+            QTableWidget::keyPressEvent(event);
     }
 }

@@ -52,6 +52,8 @@ Q_SIGNALS:
     void cellActed(int row, int column);
     /// F2 on the current cell.
     void inputAsked(int row, int column);
+    /// A digit or letter on the current cell.
+    void inputTyped(int row, int column, const QString &character);
     /// Double-click or F4 on a cell; only grids that distinguish it from a click listen.
     void cellDoubleActed(int row, int column);
     /// A click into the grid beside the open text box; it does nothing else.

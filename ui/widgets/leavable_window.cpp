@@ -3,9 +3,20 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QScreen>
+
+namespace
+{
+constexpr int FrameWidth = 20; // room for the window's frame and a task bar
+constexpr int FrameHeight = 80;
+} // namespace
 
 void LeavableWindow::present()
 {
+    // Not larger than the screen, whatever its contents would like.
+    const QSize room = screen()->availableSize() - QSize(FrameWidth, FrameHeight);
+    if (!isVisible() && (width() > room.width() || height() > room.height()))
+        resize(size().boundedTo(room));
     show();
     raise();
     activateWindow();

@@ -383,3 +383,30 @@ TEST_F(TableWindows, ADraggedRangeCollapsesToWhereItBegan)
     drag(centre(2, 3), QPoint(-20, -40)); // dragged out of the grid
     EXPECT_EQ(FsDaten, before);
 }
+
+TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
+{
+    openRoutes();
+    const auto shown = [this](const char *name) {
+        return !window->findChild<QLabel *>(QLatin1String(name))->isHidden();
+    };
+    EXPECT_TRUE(shown("NichtGelesenLbl"));
+    button("LeseFSDatenBut")->click();
+    EXPECT_FALSE(shown("NichtGelesenLbl"));
+    EXPECT_FALSE(shown("GeaendertLbl"));
+    click(0, 3); // the route is "occupied" already
+    EXPECT_TRUE(UnwrittenTables().isEmpty());
+    grid->setCurrentCell(3, 1);
+    soon([this] {
+        EXPECT_EQ(grid->inputBox()->text(), QStringLiteral("7"));
+        Press(grid->inputBox(), Qt::Key_Return);
+    });
+    QKeyEvent seven(QEvent::KeyPress, Qt::Key_7, Qt::NoModifier, QStringLiteral("7"));
+    QApplication::sendEvent(grid, &seven); // a digit begins the input
+    EXPECT_EQ(row(3), "7||X");
+    EXPECT_TRUE(shown("GeaendertLbl"));
+    EXPECT_EQ(UnwrittenTables(), QStringList{QStringLiteral("Fahrstraßendaten ändern")});
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_FALSE(shown("GeaendertLbl"));
+    EXPECT_TRUE(UnwrittenTables().isEmpty());
+}
