@@ -10,6 +10,7 @@
 #include "shown/connection.h"
 #include "ui/widgets/build_controls.h"
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -98,6 +99,8 @@ void ZentraleForm::showPorts()
 {
     offerPorts();
     comPortNrTxt->setFocus();
+    QAbstractItemView *popup = portList->popup();
+    popup->setMinimumWidth(popup->sizeHintForColumn(0) + 2 * popup->frameWidth());
     portList->complete();
 }
 
