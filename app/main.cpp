@@ -14,6 +14,7 @@
 #include "ui/qt_frontend.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QTranslator>
 
 #include <csignal>
@@ -38,6 +39,15 @@ void TakeEndSignals(Events &events)
     });
 }
 
+/// The same drawing in the sizes that window systems ask for.
+QIcon ProgramIcon()
+{
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/%1.png").arg(size), QSize(size, size));
+    return icon;
+}
+
 /// Sends the handheld back and ends; runs once, when no command runs any more.
 void EndProgram(QtFrontend &frontend)
 {
@@ -56,6 +66,7 @@ int main(int argc, char *argv[])
     QApplication application(argc, argv);
     QApplication::setApplicationVersion(QStringLiteral(HR_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(ProgramIcon());
     QTranslator german;
     if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QApplication::installTranslator(&german);
@@ -75,6 +86,9 @@ int main(int argc, char *argv[])
 
     OnEndReady([&frontend] { EndProgram(frontend); });
     TakeEndSignals(events);
-    events.post(Main);
+    events.post([&mainWindow] {
+        Main();
+        mainWindow.openGivenFile(QApplication::arguments().value(1));
+    });
     return QtEvents::run();
 }

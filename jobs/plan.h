@@ -12,7 +12,7 @@ enum class StepKind {
     Read,   // the record's value
     IsUsed, // whether a loco record holds a loco, with two messages
     Write,  // the step's value
-    Merge,  // what stands there is read, changed by `merge` and written
+    Merge,  // what stands there is read, changed by `merge` and written; an empty record is left alone
     Delete, // a loco record
 };
 

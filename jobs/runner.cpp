@@ -63,7 +63,8 @@ void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience 
 void Merge(SpiImage &image, JobEntry &entry, Patience patience)
 {
     Read(image, entry);
-    if (entry.outcome.ok())
+    // What cannot be read is not changed, and an empty record has nothing to merge with.
+    if (entry.outcome.ok() && entry.state != RecordState::Empty)
         Write(image, entry, entry.step.merge(*entry.value), patience);
 }
 

@@ -4,6 +4,7 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 #include "ui/backup/backup_commands.h"
+#include "ui/backup/backup_viewer.h"
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
@@ -21,8 +22,11 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDropEvent>
 #include <QHBoxLayout>
+#include <QMimeData>
 #include <QScreen>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -39,6 +43,16 @@ std::function<void()> Opening(std::function<void()> open)
         if (command.ok())
             open();
     };
+}
+
+/// The backup file that is dragged; empty for all other things.
+QString DroppedBackup(const QDropEvent &event)
+{
+    for (const QUrl &url : event.mimeData()->urls()) {
+        if (url.toLocalFile().endsWith(QStringLiteral(".dds"), Qt::CaseInsensitive))
+            return url.toLocalFile();
+    }
+    return {};
 }
 
 /// What shows a number's pictures is told that they changed.
@@ -76,6 +90,7 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     const QSize room = screen()->availableSize() - ScreenMargin;
     resize(sizeHint().boundedTo(room));
     FollowCatalogue();
+    setAcceptDrops(true);
 }
 
 MainWindow::~MainWindow()
@@ -121,6 +136,26 @@ void MainWindow::setLokDataMenuVisible(bool visible)
 void MainWindow::updateLokDataMenu()
 {
     setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+}
+
+void MainWindow::openGivenFile(const QString &fileName)
+{
+    const Command command;
+    if (!fileName.isEmpty() && command.ok())
+        OpenBackupViewer(fileName);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!DroppedBackup(*event).isEmpty())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    event->acceptProposedAction();
+    // From the event loop: a file that cannot be read is told by a box, and the drop must be over by then.
+    TheEvents().post([this, fileName = DroppedBackup(*event)] { openGivenFile(fileName); });
 }
 
 void MainWindow::enable(bool enabled)

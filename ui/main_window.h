@@ -25,6 +25,10 @@ public:
     /// Shows or hides the download's menu item as the interface kind says.
     void updateLokDataMenu();
 
+    /// Opens the viewer on a backup file that was given to the program or dropped on the window; nothing for an empty
+    /// name.
+    void openGivenFile(const QString &fileName);
+
     /// Lets the user work in the window; the address field has the focus unless another field got it.
     void enable(bool enabled);
 
@@ -32,6 +36,10 @@ protected:
     /// Never closes at once: the program ends when the running command has come to its end and the handheld has
     /// been sent back.
     void closeEvent(QCloseEvent *event) override;
+
+    /// Backup files may be dropped on the window.
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     [[nodiscard]] MenuActions menuActions();

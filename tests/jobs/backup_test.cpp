@@ -4,6 +4,7 @@
 #include "handheld/flash_map.h"
 #include "jobs/clean_up.h"
 #include "jobs/restore.h"
+#include "jobs/spread.h"
 #include "program/run_control.h"
 #include "sim/demo_content.h"
 #include "tests/support/virtual_world.h"
@@ -485,4 +486,30 @@ TEST_F(CleanUp, TheSymbolResetWritesBothHalvesInOrder)
     flash().setBytes(FktSymbolAddress, QByteArray(256 * 64, '\x55'));
     EXPECT_EQ(ResetFktSymbols().end, JobEnd::PortLost);
     EXPECT_EQ(flashBytes(FktSymbolAddress + 164 * 64, 64), half + QByteArray(32, '\x55'));
+}
+
+TEST_F(BackupTest, FunctionsAreSpreadOverOtherLocosAndEmptyRecordsStayEmpty)
+{
+    SpiImage image{};
+    LocoRecord from = ReadLoco(image, 3).value;
+    from.symbols.at(5) = 77;
+    const LocoRecord before = ReadLoco(image, 8).value;
+    const BoxText *asked = nullptr;
+    const auto refuse = [&asked](const BoxText &question) {
+        asked = &question;
+        return false;
+    };
+    SpreadFunctions(from, QStringLiteral("8"), refuse);
+    EXPECT_NE(asked, nullptr);
+    EXPECT_EQ(ReadLoco(image, 8).value, before);
+    user.expect(QStringLiteral("Funktionen geschrieben:\rLokdatensätze: 8\r\rLeer, nicht geändert:\r"
+                               "Lokdatensätze: 4000"),
+        QStringLiteral("Funktionen übertragen"));
+    SpreadFunctions(from, QStringLiteral("4000,8,8"), [](const BoxText &) { return true; });
+    const LocoRecord after = ReadLoco(image, 8).value;
+    EXPECT_EQ(after.symbols, from.symbols);
+    EXPECT_EQ(after.modes, from.modes);
+    EXPECT_EQ(after.name, before.name);
+    EXPECT_EQ(after.locoSymbol, before.locoSymbol);
+    EXPECT_EQ(flashBytes(4000 * 64, 1), QByteArray(1, '\xFF'));
 }

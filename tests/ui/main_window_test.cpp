@@ -390,3 +390,24 @@ TEST_F(MainWindowTest, EnterInTheAddressFieldReadsAndAFunctionTableFitsItsFont)
     EXPECT_LE(functions()->fontMetrics().height(), functions()->rowHeight(24));
     QApplication::setFont(before);
 }
+
+TEST_F(MainWindowTest, ARecordOrItsFunctionsAreCopiedToAnotherAddress)
+{
+    const auto act = [this](const char *name) { window().findChild<QAction *>(QLatin1String(name))->trigger(); };
+    read("3");
+    const LocoRecord copied = CurrentLocoRecord();
+    act("LokKopieren");
+    read("8");
+    const QString name = LokName;
+    act("FunktionenEinfuegen");
+    EXPECT_EQ(FktSymbol, copied.symbols);
+    EXPECT_EQ(LokName, name);
+    EXPECT_EQ(functions()->text(2, 3), QString::number(copied.modes.at(2)));
+    act("LokEinfuegen");
+    EXPECT_EQ(CurrentLocoRecord(), copied);
+    EXPECT_EQ(field("LoknameTxt")->text(), copied.name.trimmed());
+    user.expect(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), QStringLiteral("Funktionen übertragen"),
+        QStringLiteral("1-x"));
+    user.expect(QStringLiteral("\"1-x\" ist keine Nummer und kein Bereich wie 1-5"), QStringLiteral("Fehler!"));
+    act("FunktionenUebertragen");
+}

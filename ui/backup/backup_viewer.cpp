@@ -211,7 +211,10 @@ void BackupViewer::load(const QString &fileName, const DdsContent &content)
 void BackupViewer::filterChanged()
 {
     shown->setFilterFixedString(filterTxt->text().trimmed());
-    countLbl->setText(QStringLiteral("%1 von %2 Lokdatensätzen").arg(shown->rowCount()).arg(model->rowCount()));
+    if (model->rowCount() == 0)
+        countLbl->setText(QStringLiteral("enthält keine Lokdatensätze"));
+    else
+        countLbl->setText(QStringLiteral("%1 von %2 Lokdatensätzen").arg(shown->rowCount()).arg(model->rowCount()));
 }
 
 std::vector<RosterLoco> BackupViewer::shownLocos() const

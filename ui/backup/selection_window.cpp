@@ -137,7 +137,11 @@ void SelectionWindow::buildLayout()
         buildNumberedRow(grid, kind);
     buildBlockRows(grid);
     auto *cancelButton = NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this);
+    auto *allButton = NamedButton(QStringLiteral("AllesBut"), QStringLiteral("Alles"), this);
+    allButton->setToolTip(QStringLiteral("alle Lokdatensätze (durch Suchen), alle Symbole und alle Tabellen"));
+    connect(allButton, &QPushButton::clicked, this, &SelectionWindow::chooseAll);
     auto *buttonRow = new QHBoxLayout;
+    buttonRow->addWidget(allButton);
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
     buttonRow->addWidget(cancelButton);
@@ -152,6 +156,8 @@ void SelectionWindow::buildLayout()
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(cancelButton, &QPushButton::clicked, this, [this] { answer(false); });
     setTabOrders(cancelButton);
+    setTabOrder(magListeChk, allButton);
+    setTabOrder(allButton, okButton);
 }
 
 /// As the eye reads: line by line.
@@ -185,6 +191,20 @@ void SelectionWindow::connectControls()
         connect(field, &QLineEdit::textEdited, lokSucheChk, [this] { lokSucheChk->setChecked(true); });
     connect(okButton, &QPushButton::clicked, this, [this] { answer(true); });
     setDefaultButton(okButton);
+}
+
+/// All that a handheld holds: the locos by a search over all addresses.
+void SelectionWindow::chooseAll()
+{
+    for (const NumberedRow &row : rows) {
+        row.wanted->setChecked(row.all != nullptr);
+        if (row.all != nullptr)
+            row.all->setChecked(true);
+    }
+    startTxt->setText(QString::number(FirstLoco));
+    stopTxt->setText(QString::number(LastLoco));
+    for (QCheckBox *box : {lokSucheChk, fsDatenChk, magSymZuordChk, magListeChk})
+        box->setChecked(true);
 }
 
 void SelectionWindow::open(const BackupSelection &selection)

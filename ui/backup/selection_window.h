@@ -41,6 +41,7 @@ private:
     void setTabOrders(QWidget *last);
     void connectControls();
     void check();
+    void chooseAll();
     QStringList markFaults(const BackupSelection &chosen);
     void answer(bool ok);
 

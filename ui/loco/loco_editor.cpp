@@ -1,6 +1,8 @@
 #include "ui/loco/loco_editor.h"
 
+#include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
+#include "jobs/spread.h"
 #include "link/open_link.h"
 #include "link/text_encoding.h"
 #include "platform/text.h"
@@ -12,6 +14,7 @@
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -82,6 +85,7 @@ LocoEditor::LocoEditor(QWidget *parent)
     buildGrid();
     buildLayout();
     connectControls();
+    buildContextMenu();
     clearShownRecord();
 }
 
@@ -361,6 +365,61 @@ void LocoEditor::deleteRecord()
     showRecord();
     if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
+}
+
+void LocoEditor::buildContextMenu()
+{
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    const auto add = [this](const char *name, const QString &caption, const std::function<void()> &work) {
+        auto *action = new QAction(caption, this);
+        action->setObjectName(QLatin1String(name));
+        addAction(action);
+        connect(action, &QAction::triggered, this, work);
+        return action;
+    };
+    const auto copy = [this] {
+        copied = CurrentLocoRecord();
+        hasCopy = true;
+    };
+    add("LokKopieren", QStringLiteral("Lokdatensatz kopieren"), copy);
+    add("LokEinfuegen", QStringLiteral("Lokdatensatz einfügen"), [this] { paste(false); });
+    add("FunktionenKopieren", QStringLiteral("Funktionen kopieren"), copy);
+    add("FunktionenEinfuegen", QStringLiteral("Funktionen einfügen"), [this] { paste(true); });
+    add("FunktionenUebertragen", QStringLiteral("Funktionen auf andere Adressen übertragen…"),
+        [this] { spreadFunctions(); });
+}
+
+/// Into memory and window; nothing is written.
+void LocoEditor::paste(bool functionsOnly)
+{
+    const Command command;
+    if (!command.ok() || !hasCopy)
+        return;
+    LocoRecord record = functionsOnly ? CurrentLocoRecord() : copied;
+    record.symbols = copied.symbols;
+    record.modes = copied.modes;
+    record.multiUni = copied.multiUni;
+    SetCurrentLocoRecord(record);
+    if (!functionsOnly)
+        showName();
+    showMemory();
+}
+
+void LocoEditor::spreadFunctions()
+{
+    const CommandOn command([] { return CurrentLocoRecord(); });
+    if (!command.connected())
+        return;
+    const QString list =
+        TheAsk().askText(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), QStringLiteral("Funktionen übertragen"));
+    if (list.isEmpty())
+        return;
+    if (const QString fault = NumberListFault(list, FirstLoco, LastLoco); !fault.isEmpty()) {
+        TheAsk().showBox({fault, QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return;
+    }
+    SpreadFunctions(
+        command.shown, list, [&command](const BoxText &question) { return command.confirmed(question, false); });
 }
 
 void LocoEditor::toggleMomentary(int row)

@@ -57,6 +57,9 @@ private:
     void readRecord();
     void writeRecord();
     void deleteRecord();
+    void buildContextMenu();
+    void paste(bool functionsOnly);
+    void spreadFunctions();
     void toggleMomentary(int row);
     void actOnFunction(int row, int column);
     void pickLocoSymbol();
@@ -71,5 +74,7 @@ private:
     QPushButton *deleteBut;
     QLabel *doubtLbl;
     bool complete = true; // false after a read with a time-out or a damaged answer
-    int readAddress = 0;  // where the record in memory was read; 0 = nowhere
+    LocoRecord copied;    // by the context menu; valid when something was copied
+    bool hasCopy = false;
+    int readAddress = 0; // where the record in memory was read; 0 = nowhere
 };
