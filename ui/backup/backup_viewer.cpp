@@ -181,9 +181,12 @@ void BackupViewer::buildLayout()
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(buildFilterRow());
     layout->addWidget(table, 1);
-    layout->addWidget(new QLabel(QStringLiteral("f0 .. f24: Symbol der eingeschalteten Funktion, T = Tastfunktion; "
-                                                "ident. Sym. = identisches Symbol für alle Funktionen"),
-        this));
+    auto *legend = NamedLabel(QStringLiteral("LegendeLbl"),
+        QStringLiteral("f0 .. f24: Symbol der eingeschalteten Funktion, T = Tastfunktion; "
+                       "ident. Sym. = identisches Symbol für alle Funktionen"),
+        this);
+    legend->setWordWrap(true); // or the window could not be made narrower than this line
+    layout->addWidget(legend);
     layout->addWidget(summaryLbl);
     layout->addLayout(buttonRow);
     setTabOrder(filterTxt, table);
