@@ -9,7 +9,7 @@
 int SymbolWidth = LokSymbolGeometry.width;
 int SymbolHeight = LokSymbolGeometry.height;
 bool SymbolNoHeader = false;
-std::array<int, CellCount> Pixel{};
+PixelCells Pixel{};
 int PixelEditDone = 1;
 
 namespace
@@ -52,6 +52,17 @@ Picture TakePicture(size_t bytes)
 {
     const auto first = SpiBuf.begin() + WritePosition;
     return {ShownGeometry(), {first, first + static_cast<std::ptrdiff_t>(bytes)}};
+}
+
+std::vector<int> ShownRows()
+{
+    const auto first = SpiBuf.begin() + FirstPixelIndex();
+    return {first, first + RowBytesOf(SymbolWidth) * SymbolHeight};
+}
+
+void LayRows(const std::vector<int> &rows)
+{
+    std::copy(rows.begin(), rows.end(), SpiBuf.begin() + FirstPixelIndex());
 }
 
 int FirstPixelIndex()
@@ -102,14 +113,12 @@ void LoadBmpToSpibuf(const QString &fileName, int &result)
     const auto rows = LoadBmp(fileName, ShownGeometry());
     result = rows ? 0 : 1;
     if (rows)
-        std::copy(rows->begin(), rows->end(), SpiBuf.begin() + FirstPixelIndex());
+        LayRows(*rows);
 }
 
 void SaveSpibufToBmp(const QString &fileName, int &result)
 {
-    const auto first = SpiBuf.begin() + FirstPixelIndex();
-    const PictureRows rows(first, first + RowBytesOf(SymbolWidth) * SymbolHeight);
-    result = SaveBmp(rows, ShownGeometry(), fileName) ? 0 : 1;
+    result = SaveBmp(ShownRows(), ShownGeometry(), fileName) ? 0 : 1;
 }
 
 void ResetShownPicture()

@@ -9,18 +9,15 @@
 
 #include <QString>
 
-#include <array>
+#include <vector>
 
 // --- Geometry of the picture in SpiBuf. Set by ShowPicture, read by the conversions and the pixel editor. ---
 extern int SymbolWidth;     // pixels
 extern int SymbolHeight;    // rows
 extern bool SymbolNoHeader; // no size bytes before the rows
 
-constexpr int Black = 0;
-constexpr int White = 0xFFFFFF;
-
 /// Colours of the cells, index 0 = cell 1. Filled when the editor opens, changed by painting, copied to SpiBuf by OK.
-extern std::array<int, CellCount> Pixel;
+extern PixelCells Pixel;
 
 /// 1 when the pixel editor is finished; set to 0 by whoever opens it and waits.
 extern int PixelEditDone;
@@ -30,6 +27,10 @@ PictureGeometry ShownGeometry();
 /// Lays a picture into SpiBuf with its geometry, and takes it out again (as many bytes as it had).
 void ShowPicture(const Picture &picture);
 Picture TakePicture(size_t bytes);
+
+/// The pixel rows alone: what a step back in the editor has to restore after a load.
+std::vector<int> ShownRows();
+void LayRows(const std::vector<int> &rows);
 
 /// SpiBuf index of the first pixel byte: 6, or 4 without the size bytes.
 int FirstPixelIndex();

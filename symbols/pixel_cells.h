@@ -6,12 +6,20 @@
 
 #include "handheld/picture.h"
 
+#include <array>
+
 constexpr int TwipsPerPixel = 15;
 constexpr int CellPitch = 225;
 constexpr int CellSize = 195;
 constexpr int GridOrigin = 200;
 constexpr int ButtonBand = 1000;
 constexpr int CellCount = 2080; // 80 x 26, the largest picture
+
+constexpr int Black = 0;
+constexpr int White = 0xFFFFFF;
+
+/// Colours of the cells, index = cell number - 1. Only the first width x height of them belong to a picture.
+using PixelCells = std::array<int, CellCount>;
 
 /// Number of the cell at a position of the client area, or 0 when there is none. Positions are rounded to whole
 /// twips and divided with truncation towards zero, so that less than one pitch left of or above the grid is still
@@ -31,3 +39,12 @@ struct PixelPlace {
     int mask;
 };
 PixelPlace PlaceOfPixel(int width, int x, int y);
+
+/// The picture moved by whole pixels; what is pushed over an edge is lost, what comes in is white.
+PixelCells ShiftedCells(const PixelCells &cells, PictureGeometry geometry, int right, int up);
+
+/// The picture with left and right, or top and bottom, exchanged.
+PixelCells MirroredCells(const PixelCells &cells, PictureGeometry geometry, bool leftRight);
+
+/// The picture with black and white exchanged.
+PixelCells InvertedCells(const PixelCells &cells, PictureGeometry geometry);

@@ -153,6 +153,8 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
     // The dialog's own questions would wait in a loop of their own.
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    if (!forSaving && filter == u"*.bmp") // the pixel editor reads PNG files as well
+        dialog.setNameFilters({filter, QStringLiteral("Alle Dateien (*)")});
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     if (forSaving && !proposal->isEmpty())
         dialog.selectFile(*proposal);

@@ -239,3 +239,29 @@ TEST_F(Catalogues, OnlyAFileOfTheNumberIsReplaced)
     for (const auto &[name, carries] : rows)
         EXPECT_EQ(CarriesNumber(QString::fromUtf8(name), 0), carries) << name;
 }
+
+TEST(PixelCells, PicturesAreShiftedMirroredAndInvertedInTheirOwnGeometry)
+{
+    constexpr PictureGeometry small{3, 2};
+    const auto cells = [](const char *text) { // the bottom row first, as the cells are numbered
+        PixelCells result;
+        result.fill(Black); // beyond the picture nothing may change and nothing may come in
+        for (size_t i = 0; i < 6; ++i)
+            result.at(i) = text[i] == '#' ? Black : White;
+        return result;
+    };
+    const PixelCells picture = cells("##."
+                                     "#..");
+    const std::pair<PixelCells, const char *> table[] = {
+        {ShiftedCells(picture, small, 1, 0), ".##.#."},
+        {ShiftedCells(picture, small, -1, 0), "#....."},
+        {ShiftedCells(picture, small, 0, 1), "...##."},
+        {ShiftedCells(picture, small, 0, -1), "#....."},
+        {ShiftedCells(picture, small, 3, 0), "......"},
+        {MirroredCells(picture, small, true), ".##..#"},
+        {MirroredCells(picture, small, false), "#..##."},
+        {InvertedCells(picture, small), "..#.##"},
+    };
+    for (const auto &[result, expected] : table)
+        EXPECT_EQ(result, cells(expected)) << expected;
+}

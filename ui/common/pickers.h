@@ -1,11 +1,20 @@
 // The three windows in which the user picks a symbol by looking: loco symbols, function symbols, accessory symbols.
+//
+// Row index and symbol number are the same: search and "nur belegte" hide rows and never move one. What was picked last
+// in this run stands above the grid.
 #pragma once
 
 #include "handheld/symbol_storage.h"
 
 #include "ui/widgets/leavable_window.h"
 
+#include <vector>
+
 class Grid;
+class PictureBox;
+class QCheckBox;
+class QLabel;
+class QLineEdit;
 
 class SymbolPicker : public LeavableWindow
 {
@@ -24,14 +33,31 @@ protected:
     /// Leaving means that nothing was chosen.
     void leave() override;
 
+    /// A letter or digit typed in the grid begins a search.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void buildGrid();
+    void buildSearch();
+    void buildRecent();
+    void buildLayout();
+    void orderTabs();
     void fillRow(int number);
     void fitDescription();
+    void showRecent();
+    void filterRows();
+    [[nodiscard]] bool isWanted(int number) const;
+    [[nodiscard]] bool hasPicture(int number) const;
+    void chooseOnlyRow();
     void choose(int row);
 
     SymbolKind kind;
     Grid *grid;
+    QLineEdit *searchTxt;
+    QCheckBox *usedOnlyChk;
+    QLabel *recentLbl;
+    std::vector<PictureBox *> recentBoxes;
+    std::vector<int> recent; // numbers, the last one first
 };
 
 /// Lets the user pick a symbol: shows the kind's picker and waits for GewaehltesSymbol. Returns the number, or

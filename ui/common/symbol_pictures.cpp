@@ -62,14 +62,21 @@ QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf)
     return SymbolPicture(kind, number, CatalogueHalf(kind, handheldHalf));
 }
 
+QString SymbolName(SymbolKind kind, int number)
+{
+    if (number < 0 || number >= CatalogueSize)
+        return {};
+    static const QRegularExpression numberAndEnding(
+        QStringLiteral("^\\d+ *|\\.bmp$"), QRegularExpression::CaseInsensitiveOption);
+    return Description(kind, number).trimmed().remove(numberAndEnding);
+}
+
 QString SymbolWords(SymbolKind kind, int number, int handheldHalf)
 {
     QString text = KindWord(kind) + u' ' + QString::number(number);
     if (number < 0 || number >= CatalogueSize)
         return text;
-    QString name = Description(kind, number).trimmed();
-    name.remove(QRegularExpression(QStringLiteral("^\\d+ *|\\.bmp$"), QRegularExpression::CaseInsensitiveOption));
-    if (!name.isEmpty())
+    if (const QString name = SymbolName(kind, number); !name.isEmpty())
         text += QStringLiteral(": ") + name;
     return text + HalfWord(kind, handheldHalf);
 }

@@ -14,6 +14,9 @@ QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf);
 /// The same by the handheld's half (HalfOn, HalfOff).
 QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf);
 
+/// What a symbol is called: its description without number and ending. Empty where there is none.
+QString SymbolName(SymbolKind kind, int number);
+
 /// What a picture is in words, for those who cannot see it: "Funktionssymbol 12: Licht, ON". Empty halves are named.
 QString SymbolWords(SymbolKind kind, int number, int handheldHalf);
 

@@ -1,16 +1,22 @@
 #include "ui/symbols/pixel_editor.h"
 
+#include "platform/files.h"
 #include "program/ask.h"
 #include "program/run_control.h"
 #include "shown/catalogue.h"
 #include "shown/picture.h"
 #include "ui/common/windows.h"
+#include "ui/symbols/cell_image.h"
+#include "ui/symbols/pixel_canvas.h"
 #include "ui/widgets/build_controls.h"
 
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QMouseEvent>
-#include <QPainter>
+#include <QMenu>
 #include <QPushButton>
+#include <QToolButton>
 
 #include <memory>
 
@@ -25,133 +31,29 @@ constexpr int ButtonHeight = 345;
 constexpr int RightMargin = 200;
 constexpr int CaptionMargin = 8; // logical pixels
 
+constexpr int ExtraGap = 2; // logical pixels above and below what stands beside or under the buttons
+
 int Pixels(int twips)
 {
-    return (twips + TwipsPerPixel / 2) / TwipsPerPixel;
+    return PixelsOfTwips(twips);
+}
+
+/// The image of a PNG file, told by its content; nothing for every other file.
+std::optional<QByteArray> PngContent(const QString &fileName)
+{
+    std::optional<QByteArray> content = ReadWholeFile(fileName);
+    if (!content || !content->startsWith("\x89PNG\r\n\x1A\n"))
+        return {};
+    return content;
 }
 
 } // namespace
 
-/// All cells in one painted area; it covers the whole client area, as the mouse is followed everywhere in it.
-class PixelCanvas : public QWidget
-{
-public:
-    explicit PixelCanvas(QWidget *parent) : QWidget(parent)
-    {
-        setObjectName(QStringLiteral("Pixel"));
-        setAccessibleName(QStringLiteral("Bildpunkte"));
-        setFocusPolicy(Qt::StrongFocus);
-    }
-
-    void restart()
-    {
-        cursor = 1 + SymbolWidth * (SymbolHeight - 1); // top left
-        update();
-    }
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
-    void mousePressEvent(QMouseEvent *event) override
-    {
-        lastPosition = event->position();
-        paintAt(event->position(), event->buttons());
-    }
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void focusInEvent(QFocusEvent *) override { update(cellRect(cursor)); }
-    void focusOutEvent(QFocusEvent *) override { update(cellRect(cursor)); }
-
-private:
-    [[nodiscard]] static QRect cellRect(int number)
-    {
-        const CellPlace place = PlaceOfCell(ShownGeometry(), number);
-        return {Pixels(place.left), Pixels(place.top), Pixels(CellSize), Pixels(CellSize)};
-    }
-
-    static constexpr double StrokeStep = 5; // logical pixels, less than a cell
-
-    void paintAt(QPointF position, Qt::MouseButtons mouseButtons);
-    void setCell(int number, int colour);
-    void moveCursor(int columns, int rows);
-
-    int cursor = 1;       // cell number
-    QPointF lastPosition; // of the pointer in a stroke
-};
-
-void PixelCanvas::paintEvent(QPaintEvent *event)
-{
-    QPainter painter(this);
-    for (int number = 1; number <= SymbolWidth * SymbolHeight; ++number) {
-        const QRect cell = cellRect(number);
-        if (!cell.intersects(event->rect()))
-            continue;
-        const bool dark = Pixel.at(static_cast<size_t>(number - 1)) == Black;
-        painter.fillRect(cell, dark ? Qt::black : Qt::white);
-        if (number == cursor && hasFocus()) {
-            painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-            painter.drawRect(cell.adjusted(1, 1, -1, -1));
-        }
-    }
-}
-
-/// A fast stroke comes as a few distant positions; the cells between them are painted too.
-void PixelCanvas::mouseMoveEvent(QMouseEvent *event)
-{
-    const QPointF way = event->position() - lastPosition;
-    const int steps = 1 + static_cast<int>(way.manhattanLength() / StrokeStep);
-    for (int i = 1; i <= steps; ++i)
-        paintAt(lastPosition + way * i / steps, event->buttons());
-    lastPosition = event->position();
-}
-
-void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
-{
-    const QPointF twips = position * TwipsPerPixel;
-    const int number = CellAt(ShownGeometry(), twips.x(), twips.y());
-    if (number == 0)
-        return;
-    if (mouseButtons == Qt::LeftButton)
-        setCell(number, Black);
-    else if (mouseButtons == Qt::RightButton)
-        setCell(number, White);
-}
-
-void PixelCanvas::setCell(int number, int colour)
-{
-    Pixel.at(static_cast<size_t>(number - 1)) = colour;
-    update(cellRect(number));
-}
-
-void PixelCanvas::moveCursor(int columns, int rows)
-{
-    const int column = qBound(0, (cursor - 1) % SymbolWidth + columns, SymbolWidth - 1);
-    const int row = qBound(0, (cursor - 1) / SymbolWidth + rows, SymbolHeight - 1);
-    update(cellRect(cursor));
-    cursor = SymbolWidth * row + column + 1;
-    update(cellRect(cursor));
-}
-
-void PixelCanvas::keyPressEvent(QKeyEvent *event)
-{
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return moveCursor(-1, 0);
-    case Qt::Key_Right:
-        return moveCursor(1, 0);
-    case Qt::Key_Up:
-        return moveCursor(0, 1);
-    case Qt::Key_Down:
-        return moveCursor(0, -1);
-    case Qt::Key_Space:
-        return setCell(cursor, Black);
-    case Qt::Key_Backspace:
-        return setCell(cursor, White);
-    default:
-        QWidget::keyPressEvent(event);
-    }
-}
-
-PixelEditor::PixelEditor() : canvas(new PixelCanvas(this))
+PixelEditor::PixelEditor()
+    : preview(new PixelPreview(this))
+    , canvas(new PixelCanvas(history, *preview, this))
+    , editMenu(new QMenu(this))
+    , editButton(new QToolButton(this))
 {
     setObjectName(QStringLiteral("Pixeledit"));
     const auto makeButton = [this](const char *name, const char *caption, void (PixelEditor::*action)()) {
@@ -162,9 +64,87 @@ PixelEditor::PixelEditor() : canvas(new PixelCanvas(this))
     buttons = {makeButton("SaveBMPBut", "Save BMP", &PixelEditor::saveBmp),
         makeButton("LoadBMPBut", "Load BMP", &PixelEditor::loadBmp),
         makeButton("ClrBut", "Clr all", &PixelEditor::clearAll), makeButton("OK_but", "OK", &PixelEditor::leave)};
+    connect(&history, &PixelHistory::restored, this, &PixelEditor::showCells);
+    buildMenu();
 }
 
 PixelEditor::~PixelEditor() = default;
+
+template <typename Act>
+QAction *PixelEditor::addCommand(const char *name, const QString &text, QKeyCombination key, Act act)
+{
+    auto *action = new QAction(text, this);
+    action->setObjectName(QLatin1String(name));
+    action->setShortcut(QKeySequence(key));
+    connect(action, &QAction::triggered, this, act);
+    editMenu->addAction(action);
+    addAction(action); // its shortcut works in the window, not in the menu alone
+    return action;
+}
+
+/// The right mouse button erases, so these commands have a button instead of a context menu.
+void PixelEditor::buildMenu()
+{
+    editButton->setObjectName(QStringLiteral("BearbeitenBut"));
+    editButton->setText(QStringLiteral("Bearbeiten"));
+    editButton->setShortcut(QKeySequence(Qt::ALT | Qt::Key_B));
+    editButton->setFocusPolicy(Qt::StrongFocus);
+    connect(editButton, &QToolButton::clicked, this, &PixelEditor::openMenu);
+    auto *undo =
+        addCommand("UndoAction", QStringLiteral("Rückgängig"), Qt::CTRL | Qt::Key_Z, [this] { history.undo(); });
+    auto *redo =
+        addCommand("RedoAction", QStringLiteral("Wiederholen"), Qt::CTRL | Qt::Key_Y, [this] { history.redo(); });
+    redo->setShortcuts({redo->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    for (QAction *action : {undo, redo})
+        action->setEnabled(false);
+    connect(&history, &PixelHistory::canUndoChanged, undo, &QAction::setEnabled);
+    connect(&history, &PixelHistory::canRedoChanged, redo, &QAction::setEnabled);
+    editMenu->addSeparator();
+    addCommand("CopyAction", QStringLiteral("Kopieren"), Qt::CTRL | Qt::Key_C, &PixelEditor::copy);
+    addCommand("PasteAction", QStringLiteral("Einfügen"), Qt::CTRL | Qt::Key_V, &PixelEditor::paste);
+    buildPictureCommands();
+}
+
+void PixelEditor::buildPictureCommands()
+{
+    const auto shift = [this](int right, int up) {
+        return [this, right, up] { change(ShiftedCells(Pixel, ShownGeometry(), right, up)); };
+    };
+    const auto mirror = [this](bool leftRight) {
+        return [this, leftRight] { change(MirroredCells(Pixel, ShownGeometry(), leftRight)); };
+    };
+    editMenu->addSeparator();
+    addCommand("LeftAction", QStringLiteral("Nach links schieben"), Qt::CTRL | Qt::Key_Left, shift(-1, 0));
+    addCommand("RightAction", QStringLiteral("Nach rechts schieben"), Qt::CTRL | Qt::Key_Right, shift(1, 0));
+    addCommand("UpAction", QStringLiteral("Nach oben schieben"), Qt::CTRL | Qt::Key_Up, shift(0, 1));
+    addCommand("DownAction", QStringLiteral("Nach unten schieben"), Qt::CTRL | Qt::Key_Down, shift(0, -1));
+    editMenu->addSeparator();
+    addCommand("MirrorHAction", QStringLiteral("Waagrecht spiegeln"), Qt::CTRL | Qt::Key_H, mirror(true));
+    addCommand("MirrorVAction", QStringLiteral("Senkrecht spiegeln"), Qt::CTRL | Qt::Key_J, mirror(false));
+    addCommand("InvertAction", QStringLiteral("Invertieren"), Qt::CTRL | Qt::Key_I,
+        [this] { change(InvertedCells(Pixel, ShownGeometry())); });
+}
+
+/// Popped up, not set as the button's menu: that would wait in a loop of its own.
+void PixelEditor::openMenu()
+{
+    editMenu->popup(editButton->mapToGlobal(QPoint(0, editButton->height())));
+}
+
+/// Beside the buttons where there is room, else below them; nothing prescribed moves or grows.
+void PixelEditor::placeExtras(int buttonsEnd)
+{
+    preview->fitPicture();
+    const int gap = Pixels(ButtonGap);
+    const QSize wanted = editButton->sizeHint();
+    const bool beside = buttonsEnd + gap + wanted.width() + gap + preview->width() + Pixels(RightMargin) <= width();
+    const QRect buttonRow = buttons.at(0)->geometry();
+    const int left = beside ? buttonsEnd + gap : Pixels(FirstButtonLeft);
+    const int top = (beside ? buttonRow.top() : buttonRow.bottom() + 1) + ExtraGap;
+    const int room = height() - top - ExtraGap;
+    editButton->setGeometry(left, top, wanted.width(), qMin(wanted.height(), room));
+    preview->move(left + wanted.width() + gap, top);
+}
 
 /// Puts the buttons below the cells; returns the right edge of the last one in logical pixels.
 int PixelEditor::placeButtons()
@@ -193,6 +173,7 @@ void PixelEditor::setUp()
     setFixedSize(width, height);
     canvas->setGeometry(rect());
     canvas->lower();
+    placeExtras(buttonsEnd - Pixels(RightMargin));
     LoadCellsFromBuffer();
     buttons.at(0)->setEnabled(SymbolWidth == LokSymbolGeometry.width || SymbolWidth == HalfSymbolGeometry.width);
     canvas->restart();
@@ -201,6 +182,7 @@ void PixelEditor::setUp()
 void PixelEditor::edit()
 {
     setUp();
+    history.clear();
     PixelEditDone = 0;
     present();
     canvas->setFocus();
@@ -208,10 +190,43 @@ void PixelEditor::edit()
         leave();
 }
 
+void PixelEditor::showCells()
+{
+    canvas->update();
+    preview->update();
+}
+
+void PixelEditor::change(const PixelCells &cells)
+{
+    history.end(); // a stroke under way is a step of its own
+    history.begin();
+    Pixel = cells;
+    history.end();
+    showCells();
+}
+
 void PixelEditor::clearAll()
 {
+    history.end();
+    history.begin();
     ClearCells();
-    canvas->update();
+    history.end();
+    showCells();
+}
+
+void PixelEditor::copy()
+{
+    QGuiApplication::clipboard()->setImage(ImageOfCells(Pixel, ShownGeometry()));
+}
+
+void PixelEditor::paste()
+{
+    const QImage image = QGuiApplication::clipboard()->image();
+    if (image.isNull())
+        TheAsk().showBox({QStringLiteral("In der Zwischenablage ist kein Bild."), QStringLiteral("Einfügen"),
+            BoxIcon::Information});
+    else
+        change(CellsOfImage(image, ShownGeometry()));
 }
 
 void PixelEditor::loadBmp()
@@ -219,11 +234,48 @@ void PixelEditor::loadBmp()
     const QString name = TheWindows().openFileName(QStringLiteral("Öffne BMP File"), QStringLiteral("*.bmp"));
     if (name.isEmpty() || PixelEditDone == 1)
         return;
-    int result = 0;
-    LoadBmpToSpibuf(name, result);
+    const std::optional<QByteArray> png = PngContent(name);
+    const std::optional<PixelCells> cells = png ? cellsOfPng(*png, name) : std::nullopt;
+    if (PixelEditDone == 1) // left while a question was open
+        return;
+    history.end();
+    history.begin();
+    int result = 1;
+    if (cells) {
+        Pixel = *cells;
+        StoreCellsInBuffer();
+        result = 0;
+    } else if (!png) {
+        LoadBmpToSpibuf(name, result);
+    }
     LaySizeBytes(); // also after a refused file
     if (result == 0 && PixelEditDone == 0)
         setUp();
+    history.end();
+}
+
+/// Nothing when the file is damaged, after its box, or when the user does not want a picture of another size.
+std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, const QString &name)
+{
+    const PictureGeometry geometry = ShownGeometry();
+    QImage image = QImage::fromData(content, "PNG");
+    if (image.isNull()) {
+        TheAsk().showBox({QStringLiteral("Die Datei \"%1\" kann nicht gelesen werden!").arg(name),
+            QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return {};
+    }
+    if (image.size() != QSize(geometry.width, geometry.height)) {
+        const QString question =
+            QStringLiteral("Das Bild hat %1 × %2 statt %3 × %4 Bildpunkte. Soll es eingepasst werden?")
+                .arg(image.width())
+                .arg(image.height())
+                .arg(geometry.width)
+                .arg(geometry.height);
+        if (!TheAsk().askYesNo({question, QStringLiteral("Bild einpassen?"), BoxIcon::None}, false))
+            return {};
+        image = FittedImage(image, geometry);
+    }
+    return CellsOfImage(image, geometry);
 }
 
 void PixelEditor::saveBmp()
@@ -244,8 +296,18 @@ void PixelEditor::leave()
         return;
     StoreCellsInBuffer();
     LaySizeBytes();
+    editMenu->hide();
     hide();
     PixelEditDone = 1;
+}
+
+/// Enter presses the button that has the focus, as everywhere.
+void PixelEditor::keyPressEvent(QKeyEvent *event)
+{
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && editButton->hasFocus())
+        editButton->click();
+    else
+        LeavableWindow::keyPressEvent(event);
 }
 
 Picture EditPicture(const Picture &picture)

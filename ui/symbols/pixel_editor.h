@@ -1,16 +1,23 @@
 // The window "PixelEdit": the user paints the picture in SpiBuf pixel by pixel, loads it from a BMP file or saves it.
 //
 // Left button black, right button white. Keyboard: arrows move a cursor, Space sets, Backspace clears. Painting
-// changes only the cells; OK and every other way of closing copy them to SpiBuf. Loading changes SpiBuf at once.
+// changes only the cells; OK and every other way of closing copy them to SpiBuf. Loading changes SpiBuf at once. Whatever
+// changes the picture can be taken back until the window is left.
 #pragma once
 
 #include "handheld/picture.h"
+#include "ui/symbols/pixel_history.h"
 #include "ui/widgets/leavable_window.h"
 
 #include <array>
+#include <optional>
 
 class PixelCanvas;
+class PixelPreview;
+class QAction;
+class QMenu;
 class QPushButton;
+class QToolButton;
 
 class PixelEditor : public LeavableWindow
 {
@@ -27,15 +34,30 @@ public:
 protected:
     /// Every way out commits the cells.
     void leave() override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    template <typename Act> QAction *addCommand(const char *name, const QString &text, QKeyCombination key, Act act);
+    void buildMenu();
+    void buildPictureCommands();
+    void openMenu();
     void setUp();
     int placeButtons();
+    void placeExtras(int buttonsEnd);
+    void showCells();
+    void change(const PixelCells &cells);
     void clearAll();
+    void copy();
+    void paste();
     void loadBmp();
+    static std::optional<PixelCells> cellsOfPng(const QByteArray &content, const QString &name);
     void saveBmp();
 
+    PixelHistory history;
+    PixelPreview *preview;
     PixelCanvas *canvas;
+    QMenu *editMenu;
+    QToolButton *editButton;
     std::array<QPushButton *, 4> buttons{};
 };
 

@@ -1,0 +1,56 @@
+#include "ui/symbols/cell_image.h"
+
+#include <QPainter>
+
+namespace
+{
+
+constexpr int HalfGrey = 128;
+
+QImage OnWhite(QImage image)
+{
+    image.setDevicePixelRatio(1); // pixels count, not lengths on a screen
+    QImage flat(image.size(), QImage::Format_RGB32);
+    flat.fill(Qt::white);
+    QPainter(&flat).drawImage(QPoint(0, 0), image);
+    return flat;
+}
+
+size_t CellIndex(PictureGeometry geometry, int x, int line)
+{
+    return static_cast<size_t>(geometry.width * (geometry.height - 1 - line) + x); // the bottom row comes first
+}
+
+} // namespace
+
+QImage ImageOfCells(const PixelCells &cells, PictureGeometry geometry)
+{
+    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
+    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
+    for (int line = 0; line < geometry.height; ++line) {
+        for (int x = 0; x < geometry.width; ++x)
+            image.setPixel(x, line, cells.at(CellIndex(geometry, x, line)) == Black ? 1 : 0);
+    }
+    return image;
+}
+
+PixelCells CellsOfImage(const QImage &image, PictureGeometry geometry)
+{
+    const QImage flat = OnWhite(image);
+    const QPoint shift((geometry.width - flat.width()) / 2, (geometry.height - flat.height()) / 2);
+    PixelCells cells;
+    cells.fill(White);
+    for (int line = 0; line < geometry.height; ++line) {
+        for (int x = 0; x < geometry.width; ++x) {
+            const QPoint from = QPoint(x, line) - shift;
+            if (flat.valid(from) && qGray(flat.pixel(from)) < HalfGrey)
+                cells.at(CellIndex(geometry, x, line)) = Black;
+        }
+    }
+    return cells;
+}
+
+QImage FittedImage(const QImage &image, PictureGeometry geometry)
+{
+    return OnWhite(image).scaled(geometry.width, geometry.height, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}

@@ -1,0 +1,175 @@
+#include "ui/symbols/pixel_canvas.h"
+
+#include "shown/picture.h"
+#include "ui/symbols/cell_image.h"
+#include "ui/symbols/pixel_history.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <cmath>
+
+namespace
+{
+constexpr double StrokeStep = 5; // logical pixels, less than a cell
+constexpr int PreviewMargin = 2; // white, so that the picture's edge shows on dark windows
+} // namespace
+
+int PixelsOfTwips(int twips)
+{
+    return (twips + TwipsPerPixel / 2) / TwipsPerPixel;
+}
+
+PixelPreview::PixelPreview(QWidget *parent) : QWidget(parent)
+{
+    setObjectName(QStringLiteral("VorschauPic"));
+    setAccessibleName(QStringLiteral("Vorschau"));
+    setAttribute(Qt::WA_TransparentForMouseEvents); // the cells' area follows the mouse everywhere
+}
+
+void PixelPreview::fitPicture()
+{
+    resize(SymbolWidth + 2 * PreviewMargin, SymbolHeight + 2 * PreviewMargin);
+    update();
+}
+
+/// A pixel of the picture is a whole number of the screen's: nothing is blurred.
+void PixelPreview::paintEvent(QPaintEvent *)
+{
+    const double ratio = devicePixelRatioF();
+    const int factor = qMax(1, static_cast<int>(std::floor(ratio)));
+    QImage image = ImageOfCells(Pixel, ShownGeometry());
+    image = image.scaled(image.size() * factor);
+    image.setDevicePixelRatio(ratio);
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::white);
+    painter.drawImage(QPoint(PreviewMargin, PreviewMargin), image);
+}
+
+PixelCanvas::PixelCanvas(PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent)
+    : QWidget(parent), history(pixelHistory), preview(pixelPreview)
+{
+    setObjectName(QStringLiteral("Pixel"));
+    setAccessibleName(QStringLiteral("Bildpunkte"));
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void PixelCanvas::restart()
+{
+    cursor = 1 + SymbolWidth * (SymbolHeight - 1); // top left
+    update();
+}
+
+void PixelCanvas::focusInEvent(QFocusEvent *)
+{
+    update(cellRect(cursor));
+}
+
+void PixelCanvas::focusOutEvent(QFocusEvent *)
+{
+    update(cellRect(cursor));
+}
+
+QRect PixelCanvas::cellRect(int number)
+{
+    const CellPlace place = PlaceOfCell(ShownGeometry(), number);
+    return {PixelsOfTwips(place.left), PixelsOfTwips(place.top), PixelsOfTwips(CellSize), PixelsOfTwips(CellSize)};
+}
+
+void PixelCanvas::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    for (int number = 1; number <= SymbolWidth * SymbolHeight; ++number) {
+        const QRect cell = cellRect(number);
+        if (!cell.intersects(event->rect()))
+            continue;
+        const bool dark = Pixel.at(static_cast<size_t>(number - 1)) == Black;
+        painter.fillRect(cell, dark ? Qt::black : Qt::white);
+        if (number == cursor && hasFocus()) {
+            painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+            painter.drawRect(cell.adjusted(1, 1, -1, -1));
+        }
+    }
+}
+
+void PixelCanvas::mousePressEvent(QMouseEvent *event)
+{
+    lastPosition = event->position();
+    paintAt(event->position(), event->buttons());
+}
+
+void PixelCanvas::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->buttons() == Qt::NoButton) // until the last one is released it is one stroke
+        history.end();
+}
+
+/// A fast stroke comes as a few distant positions; the cells between them are painted too.
+void PixelCanvas::mouseMoveEvent(QMouseEvent *event)
+{
+    const QPointF way = event->position() - lastPosition;
+    const int steps = 1 + static_cast<int>(way.manhattanLength() / StrokeStep);
+    for (int i = 1; i <= steps; ++i)
+        paintAt(lastPosition + way * i / steps, event->buttons());
+    lastPosition = event->position();
+}
+
+void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
+{
+    const QPointF twips = position * TwipsPerPixel;
+    const int number = CellAt(ShownGeometry(), twips.x(), twips.y());
+    if (number == 0)
+        return;
+    if (mouseButtons == Qt::LeftButton)
+        setCell(number, Black);
+    else if (mouseButtons == Qt::RightButton)
+        setCell(number, White);
+}
+
+void PixelCanvas::setCell(int number, int colour)
+{
+    history.begin();
+    Pixel.at(static_cast<size_t>(number - 1)) = colour;
+    update(cellRect(number));
+    preview.update();
+}
+
+/// By keyboard: each cell is a step of its own.
+void PixelCanvas::setCursorCell(int colour)
+{
+    history.end();
+    setCell(cursor, colour);
+    history.end();
+}
+
+void PixelCanvas::moveCursor(int columns, int rows)
+{
+    const int column = qBound(0, (cursor - 1) % SymbolWidth + columns, SymbolWidth - 1);
+    const int row = qBound(0, (cursor - 1) / SymbolWidth + rows, SymbolHeight - 1);
+    update(cellRect(cursor));
+    cursor = SymbolWidth * row + column + 1;
+    update(cellRect(cursor));
+}
+
+void PixelCanvas::keyPressEvent(QKeyEvent *event)
+{
+    if (event->modifiers().testFlag(Qt::ControlModifier)) // the window's commands
+        return QWidget::keyPressEvent(event);
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return moveCursor(-1, 0);
+    case Qt::Key_Right:
+        return moveCursor(1, 0);
+    case Qt::Key_Up:
+        return moveCursor(0, 1);
+    case Qt::Key_Down:
+        return moveCursor(0, -1);
+    case Qt::Key_Space:
+        return setCursorCell(Black);
+    case Qt::Key_Backspace:
+        return setCursorCell(White);
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
