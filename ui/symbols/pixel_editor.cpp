@@ -31,7 +31,7 @@ constexpr int ButtonHeight = 345;
 constexpr int RightMargin = 200;
 constexpr int CaptionMargin = 8; // logical pixels
 
-constexpr int ExtraGap = 2; // logical pixels above and below what stands beside or under the buttons
+constexpr int ExtraGap = 2; // logical pixels around what stands beside or under the buttons
 
 int Pixels(int twips)
 {
@@ -140,10 +140,12 @@ void PixelEditor::placeExtras(int buttonsEnd)
     const bool beside = buttonsEnd + gap + wanted.width() + gap + preview->width() + Pixels(RightMargin) <= width();
     const QRect buttonRow = buttons.at(0)->geometry();
     const int left = beside ? buttonsEnd + gap : Pixels(FirstButtonLeft);
-    const int top = (beside ? buttonRow.top() : buttonRow.bottom() + 1) + ExtraGap;
-    const int room = height() - top - ExtraGap;
-    editButton->setGeometry(left, top, wanted.width(), qMin(wanted.height(), room));
-    preview->move(left + wanted.width() + gap, top);
+    const int top = beside ? buttonRow.top() : buttonRow.bottom() + 1 + ExtraGap;
+    const int buttonHeight = beside ? buttonRow.height() : qMin(wanted.height(), height() - top - ExtraGap);
+    editButton->setGeometry(left, top, wanted.width(), buttonHeight);
+    // Never higher than that: the topmost line of the band still belongs to the cells.
+    const int previewTop = top + qMax(ExtraGap, (buttonHeight - preview->height()) / 2);
+    preview->move(left + wanted.width() + gap, previewTop);
 }
 
 /// Puts the buttons below the cells; returns the right edge of the last one in logical pixels.
