@@ -99,7 +99,7 @@ protected:
     {
         std::vector<int> all;
         const bool ofBytes = kind.occasionsAMessage > 1;
-        const int step = ofBytes ? 29 : (messages > 100 ? 11 : 1);
+        const int step = ofBytes ? 47 : (messages > 100 ? 11 : 1);
         for (int nth = 1; nth <= messages * kind.occasionsAMessage; nth += step)
             all.push_back(nth);
         return all;
