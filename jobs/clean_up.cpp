@@ -13,7 +13,9 @@ constexpr double SettleSeconds = 0.5;
 Report ClearAllLocoRecords()
 {
     Plan plan{.steps = {},
-        .progress = [](const Step &step) { return QStringLiteral("Lösche Lok ") + QString::number(step.id.number); },
+        .progress = [](const Step &step) -> QString {
+            return QStringLiteral("Lösche Lok ") + QString::number(step.id.number);
+        },
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
@@ -25,7 +27,9 @@ Report ClearAllLocoRecords()
 Report ResetFktSymbols()
 {
     Plan plan{.steps = {},
-        .progress = [](const Step &step) { return QStringLiteral("Fktsym. ") + QString::number(step.id.number); },
+        .progress = [](const Step &step) -> QString {
+            return QStringLiteral("Fktsym. ") + QString::number(step.id.number);
+        },
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};

@@ -13,7 +13,9 @@ QString Title()
 Plan LookPlan(const std::vector<DownloadedLoco> &locos)
 {
     Plan plan{.steps = {},
-        .progress = [](const Step &step) { return QStringLiteral("Prüfe Lok ") + QString::number(step.id.number); },
+        .progress = [](const Step &step) -> QString {
+            return QStringLiteral("Prüfe Lok ") + QString::number(step.id.number);
+        },
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
@@ -37,7 +39,9 @@ Step SendStep(const DownloadedLoco &loco, bool taken)
 Plan SendPlan(const std::vector<DownloadedLoco> &locos, const Report &looked)
 {
     Plan plan{.steps = {},
-        .progress = [](const Step &step) { return QStringLiteral("Sende Lok ") + QString::number(step.id.number); },
+        .progress = [](const Step &step) -> QString {
+            return QStringLiteral("Sende Lok ") + QString::number(step.id.number);
+        },
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};

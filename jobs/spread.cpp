@@ -27,8 +27,9 @@ Step SpreadStep(const LocoRecord &from, int address)
 Plan SpreadPlan(const LocoRecord &from, const std::set<int> &addresses)
 {
     Plan plan{.steps = {},
-        .progress =
-            [](const Step &step) { return QStringLiteral("Funktionen: Lok ") + QString::number(step.id.number); },
+        .progress = [](const Step &step) -> QString {
+            return QStringLiteral("Funktionen: Lok ") + QString::number(step.id.number);
+        },
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
