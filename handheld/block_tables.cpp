@@ -111,9 +111,10 @@ Outcome WriteAssignment(SpiImage &image, const Assignment &assignment, Patience 
     for (int first = 1; first <= LastAccessoryAddress;) {
         const int pageEnd = (first / FlashPageSize + 1) * FlashPageSize - 1;
         const int last = std::min(pageEnd, LastAccessoryAddress);
-        outcome.keep(ProgramPage(image, AssignmentPage(assignment, first, last), patience));
-        if (outcome.how() == End::GivenUp && first > 1)
-            return Outcome(End::NoAnswer, outcome.at()); // the pages before it are written
+        const Outcome page = ProgramPage(image, AssignmentPage(assignment, first, last), patience);
+        if (page.how() == End::GivenUp) // after the first page "nothing was written" would be untrue
+            return first == 1 ? page : Outcome(End::NoAnswer, page.at());
+        outcome.keep(page);
         if (outcome.brokenOff() || (patience == Patience::Job && !outcome.ok()))
             return outcome;
         first = last + 1;

@@ -119,7 +119,7 @@ void TellNothingWritten()
     if (BoxesAreSilent())
         return;
     TheAsk().showBox({QStringLiteral("Der Handregler hat die Speicherseite nicht geladen.\r"
-                                     "Damit die Nachbarn unversehrt bleiben, wurde nichts geschrieben."),
+                                     "Damit die Nachbarn unversehrt bleiben, wurde sie nicht geschrieben."),
         QStringLiteral("Fehler!"), BoxIcon::Critical});
 }
 
@@ -185,8 +185,10 @@ Outcome TryPage(SpiImage &image, const PageWrite &page)
 {
     if (page.loadFirst) {
         Outcome loaded = move_spibuf_to_buf1(page.address);
-        if (loaded.timedOut() && SecureLoad(page.address) != Loaded::Yes)
-            return TransferBrokenOff() ? Outcome(End::PortLost) : Outcome(End::GivenUp, loaded.at());
+        if (loaded.timedOut() && SecureLoad(page.address) != Loaded::Yes) {
+            const End brokenOff = WaitsMustEnd() ? End::ProgramEnds : End::PortLost;
+            return Outcome(TransferBrokenOff() ? brokenOff : End::GivenUp, loaded.at());
+        }
         if (loaded.brokenOff())
             return loaded;
     }
@@ -209,7 +211,8 @@ Outcome ProgramAsJob(SpiImage &image, const PageWrite &page)
     for (int repeat = 0; repeat <= JobRepeats; ++repeat) {
         const Outcome tried = TryPage(image, page);
         // Once a page program was sent and not answered the record stays doubtful, unless a later try succeeds.
-        outcome = tried.how() == End::GivenUp && outcome.how() == End::NoAnswer ? outcome : tried;
+        const bool programSent = repeat > 0 && outcome.timedOut() && outcome.how() != End::GivenUp;
+        outcome = tried.how() == End::GivenUp && programSent ? outcome : tried;
         if (!tried.timedOut() || (tried.how() == End::GivenUp && tried.at() == PageCommandName()))
             break;
     }

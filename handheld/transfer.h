@@ -36,7 +36,7 @@ constexpr int SliceSize = 20;
 constexpr int MaxSliceStart = 127;
 
 /// What happens after a time-out inside a page sequence. A single command of the user tells him and goes on with its
-/// remaining steps, as agreed. A job tries the step again and gives up before a page is programmed from a doubtful
+/// remaining steps, as agreed. A job tries the whole sequence again and gives up before a page is programmed from a doubtful
 /// buffer.
 enum class Patience { Agreed, Job };
 

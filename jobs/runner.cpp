@@ -53,19 +53,28 @@ RecordState StateOfWrite(const Outcome &outcome)
     return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
 }
 
-void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
+/// Bytes that the value does not give are sent as the image holds them.
+void WriteInto(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
 {
-    image.fill(EmptyByte); // bytes that nobody lays would otherwise be those of the record before
     entry.outcome = WriteRecord(image, entry.step.id, value, patience);
     entry.state = StateOfWrite(entry.outcome);
 }
 
+void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
+{
+    image.fill(EmptyByte); // bytes that nobody lays would otherwise be those of the record before
+    WriteInto(image, entry, value, patience);
+}
+
+/// Only locos are merged. What cannot be read or understood is not changed, and an empty record has nothing to merge
+/// with. Bytes of the record that this program does not know stay as they are.
 void Merge(SpiImage &image, JobEntry &entry, Patience patience)
 {
     Read(image, entry);
-    // What cannot be read is not changed, and an empty record has nothing to merge with.
-    if (entry.outcome.ok() && entry.state != RecordState::Empty)
-        Write(image, entry, entry.step.merge(*entry.value), patience);
+    if (entry.state != RecordState::Done)
+        return;
+    MoveToWritePosition(image, LocoRecordSize - 1);
+    WriteInto(image, entry, entry.step.merge(*entry.value), patience);
 }
 
 void AskUse(JobEntry &entry)

@@ -5,7 +5,7 @@
 //
 //   Running --RequestEnd()--> Ending --(commands have unwound)--> Leaving --> Ended
 //
-// Ending:  all waits end at once with "nothing chosen" or status 1 and without boxes; only a started page
+// Ending:  all waits end at once with "nothing chosen" or a broken-off outcome and without boxes; only a started page
 //          sequence of the dataflash is finished. No new command starts.
 // Leaving: the handheld is sent back to its operating mode; waits work again, commands do not.
 #pragma once

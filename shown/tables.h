@@ -8,7 +8,7 @@ extern Routes FsDaten;              // 0..319, see handheld/block_tables.h
 extern Assignment MagZuordDaten;    // accessory address - 1
 extern AccessoryList MagListeDaten; // 0..255
 
-// --- True after a good read since the program started: only then the window may write. Set by the windows. ---
+// --- True after a read since the program started: only then the window may write. Set by the windows. ---
 extern bool RoutesLoaded;
 extern bool MagSymZuordLoaded;
 extern bool MagListeLoaded;

@@ -320,7 +320,7 @@ int RunDownload(Download &download)
 {
     bool entered = false;
     if (const int inner = EnterDownloadMode(entered); inner != 0) {
-        if (entered) // its first request was answered: the station is in its download mode
+        if (entered) // the station acknowledged its first request: it is in its download mode
             static_cast<void>(LeaveDownloadMode());
         return WithBase(BaseEntry, inner);
     }

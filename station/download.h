@@ -5,7 +5,7 @@
 // 15, 20 and 25. docs/station-download.md tells what is asked and answered at each step.
 //
 // Status of a step: 0, or the step's base plus the inner code
-//   13    the request could not be sent within 2 s
+//   13    the request could not be sent
 //   1011  no acknowledge, or another code than the step needs
 //   1012  no answer within 2 s
 #pragma once

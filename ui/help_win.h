@@ -1,8 +1,10 @@
-// The help window: the lines of konf\hilfe.txt as a list.
+// The help window: the lines of konf\hilfe.txt as a list, with a search, copying and sizes of the letters.
 #pragma once
 
 #include "ui/widgets/leavable_window.h"
 
+class QHBoxLayout;
+class QLineEdit;
 class QListWidget;
 
 class HelpWin : public LeavableWindow
@@ -16,6 +18,21 @@ public:
     /// empty then.
     void load();
 
+protected:
+    /// Ctrl+wheel changes the size of the letters.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+    /// Enter in the search field searches on; elsewhere it presses OK.
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
+    QHBoxLayout *buildBottomRow();
+    void connectKeys();
+    void findNext();
+    void copyMarkedLines();
+    void zoom(int steps);
+
     QListWidget *helpTxt;
+    QLineEdit *searchField;
+    int normalSize; // of the letters, in points
 };

@@ -149,3 +149,31 @@ TEST_F(BlockTables, TheProgramsEndFinishesTheStartedPageOnly)
         ResetRunControl();
     }
 }
+
+/// The chip says that a page was not loaded: that page is not programmed and no further one is begun.
+TEST_F(BlockTables, AnAssignmentEndsAtAPageThatIsNotLoaded)
+{
+    Assignment twos{};
+    twos.fill(2);
+    for (const int goodPages : {0, 2}) {
+        flash().setBytes(MagZuordAddress, QByteArray(AssignmentBytes, '\x01'));
+        flash().state.buffer1.fill(0xA5);
+        int loads = 0;
+        layout().bus.onEnd = [&](const sim::BusMessage &message) {
+            const bool load = message.bytes.size() == 31 && message.bytes.at(6) == 0x53;
+            loads += load ? 1 : 0;
+            layout().faults.faults.missedRequest.probability = load && loads > goodPages ? 1 : 0;
+        };
+        user.expect(QStringLiteral("Timeout"), QStringLiteral("move_spibuf_to_buf1"));
+        user.expect(QStringLiteral("Der Handregler hat die Speicherseite nicht geladen.\r"
+                                   "Damit die Nachbarn unversehrt bleiben, wurde sie nicht geschrieben."),
+            QStringLiteral("Fehler!"));
+        const End how = WriteAssignment(image, twos, Patience::Agreed).how();
+        layout().bus.onEnd = nullptr;
+        layout().faults.set({});
+        EXPECT_EQ(how, goodPages == 0 ? End::GivenUp : End::NoAnswer);
+        EXPECT_EQ(executed(0x83), goodPages);
+        EXPECT_EQ(flashBytes(MagZuordAddress, AssignmentBytes).count('\xA5'), 0);
+        flash().state.executed = {};
+    }
+}

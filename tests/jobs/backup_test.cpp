@@ -513,3 +513,17 @@ TEST_F(BackupTest, FunctionsAreSpreadOverOtherLocosAndEmptyRecordsStayEmpty)
     EXPECT_EQ(after.locoSymbol, before.locoSymbol);
     EXPECT_EQ(flashBytes(4000 * 64, 1), QByteArray(1, '\xFF'));
 }
+
+TEST_F(BackupTest, SpreadingKeepsWhatIsUnknownAndLeavesARecordThatIsNotUnderstood)
+{
+    SpiImage image{};
+    const LocoRecord from = ReadLoco(image, 3).value;
+    flash().setBytes(8 * 64 + 21, QByteArray(7, '\x42')); // bytes of the record that nobody interprets
+    flash().setBytes(18 * 64, QByteArray(1, '\x60'));     // a name that begins with a character of no handheld
+    const QByteArray strange = flashBytes(18 * 64, 64);
+    user.expect(QStringLiteral("Funktionen geschrieben:\rLokdatensätze: 8\r\rUnsicher:\rLokdatensätze: 18"),
+        QStringLiteral("Funktionen übertragen"));
+    SpreadFunctions(from, QStringLiteral("8,18"), [](const BoxText &) { return true; });
+    EXPECT_EQ(flashBytes(8 * 64 + 21, 7), QByteArray(7, '\x42'));
+    EXPECT_EQ(flashBytes(18 * 64, 64), strange);
+}

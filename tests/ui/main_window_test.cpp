@@ -15,6 +15,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
@@ -347,6 +348,7 @@ TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)
     EXPECT_FALSE(doubt->isHidden());
     layout().faults.set({});
     const QByteArray before = flashBytes(192, 64);
+    window().findChild<QAction *>(QStringLiteral("LokKopieren"))->trigger();
     user.expect(QStringLiteral("Beim Lesen hat der Handregler nicht immer richtig geantwortet;\rder Lokdatensatz ist "
                                "vielleicht unvollständig. Soll trotzdem geschrieben werden?"),
         QStringLiteral("Achtung!"), QStringLiteral("Nein"));
@@ -356,6 +358,8 @@ TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)
     read("3");
     EXPECT_TRUE(doubt->isHidden());
     click("SchreibeLokDatensatzBut"); // without a question
+    window().findChild<QAction *>(QStringLiteral("LokEinfuegen"))->trigger();
+    EXPECT_FALSE(doubt->isHidden()) << "what was copied is as doubtful as before";
 }
 
 TEST_F(MainWindowTest, TheNameFieldTellsWhatTheHandheldDoesNotHave)
@@ -410,4 +414,34 @@ TEST_F(MainWindowTest, ARecordOrItsFunctionsAreCopiedToAnotherAddress)
         QStringLiteral("1-x"));
     user.expect(QStringLiteral("\"1-x\" ist keine Nummer und kein Bereich wie 1-5"), QStringLiteral("Fehler!"));
     act("FunktionenUebertragen");
+}
+
+TEST_F(MainWindowTest, TheHelpIsSearchedAndItsHeadingsStandOut)
+{
+    action("help_menu")->trigger();
+    QWidget *help = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets())
+        help = widget->objectName() == u"HelpWin" && widget->isVisible() ? widget : help;
+    ASSERT_NE(help, nullptr);
+    const auto *lines = help->findChild<QListWidget *>(QStringLiteral("HelpTxt"));
+    auto *search = help->findChild<QLineEdit *>(QStringLiteral("HilfeSuchTxt"));
+    EXPECT_TRUE(lines->item(0)->font().bold());
+    EXPECT_FALSE(lines->item(3)->font().bold());
+    const auto enter = [search] {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(search, &key);
+    };
+    search->setFocus();
+    search->setText(QStringLiteral("FAHRSTRA"));
+    enter();
+    ASSERT_NE(lines->currentItem(), nullptr);
+    const int first = lines->currentRow();
+    EXPECT_TRUE(lines->currentItem()->text().contains(QStringLiteral("fahrstra"), Qt::CaseInsensitive));
+    enter();
+    EXPECT_NE(lines->currentRow(), first);
+    EXPECT_TRUE(help->isVisible()) << "Enter in the search does not press OK";
+    search->setText(QStringLiteral("xyzzy"));
+    enter();
+    EXPECT_EQ(search->toolTip(), QStringLiteral("nicht gefunden"));
+    help->hide();
 }

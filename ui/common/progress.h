@@ -1,5 +1,4 @@
-// Shows a text in the progress window while it lives. Without a text the window appears with the first one that the
-// command gives itself.
+// Shows a text in the progress window while it lives.
 #pragma once
 
 #include "program/ask.h"
@@ -7,7 +6,6 @@
 class Progress
 {
 public:
-    Progress() = default;
     explicit Progress(const QString &text) { TheAsk().showProgress(text); }
     ~Progress() { TheAsk().hideProgress(); }
     Progress(const Progress &) = delete;

@@ -300,6 +300,12 @@ void LocoEditor::showRecord()
         showMemory();
 }
 
+void LocoEditor::setComplete(bool isComplete)
+{
+    complete = isComplete;
+    doubtLbl->setVisible(!complete);
+}
+
 void LocoEditor::readRecord()
 {
     const CommandOn command([this] { return adrTxt->text(); });
@@ -309,9 +315,8 @@ void LocoEditor::readRecord()
     const Outcome read = ReadLocoRecord(Val(command.shown));
     if (read.brokenOff())
         return; // half a record must not be shown, nor written later
-    complete = read.ok();
+    setComplete(read.ok());
     readAddress = Val(command.shown);
-    doubtLbl->setVisible(!complete);
     if (IsEmptyName(LokName))
         LokName = LeerName();
     showRecord();
@@ -379,6 +384,7 @@ void LocoEditor::buildContextMenu()
     };
     const auto copy = [this] {
         copied = CurrentLocoRecord();
+        copiedComplete = complete;
         hasCopy = true;
     };
     add("LokKopieren", QStringLiteral("Lokdatensatz kopieren"), copy);
@@ -402,13 +408,15 @@ void LocoEditor::paste(bool functionsOnly)
     SetCurrentLocoRecord(record);
     if (!functionsOnly)
         showName();
+    setComplete(copiedComplete && (complete || !functionsOnly)); // a doubt goes with what is copied
     showMemory();
 }
 
 void LocoEditor::spreadFunctions()
 {
-    const CommandOn command([] { return CurrentLocoRecord(); });
-    if (!command.connected())
+    const CommandOn command([this] { return shownNow(); });
+    if (!command.connected()
+        || (!command.shown.complete && !command.mayWriteDoubtful(QStringLiteral("der Lokdatensatz"))))
         return;
     const QString list =
         TheAsk().askText(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), QStringLiteral("Funktionen übertragen"));
@@ -418,8 +426,8 @@ void LocoEditor::spreadFunctions()
         TheAsk().showBox({fault, QStringLiteral("Fehler!"), BoxIcon::Critical});
         return;
     }
-    SpreadFunctions(
-        command.shown, list, [&command](const BoxText &question) { return command.confirmed(question, false); });
+    SpreadFunctions(command.shown.record, list,
+        [&command](const BoxText &question) { return command.confirmed(question, false); });
 }
 
 void LocoEditor::toggleMomentary(int row)

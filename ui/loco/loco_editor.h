@@ -44,6 +44,7 @@ private:
     };
     [[nodiscard]] Shown shownNow() const;
 
+    void setComplete(bool isComplete);
     void addressChanged();
     void nameChanged(const QString &text);
     void markName();
@@ -75,6 +76,7 @@ private:
     QLabel *doubtLbl;
     bool complete = true; // false after a read with a time-out or a damaged answer
     LocoRecord copied;    // by the context menu; valid when something was copied
+    bool copiedComplete = true;
     bool hasCopy = false;
     int readAddress = 0; // where the record in memory was read; 0 = nowhere
 };
