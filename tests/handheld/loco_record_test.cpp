@@ -59,14 +59,6 @@ TEST_F(LocoRecords, AWriteChangesItsSixtyFourBytesOnly)
     EXPECT_EQ(read.value, wanted);
 }
 
-TEST_F(LocoRecords, RecordsLieAtSixtyFourTimesTheirAddress)
-{
-    for (const auto &[loco, address] : {std::pair(1, 64), std::pair(8, 512), std::pair(9999, 639936)}) {
-        EXPECT_TRUE(write(loco, someRecord()).ok());
-        EXPECT_EQ(flashBytes(address, 4), QByteArray("\x15\x18\x14\x27", 4));
-    }
-}
-
 TEST_F(LocoRecords, AnEmptyRecordIsReadWithOneSlice)
 {
     const Result<LocoRecord> read = ReadLoco(image, 500);

@@ -14,11 +14,6 @@ TEST(Text, ValReadsLeadingDigitsOnly)
         EXPECT_EQ(Val(QString::fromUtf8(text)), value) << text;
 }
 
-TEST(Text, UpperLatin1KeepsWhatHasNoCapital)
-{
-    EXPECT_EQ(UpperLatin1(QStringLiteral("azäöüéþß÷ÿ|ž")), QStringLiteral("AZÄÖÜÉÞß÷ÿ|ž"));
-}
-
 TEST(Text, PortTextsNameDevices)
 {
 #ifdef Q_OS_WIN

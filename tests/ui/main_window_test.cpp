@@ -240,18 +240,6 @@ TEST_F(MainWindowTest, OptionsAskFirst)
     EXPECT_FALSE(HandreglerGefunden);
 }
 
-TEST_F(MainWindowTest, ProgramInformation)
-{
-    user.acceptAnyBox();
-    trigger("proginfo_menu");
-    const QStringList lines = user.boxes.constFirst().split(u'\r');
-    ASSERT_EQ(lines.size(), 5);
-    EXPECT_TRUE(user.boxes.constFirst().startsWith(TheBranding().progInfoTitle + u':'));
-    EXPECT_EQ(lines.at(1), QString(28, u' '));
-    EXPECT_EQ(lines.at(2), TheBranding().progInfoLine);
-    EXPECT_EQ(lines.at(3), QStringLiteral("                         Version 1.0.0        "));
-}
-
 TEST_F(MainWindowTest, AWriteTakesTheRecordAtTheClick)
 {
     read("3");

@@ -104,20 +104,6 @@ TEST_F(BackupWindows, TheSelectionIsCheckedKeptAndUsed)
     EXPECT_FALSE(user.progressVisible);
 }
 
-TEST_F(BackupWindows, EverythingIsChosenWithOneButton)
-{
-    expectSaveDialog();
-    inSelection([] {
-        pressIn("SicherungWin", "AllesBut");
-        EXPECT_TRUE(okPossible());
-        for (const char *name : {"LokSucheChk", "AlleLokSymChk", "FSdatenChk", "MagSymZuordChk", "MagListeChk"})
-            EXPECT_TRUE(check(name)->isChecked()) << name;
-        pressIn("SicherungWin", "CancelButton");
-    });
-    trigger("datenlesen_menu");
-    EXPECT_EQ(user.proposal, QStringLiteral("Handregler 2026-11-23.dds"));
-}
-
 TEST_F(BackupWindows, CancellingDoesNothing)
 {
     user.expect(QStringLiteral("*.dds"), TheBranding().saveDialogTitle);
