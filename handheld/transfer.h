@@ -36,8 +36,8 @@ constexpr int SliceSize = 20;
 constexpr int MaxSliceStart = 127;
 
 /// What happens after a time-out inside a page sequence. A single command of the user tells him and goes on with its
-/// remaining steps, as agreed. A job tries the whole sequence again and gives up before a page is programmed from a doubtful
-/// buffer.
+/// remaining steps, as agreed. A job tries the whole sequence again and gives up before a page is programmed from
+/// a doubtful buffer.
 enum class Patience { Agreed, Job };
 
 /// Reads count flash bytes from a byte address into the handheld's buffer, from index 8 on. Index 8 + count - 1

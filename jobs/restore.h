@@ -26,9 +26,9 @@ struct RestoreOffer {
 /// The steps that write these records.
 Plan RestorePlan(const std::vector<DdsRecord> &records);
 
-/// Time-outs are shown ("Timeout" box) and the sequence of the page is tried again; a page is never programmed from a doubtful buffer,
-/// and a handheld that answers no more ends the job. The user can stop it between two records. Bytes of a loco
-/// record that the backup does not hold are written as erased (0xFF).
+/// Time-outs are shown ("Timeout" box) and the sequence of the page is tried again; a page is never programmed from a
+/// doubtful buffer, and a handheld that answers no more ends the job. The user can stop it between two records. Bytes
+/// of a loco record that the backup does not hold are written as erased (0xFF).
 [[nodiscard]] RestoreOutcome Restore(const std::vector<DdsRecord> &records);
 
 /// Tells the user what was written, or what went differently: stop, lost port, doubtful records, and exactly which

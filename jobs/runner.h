@@ -36,7 +36,8 @@ struct Watcher {
 /// Runs the steps with their progress, which is gone at the end. Between two of them events run, and the user may stop
 /// through the progress window (StoppableJob).
 /// Time-outs are told by their "Timeout" boxes. A job that writes and gets no answer any more ends (NoAnswer): its
-/// records would cost a box and two seconds each. A record that could not be written before its page was programmed is untouched.
+/// records would cost a box and two seconds each. A record that could not be written before its page was programmed is
+/// untouched.
 [[nodiscard]] Report RunJob(const Plan &plan, const Watcher &watcher = {});
 
 /// Those of a state, in order.

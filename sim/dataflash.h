@@ -7,7 +7,8 @@
 //   0x83  A23-16 A15-8 x                                  buffer 1 to page with built-in erase
 //   0x60  A23-16 A15-8 x                                  compare page with buffer 1; the result stands in the status
 //   0xD7  status out...                                   bit 7 = ready, bit 6 = page and buffer differed, 0x34 = size
-// While the chip is busy it ignores commands, except for the status. Where it drives no data its output floats high and reads 0xFF.
+// While the chip is busy it ignores commands, except for the status. Where it drives no data its
+// output floats high and reads 0xFF.
 #pragma once
 
 #include <QByteArray>

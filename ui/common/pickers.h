@@ -64,7 +64,8 @@ private:
 /// NothingChosen after a cancel, the close box, Escape or the end of the program. The caller holds the busy scope.
 int PickSymbol(SymbolKind kind, int presentNumber);
 
-/// Writes a number's row anew after its file changed, with -1 all rows; no effect while the picker has never been opened.
+/// Writes a number's row anew after its file changed, with -1 all rows; no effect while the picker has never been
+/// opened.
 void RefreshPickerRow(SymbolKind kind, int number);
 
 /// Destroys the picker windows.

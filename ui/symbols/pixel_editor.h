@@ -1,8 +1,8 @@
 // The window "PixelEdit": the user paints the picture in SpiBuf pixel by pixel, loads it from a BMP file or saves it.
 //
 // Left button black, right button white. Keyboard: arrows move a cursor, Space sets, Backspace clears. Painting
-// changes only the cells; OK and every other way of closing copy them to SpiBuf. Loading changes SpiBuf at once. Whatever
-// changes the picture can be taken back until the window is left.
+// changes only the cells; OK and every other way of closing copy them to SpiBuf. Loading changes SpiBuf at once.
+// Whatever changes the picture can be taken back until the window is left.
 #pragma once
 
 #include "handheld/picture.h"
@@ -61,8 +61,8 @@ private:
     std::array<QPushButton *, 4> buttons{};
 };
 
-/// Lets the user edit a picture in the pixel editor, which is made on first use, and waits until he is done. Returns the
-/// edited picture with as many bytes and its size bytes laid. The caller holds the busy scope.
+/// Lets the user edit a picture in the pixel editor, which is made on first use, and waits until he is done. Returns
+/// the edited picture with as many bytes and its size bytes laid. The caller holds the busy scope.
 [[nodiscard]] Picture EditPicture(const Picture &picture);
 
 /// Destroys the editor window.

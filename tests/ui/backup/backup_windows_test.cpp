@@ -114,6 +114,9 @@ TEST_F(BackupWindows, CancellingDoesNothing)
         expectSaveDialog();
         inSelection([&] {
             trigger("datenschreiben_menu"); // ignored: one command runs
+            pressIn("SicherungWin", "AllesBut");
+            for (const char *name : {"LokSucheChk", "AlleLokSymChk", "FSdatenChk", "MagSymZuordChk", "MagListeChk"})
+                EXPECT_TRUE(okPossible() && check(name)->isChecked()) << name;
             way();
         });
         trigger("datenlesen_menu");
