@@ -1,9 +1,12 @@
-// Prints what every kind of transfer costs: messages, simulated time at the 50 ms cadence, the pure line time of the
-// same bytes, and the CPU time of program and simulation together.
+// Prints what every kind of transfer costs, at both cadences: messages, simulated time, the limit (the line times of the
+// messages, the answer times of the handheld, and in the fast cadence the rests after page programs) with the ratio to
+// it, and the CPU time of program and simulation together.
 
 #include "handheld/discovery.h"
 #include "handheld/options.h"
 #include "handheld/record_kinds.h"
+#include "jobs/backup.h"
+#include "link/cadence.h"
 #include "tests/support/virtual_world.h"
 
 #include <cstdio>
@@ -12,8 +15,8 @@
 namespace
 {
 
-constexpr double LongMessageMs = 31 * 0.6;
-constexpr double ShortMessageMs = 4 * 0.6;
+constexpr double RestMs = 60; // after each page program, in the fast cadence
+constexpr int ProgramOpcode = 0x83;
 
 struct Kind {
     const char *name;
@@ -59,29 +62,88 @@ std::vector<Kind> Kinds()
 class Bench : public VirtualWorld
 {
 protected:
+    void SetUp() override
+    {
+        connectDirectly();
+        flash().setBytes(192, QByteArray(64, '\x0A'));
+        events.limitSeconds = 1e9;
+    }
+
+    /// From the start of each request on the bus to the end of what answers it.
+    double exchangeMs()
+    {
+        qint64 us = 0;
+        qint64 start = 0;
+        for (const sim::BusMessage &message : layout().bus.log) {
+            if (message.sender == sim::Sender::Pc)
+                start = message.startUs;
+            else
+                us += message.endUs() - start;
+        }
+        return static_cast<double>(us) / 1000;
+    }
+
     void measure(const Kind &kind)
     {
         layout().bus.log.clear();
         const int ticks = events.ticks;
+        const int programs = executed(ProgramOpcode);
         const qint64 start = events.nowUs;
         const std::clock_t cpu = std::clock();
         kind.run();
         const double cpuMs = 1000.0 * static_cast<double>(std::clock() - cpu) / CLOCKS_PER_SEC;
-        double lineMs = 0;
-        for (const sim::BusMessage &message : layout().bus.log)
-            lineMs += message.bytes.size() == 31 ? LongMessageMs : ShortMessageMs;
+        const int programmed = executed(ProgramOpcode) - programs;
+        const bool fast = CurrentCadence() == Cadence::Events;
+        if (fast && programmed > 0) // the last rest belongs to it
+            events.run(RestMs / 1000);
+        const double limitMs = exchangeMs() + (fast ? RestMs * programmed : 0);
         const double timeMs = static_cast<double>(events.nowUs - start) / 1000;
         const int requests = messagesOnBus(0xED);
-        std::printf("%-20s %4d messages %8.0f ms %8.1f ms line  ratio %4.1f  %4.2f ticks a message  %6.2f ms CPU\n",
-            kind.name, requests, timeMs, lineMs, timeMs / lineMs,
-            static_cast<double>(events.ticks - ticks) / requests, cpuMs);
+        std::printf("%-24s %6d messages %9.0f ms  limit %9.0f ms  ratio %5.2f  %4.2f ticks a message  CPU %5.2f %%\n",
+            kind.name, requests, timeMs, limitMs, timeMs / limitMs,
+            static_cast<double>(events.ticks - ticks) / requests, 100 * cpuMs / timeMs);
+    }
+
+    void measureAll()
+    {
+        for (const Kind &kind : Kinds())
+            measure(kind);
     }
 };
 
-TEST_F(Bench, Transfers)
+/// Runs a backup of what the selection names, as a transfer of its own.
+Kind BackupOf(const char *name, const QString &folder, const BackupSelection &selection)
 {
-    connectDirectly();
-    flash().setBytes(192, QByteArray(64, '\x0A'));
-    for (const Kind &kind : Kinds())
-        measure(kind);
+    return {name, [=] { static_cast<void>(Backup(folder + QStringLiteral("/bench.dds"), selection)); }};
+}
+
+TEST_F(Bench, Ticks)
+{
+    measureAll();
+}
+
+TEST_F(Bench, Events)
+{
+    ChooseCadence(Cadence::Events);
+    measureAll();
+}
+
+TEST_F(Bench, LongJobsInEvents)
+{
+    ChooseCadence(Cadence::Events);
+    user.acceptAnyBox();
+    BackupSelection search;
+    search.lokSuche = true;
+    search.lokSucheStart = 10;
+    search.lokSucheStop = 9999;
+    measure(BackupOf("search 10-9999", folder.path(), search));
+    BackupSelection symbols;
+    symbols.magSymZuord = true;
+    for (const auto kind : {LokSymbolList, FktSymbolList, MagSymbolList})
+        symbols.numbered.at(kind) = {true, true, {}};
+    measure(BackupOf("all symbols, assignment", folder.path(), symbols));
+    flash().setBytes(64, QByteArray(64 * 9999, '\x0A'));
+    BackupSelection locos;
+    locos.numbered.at(LokDatenList) = {true, false, QStringLiteral("1-9999")};
+    measure(BackupOf("read locos 1-9999", folder.path(), locos));
 }

@@ -128,7 +128,11 @@ Result<HandheldInfo> ReadHandheldInfo()
 {
     Request request = Request::toHandheld();
     request.bytes.at(10) = 0x30;
-    const auto answer = ExchangeForReadBack(request);
+    Result<std::array<int, 20>> answer;
+    answer.outcome = RunStep([&] {
+        answer = ExchangeForReadBack(request);
+        return answer.outcome;
+    });
     if (answer.outcome.timedOut() && !BoxesAreSilent())
         TheAsk().showBox({QStringLiteral("Timeout"), QStringLiteral("read_spibuf"), BoxIcon::Critical});
     if (!answer.ok() && answer.outcome.how() != End::Damaged)
@@ -143,11 +147,14 @@ QString ReadHandheldText(int block, int number)
 {
     SpiImage image{};
     const int address = TextTableAddress + block * TextBlockSize + number * TextEntrySize;
-    Outcome outcome = read_flash_to_spibuf(address, TextEntrySize);
-    for (const int start : {0, SliceSize}) {
-        if (outcome.ok())
-            outcome = read_spibuf(image, start);
-    }
+    Outcome outcome = RunStep([&] {
+        Outcome read = read_flash_to_spibuf(address, TextEntrySize);
+        for (const int start : {0, SliceSize}) {
+            if (read.ok())
+                read = read_spibuf(image, start);
+        }
+        return read;
+    });
     const int length = image.at(ReadPosition);
     if (!outcome.ok() || length >= TextLengthLimit)
         return {};

@@ -18,6 +18,12 @@ constexpr int BitsPerByte = 8;
 constexpr int LastSlice = 60;
 constexpr int ExecuteLength = WritePosition + LocoRecordSize;
 
+/// Where the first byte of a neighbour's record lies after one flash read of all three.
+int FirstByteIndex(size_t neighbour)
+{
+    return ReadPosition + static_cast<int>(neighbour) * LocoRecordSize;
+}
+
 size_t ModeByte(size_t function)
 {
     return OffsetModes + function / BitsPerByte;
@@ -93,10 +99,13 @@ QString FitLocoName(const QString &name)
 
 Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
 {
-    Outcome outcome = read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize);
-    outcome.keep(ReadSlices(image, 0, 0));
-    if (image.at(ReadPosition) != EmptyByte)
-        outcome.keep(ReadSlices(image, SliceSize, LastSlice));
+    Outcome outcome = RunStep([&] {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize);
+        read.keep(ReadSlices(image, 0, 0));
+        if (image.at(ReadPosition) != EmptyByte)
+            read.keep(ReadSlices(image, SliceSize, LastSlice));
+        return read;
+    });
     return {DecodeLoco(BytesAt(image, ReadPosition)), outcome};
 }
 
@@ -114,8 +123,24 @@ Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
 Result<bool> LocoIsUsed(int locoNumber)
 {
     SpiImage image{};
-    Outcome outcome = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
-    if (outcome.ok())
-        outcome = read_spibuf(image, 0);
+    Outcome outcome = RunStep([&] {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
+        return read.ok() ? read_spibuf(image, 0) : read;
+    });
     return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
+}
+
+Result<NeighbourUse> NeighboursUsed(int firstLoco)
+{
+    SpiImage image{};
+    Outcome outcome = RunStep([&] {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(firstLoco), LongestRead);
+        for (size_t i = 0; i < Neighbours && read.ok(); ++i)
+            read = read_spibuf(image, FirstByteIndex(i) / SliceSize * SliceSize);
+        return read;
+    });
+    NeighbourUse use{};
+    for (size_t i = 0; i < Neighbours; ++i)
+        use.at(i) = image.at(static_cast<size_t>(FirstByteIndex(i))) != EmptyByte;
+    return {use, outcome};
 }

@@ -1,5 +1,6 @@
 #include "handheld/transfer.h"
 
+#include "link/cadence.h"
 #include "link/exchange.h"
 #include "platform/world.h"
 #include "program/ask.h"
@@ -28,9 +29,34 @@ constexpr int PageCommandLength = 4; // opcode, address
 constexpr int StatusCommandLength = 2;
 constexpr int LastReadableIndex = MaxSliceStart + SliceSize - 1;
 
-constexpr int LoadRepeats = 2; // after the first load
-constexpr int StatusLooks = 5; // until the chip is ready; it compares in less than a millisecond
-constexpr int JobRepeats = 1;  // of a whole page sequence
+constexpr int LoadRepeats = 2;                   // after the first load
+constexpr int StatusLooks = 5;                   // until the chip is ready; it compares in less than a millisecond
+constexpr int JobRepeats = 1;                    // of a whole page sequence
+constexpr double RestAfterProgramSeconds = 0.06; // in the fast cadence; at three ticks a message it comes by itself
+
+int quietSteps = 0; // QuietStep objects alive
+
+/// A try that is repeated when it fails: it ends at its first failure and tells nobody.
+class QuietStep
+{
+public:
+    QuietStep() { ++quietSteps; }
+    ~QuietStep() { --quietSteps; }
+    QuietStep(const QuietStep &) = delete;
+    QuietStep &operator=(const QuietStep &) = delete;
+};
+
+Outcome Quietly(const std::function<Outcome()> &step)
+{
+    const QuietStep quiet;
+    return step();
+}
+
+/// A quiet try whose first failure is enough.
+bool HasFailed(const Outcome &outcome)
+{
+    return quietSteps > 0 && !outcome.ok();
+}
 
 void LayStartIndex(Request &request, int start)
 {
@@ -61,7 +87,7 @@ Outcome Told(const Outcome &outcome, const QString &command)
     if (outcome.ok())
         return outcome;
     if (outcome.timedOut()) {
-        if (!BoxesAreSilent())
+        if (!BoxesAreSilent() && quietSteps == 0)
             TheAsk().showBox({QStringLiteral("Timeout"), command, BoxIcon::Critical});
         AbandonPageSequence();
     }
@@ -133,11 +159,12 @@ void LayPart(SpiImage &image, const PagePart &part)
     std::copy(part.data.begin(), part.data.end(), image.begin() + WritePosition);
 }
 
-/// Stores the slices and lets the last one start the execution. Goes on after a time-out.
+/// Stores the slices and lets the last one start the execution. Goes on after a time-out. The last one is never
+/// repeated alone: clocking through the chip leaves the chip's answer in the handheld's buffer.
 Outcome WriteSlices(const SpiImage &image, const PagePart &part)
 {
     Outcome outcome;
-    for (int start = 0; start <= part.lastSlice; start += SliceSize)
+    for (int start = 0; start <= part.lastSlice && !HasFailed(outcome); start += SliceSize)
         outcome.keep(write_to_spibuf(image, start, start == part.lastSlice ? part.executeLength : 0));
     return outcome;
 }
@@ -180,7 +207,7 @@ Outcome ProgramAsAgreed(SpiImage &image, const PageWrite &page)
     return outcome;
 }
 
-/// One try of a job: a page is programmed only when every step before it was answered.
+/// One try of a job, or in the fast cadence: a page is programmed only when every step before it was answered.
 Outcome TryPage(SpiImage &image, const PageWrite &page)
 {
     if (page.loadFirst) {
@@ -260,7 +287,10 @@ Outcome move_spibuf_to_buf1(int address)
 
 Outcome write_buf1_to_flash(int address)
 {
-    return AskChip(PageCommand(ChipProgramPage, address), PageCommandName());
+    Outcome programmed = AskChip(PageCommand(ChipProgramPage, address), PageCommandName());
+    if (CurrentCadence() == Cadence::Events)
+        RestLine(RestAfterProgramSeconds);
+    return programmed;
 }
 
 Result<bool> PageEqualsBuffer1(int address)
@@ -280,17 +310,34 @@ Result<bool> PageEqualsBuffer1(int address)
 Outcome ReadSlices(SpiImage &image, int first, int last)
 {
     Outcome outcome;
-    for (int start = first; start <= last; start += SliceSize)
+    for (int start = first; start <= last && !HasFailed(outcome); start += SliceSize)
         outcome.keep(read_spibuf(image, start));
     return outcome;
 }
 
+Outcome RunStep(const std::function<Outcome()> &step, const std::function<Outcome()> &lastTry)
+{
+    if (CurrentCadence() == Cadence::Ticks || quietSteps > 0)
+        return quietSteps > 0 ? step() : (lastTry ? lastTry() : step());
+    for (int repeat = 0; repeat <= 1; ++repeat) {
+        Outcome outcome = Quietly(step);
+        if (!outcome.timedOut() || BoxesAreSilent())
+            return outcome;
+        DropUnansweredMessage();
+    }
+    FallBackToTicks();
+    return lastTry ? lastTry() : step();
+}
+
 Outcome ReadFlash(SpiImage &image, int address, int n)
 {
-    Outcome outcome = read_flash_to_spibuf(address, n);
-    const int lastIndex = ReadPosition + n - 1;
-    outcome.keep(ReadSlices(image, 0, lastIndex / SliceSize * SliceSize));
-    return outcome;
+    return RunStep([&] {
+        Outcome outcome = read_flash_to_spibuf(address, n);
+        const int lastIndex = ReadPosition + n - 1;
+        if (!HasFailed(outcome))
+            outcome.keep(ReadSlices(image, 0, lastIndex / SliceSize * SliceSize));
+        return outcome;
+    });
 }
 
 void MoveToWritePosition(SpiImage &image, int lastIndex)
@@ -302,7 +349,16 @@ void MoveToWritePosition(SpiImage &image, int lastIndex)
 Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience)
 {
     const PageSequence sequence;
-    return patience == Patience::Job ? ProgramAsJob(image, page) : ProgramAsAgreed(image, page);
+    Outcome doubt; // of a page program that was sent and not answered
+    const auto fast = [&] {
+        Outcome tried = TryPage(image, page);
+        if (tried.timedOut() && tried.how() != End::GivenUp)
+            doubt = tried;
+        return tried;
+    };
+    Outcome outcome = RunStep(
+        fast, [&] { return patience == Patience::Job ? ProgramAsJob(image, page) : ProgramAsAgreed(image, page); });
+    return outcome.how() == End::GivenUp && !doubt.ok() ? doubt : outcome;
 }
 
 bool TransferBrokenOff()

@@ -18,11 +18,15 @@
 //
 // Every command is one message (see link/exchange.h). A time-out shows a box "Timeout" (critical) titled with the
 // command's name; without a box it ends when the port is lost, when the program ends, and with the outcome Damaged.
+//
+// In the fast cadence (link/cadence.h) a step is what can be repeated from its beginning without harm, also when the
+// handheld was restarted in the middle of it: a flash read with all its slices, or a whole page sequence.
 #pragma once
 
 #include "program/outcome.h"
 
 #include <array>
+#include <functional>
 #include <vector>
 
 /// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. A sequence works on an image that
@@ -39,6 +43,8 @@ constexpr int MaxSliceStart = 127;
 /// remaining steps, as agreed. A job tries the whole sequence again and gives up before a page is programmed from
 /// a doubtful buffer.
 enum class Patience { Agreed, Job };
+
+constexpr int LongestRead = 139; // flash bytes of one read that read-backs can reach
 
 /// Reads count flash bytes from a byte address into the handheld's buffer, from index 8 on. Index 8 + count - 1
 /// must not exceed 146, the last byte a read-back can reach.
@@ -60,6 +66,10 @@ Outcome write_buf1_to_flash(int address);
 
 /// Asks the chip whether a page and buffer 1 are equal. Shows no box.
 Result<bool> PageEqualsBuffer1(int address);
+
+/// Runs a step. In Ticks it is `lastTry` (without one: the step), with its boxes. In the fast cadence the step is tried
+/// without boxes, repeated once after a time-out, and after another one the connection falls back to Ticks.
+Outcome RunStep(const std::function<Outcome()> &step, const std::function<Outcome()> &lastTry = nullptr);
 
 /// Reads n bytes (1..128) at a flash address into image[8 ..]: one flash read, then the slices that cover them.
 /// Goes on after a time-out; the outcome is the first failure.

@@ -46,7 +46,7 @@ void AddLocos(Plan &plan, const BackupSelection &selection)
         return;
     for (int n = qMax(selection.lokSucheStart, FirstLoco); n <= qMin(selection.lokSucheStop, LastLoco); ++n) {
         if (!done.test(static_cast<size_t>(n)))
-            AddStep(plan, KindLoco, n);
+            plan.steps.push_back({StepKind::Search, {KindLoco, n}, {}, {}});
     }
 }
 

@@ -10,6 +10,7 @@
 
 enum class StepKind {
     Read,   // the record's value
+    Search, // the same for one of many loco records of which most hold nothing
     IsUsed, // whether a loco record holds a loco, with two messages
     Write,  // the step's value
     Merge,  // what stands there is read, changed by `merge` and written; an empty record is left alone

@@ -2,6 +2,7 @@
 
 #include "handheld/backup/selection.h"
 #include "jobs/report.h"
+#include "link/cadence.h"
 
 #include <QDir>
 
@@ -34,7 +35,7 @@ QString DurationOf(const std::vector<DdsRecord> &records)
     int messages = 0;
     for (const DdsRecord &record : records)
         messages += KindOf(record.id.kind).writeMessages;
-    return DurationText(messages * SecondsPerMessage);
+    return DurationText(messages * SecondsPerMessage());
 }
 
 BoxText Question(const QString &fileName, const std::vector<DdsRecord> &records)

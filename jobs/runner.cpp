@@ -1,5 +1,6 @@
 #include "jobs/runner.h"
 
+#include "link/cadence.h"
 #include "link/open_link.h"
 #include "platform/world.h"
 #include "program/ask.h"
@@ -87,10 +88,39 @@ void AskUse(JobEntry &entry)
         entry.state = used.value ? RecordState::Done : RecordState::Empty;
 }
 
-void RunStep(SpiImage &image, JobEntry &entry, Patience patience)
+/// What is known of three neighbours that were asked together.
+struct KnownUse {
+    int first = 0;
+    NeighbourUse used{};
+
+    [[nodiscard]] bool holds(int number) const { return first != 0 && number >= first && number - first < Span; }
+    [[nodiscard]] bool at(int number) const { return used.at(static_cast<size_t>(number - first)); }
+    static constexpr int Span = static_cast<int>(Neighbours);
+};
+
+/// In the fast cadence neighbours are asked together. True when that said what the step wants to know.
+bool KnownFromNeighbours(KnownUse &known, JobEntry &entry, bool neighbourFollows)
+{
+    if (CurrentCadence() == Cadence::Ticks || entry.step.id.kind != KindLoco)
+        return false;
+    const int number = entry.step.id.number;
+    if (!known.holds(number)) {
+        if (!neighbourFollows)
+            return false;
+        const auto asked = NeighboursUsed(number);
+        known = {asked.ok() ? number : 0, asked.value};
+    }
+    if (!known.holds(number) || (known.at(number) && entry.step.kind == StepKind::Search))
+        return false;
+    entry.state = known.at(number) ? RecordState::Done : RecordState::Empty;
+    return true;
+}
+
+void CarryOut(SpiImage &image, JobEntry &entry, Patience patience)
 {
     switch (entry.step.kind) {
     case StepKind::Read:
+    case StepKind::Search:
         return Read(image, entry);
     case StepKind::IsUsed:
         return AskUse(entry);
@@ -104,6 +134,17 @@ void RunStep(SpiImage &image, JobEntry &entry, Patience patience)
         return;
     }
     Q_UNREACHABLE();
+}
+
+bool IsLook(const Step &step)
+{
+    return step.kind == StepKind::Search || step.kind == StepKind::IsUsed;
+}
+
+bool NeighbourFollows(const Plan &plan, size_t index)
+{
+    return index + 1 < plan.steps.size() && IsLook(plan.steps.at(index + 1))
+        && plan.steps.at(index + 1).id.number == plan.steps.at(index).id.number + 1;
 }
 
 /// A single record needs no bar.
@@ -120,7 +161,7 @@ bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
 {
     if (outcome.ok())
         return false;
-    const bool writes = step.kind != StepKind::Read && step.kind != StepKind::IsUsed;
+    const bool writes = step.kind != StepKind::Read && !IsLook(step);
     return plan.endsAtFailure || (writes && plan.patience == Patience::Job && outcome.timedOut());
 }
 
@@ -134,6 +175,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
         teller.emplace();
     Report report;
     SpiImage image{};
+    KnownUse known;
     const double start = NowSeconds();
     bool brokenOff = false;
     for (const Step &step : plan.steps) {
@@ -146,7 +188,8 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
         ShowAmount(index, plan.steps.size(), start);
         if (watcher.begins)
             watcher.begins(step, index, plan.steps.size());
-        RunStep(image, entry, plan.patience);
+        if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
+            CarryOut(image, entry, plan.patience);
         if (watcher.finished)
             watcher.finished(entry);
         brokenOff = entry.outcome.brokenOff() || EndsJob(plan, step, entry.outcome);

@@ -1,5 +1,6 @@
 #include "link/exchange.h"
 
+#include "link/cadence.h"
 #include "platform/world.h"
 #include "program/run_control.h"
 
@@ -96,8 +97,18 @@ Outcome LayWhenFree(const LocoNetMessage &message, int lastIndex)
 
 Outcome ExchangeForAck(const Request &request)
 {
-    Outcome laid = SendOnly(request);
-    return laid.ok() ? AwaitAck() : laid;
+    const double start = NowSeconds();
+    Outcome outcome = SendOnly(request);
+    if (outcome.ok())
+        outcome = AwaitAck();
+    if (outcome.ok())
+        TakeMeasurement(SecondsSince(start));
+    return outcome;
+}
+
+void RestLine(double seconds)
+{
+    quietUntil = qMax(quietUntil, NowSeconds() + seconds);
 }
 
 Outcome AwaitAck()
@@ -108,11 +119,15 @@ Outcome AwaitAck()
 
 Result<std::array<int, 20>> ExchangeForReadBack(const Request &request)
 {
+    const double start = NowSeconds();
     if (Outcome laid = LayWhenFree(Packed(request), TransferLastIndex); !laid.ok())
         return {{}, laid};
+    // In the fast cadence the message has left already, but its answer needs an event that has not run yet.
     SpiReadDone = 0;
     SpiReadWanted = true;
     Outcome outcome = AwaitOwnAnswer([] { return SpiReadDone == 1; });
+    if (outcome.ok())
+        TakeMeasurement(SecondsSince(start));
     if (outcome.ok() && !SpiReadSound)
         outcome = Outcome(End::Damaged);
     return {SpiReadData, outcome};

@@ -27,8 +27,11 @@ struct Request {
 /// (another code came, then nothing more), PortLost, ProgramEnds.
 Outcome ExchangeForAck(const Request &request);
 
-/// Sends a request and awaits 20 bytes of the handheld's buffer. After a failure the value is not to be used, except
-/// with the outcome Damaged: then it is what came, with a wrong checksum.
+/// Leaves the line alone for so long before the next request.
+void RestLine(double seconds);
+
+/// Sends a request and awaits 20 bytes of the handheld's buffer. After a failure the value is not to be used,
+/// except with the outcome Damaged: then it is what came, with a wrong checksum.
 Result<std::array<int, 20>> ExchangeForReadBack(const Request &request);
 
 /// The two halves of ExchangeForAck: done as soon as the request is laid, and the wait for its acknowledge.

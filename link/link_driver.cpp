@@ -1,32 +1,86 @@
 #include "link/link_driver.h"
 
+#include "link/cadence.h"
 #include "link/message_layer.h"
 #include "link/open_link.h"
 #include "platform/world.h"
+#include "program/run_control.h"
 
 namespace
 {
 constexpr int MainTimerMs = 50; // sends one message, dispatches one message
 constexpr int Timer1Ms = 100;   // looks for received bytes
+constexpr int SlowTimerMs = 250;
+constexpr double IdleSeconds = 1;
 } // namespace
 
 LinkDriver::LinkDriver()
-    : mainTimer(TheEvents().every(MainTimerMs,
-        [] {
-            // In this order: a message that is laid in answer to a dispatched one leaves at the next tick.
-            SendTask();
-            DispatchTask();
-        }))
-    , timer1(TheEvents().every(Timer1Ms, ReceiveBytes))
 {
     Comm().onReceive = ReceiveBytes;
     Comm().onHangUp = HandlePortLoss;
+    OnLinkWork([this] { work(); });
 }
 
 LinkDriver::~LinkDriver()
 {
-    TheEvents().stop(mainTimer);
-    TheEvents().stop(timer1);
+    stopTimers();
+    OnLinkWork(nullptr);
     Comm().onReceive = nullptr;
     Comm().onHangUp = nullptr;
+}
+
+void LinkDriver::work()
+{
+    lastWork = NowSeconds();
+    if (CurrentCadence() == Cadence::Ticks) {
+        runTimers(MainTimerMs);
+        return;
+    }
+    runTimers(SlowTimerMs);
+    handleAll();
+}
+
+/// Whole bursts in their order. Handling a message may lay another one, which comes back here.
+void LinkDriver::handleAll()
+{
+    if (handling)
+        return;
+    handling = true;
+    while (!RxEmpty)
+        DispatchTask();
+    if (TxLen != -1 && !TxWaitEcho)
+        SendTask();
+    handling = false;
+}
+
+void LinkDriver::runTimers(int intervalMs)
+{
+    if (mainTimer && mainIntervalMs == intervalMs)
+        return;
+    stopTimers();
+    mainIntervalMs = intervalMs;
+    mainTimer = TheEvents().every(intervalMs, [this] {
+        // In this order: a message that is laid in answer to a dispatched one leaves at the next tick.
+        SendTask();
+        DispatchTask();
+        stopWhenIdle();
+    });
+    timer1 = TheEvents().every(qMax(intervalMs, Timer1Ms), ReceiveBytes);
+}
+
+void LinkDriver::stopTimers()
+{
+    for (auto *timer : {&mainTimer, &timer1}) {
+        if (*timer)
+            TheEvents().stop(**timer);
+        timer->reset();
+    }
+}
+
+void LinkDriver::stopWhenIdle()
+{
+    if (TxLen != -1 || !RxEmpty)
+        lastWork = NowSeconds();
+    if (SecondsSince(lastWork) > IdleSeconds)
+        stopTimers();
 }

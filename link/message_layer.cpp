@@ -1,5 +1,6 @@
 #include "link/message_layer.h"
 
+#include "link/cadence.h"
 #include "link/link_state.h"
 #include "platform/world.h"
 #include "program/ask.h"
@@ -57,6 +58,13 @@ double ctsStart = 0;
 int transmission = 0;            // counts transmissions, so that a stale CTS poll ends itself
 bool lateAnswerPossible = false; // the last awaited answer never came
 std::function<void(const Traffic &)> trafficTap;
+std::function<void()> linkWork;
+
+void TellWork()
+{
+    if (linkWork)
+        linkWork();
+}
 
 size_t Index(int i)
 {
@@ -148,6 +156,12 @@ bool ChecksumRight(std::span<const quint8> bytes)
     return sum == 0xFF;
 }
 
+std::span<const quint8> WholeMessage(const LocoNetMessage &message)
+{
+    const int fixed = LengthOfOpcode(message.at(0));
+    return std::span(message).first(fixed != -1 ? Index(fixed) : message.at(1));
+}
+
 void ShowTap(std::span<const quint8> bytes)
 {
     if (trafficTap)
@@ -187,6 +201,7 @@ void StoreByte(int byte)
         RxWrite = RxSlot;
         RxEmpty = false;
         RxInMessage = false;
+        TellWork();
     }
 }
 
@@ -292,7 +307,13 @@ Outcome LayMessage(const LocoNetMessage &message, int lastIndex)
         return Outcome(End::NotSent);
     TxMsg = message;
     TxLen = lastIndex; // last: from here on the timer may send it
+    TellWork();
     return {};
+}
+
+void OnLinkWork(std::function<void()> work)
+{
+    linkWork = std::move(work);
 }
 
 void ForgetAnswer()
@@ -331,13 +352,15 @@ void DispatchTask()
         return;
     RxRead = (RxRead + 1) % RingSlots;
     RxOverflow = false;
+    if (RxWrite == RxRead)
+        RxEmpty = true;
     LocoNetMessage &message = RxRing.at(Index(RxRead));
+    if (CurrentCadence() == Cadence::Events && !ChecksumRight(WholeMessage(message)))
+        return;
     const LocoNetMessage received = message; // a read-back restores high bits in the slot
     DispatchByOpcode(message);
     AwaitingAck = false; // only the first message after the echo can be the answer
     CheckEcho(received);
-    if (RxWrite == RxRead)
-        RxEmpty = true;
 }
 
 void PackHighBits(LocoNetMessage &message)
@@ -363,6 +386,14 @@ void CopyRawBytes(const LocoNetMessage &message, std::array<int, 25> &raw)
     for (const size_t base : GroupBases)
         raw.at(next++) = message.at(base);
     ForEachDataByte([&](size_t, size_t data, quint8) { raw.at(next++) = message.at(data); });
+}
+
+void DropUnansweredMessage()
+{
+    if (!TxWaitEcho)
+        return;
+    TxLen = -1;
+    TxWaitEcho = false;
 }
 
 void DropPendingMessage()

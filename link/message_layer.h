@@ -86,6 +86,9 @@ struct Traffic {
 /// Sees every complete message, also echoes and the traffic of others. It must not wait.
 void TapTraffic(std::function<void(const Traffic &)> tap);
 
+/// Called when there is something to do: a message was laid, or one has come in completely. The driver registers itself.
+void OnLinkWork(std::function<void()> work);
+
 /// Lays a message (bytes 0..lastIndex; the checksum is added when it is sent). Nothing is laid, and the outcome says
 /// why, when the slot is occupied (NotSent) or the port is closed (PortLost).
 Outcome LayMessage(const LocoNetMessage &message, int lastIndex);
@@ -99,7 +102,8 @@ void ForgetAnswer();
 /// start of the transmission.
 void SendTask();
 
-/// Handles one received message. Run every 50 ms after SendTask.
+/// Handles one received message. Run every 50 ms after SendTask. In the fast cadence one with a wrong checksum is passed
+/// over.
 void DispatchTask();
 
 /// Reads all waiting bytes and assembles messages. Run by the port's receive event and every 100 ms.
@@ -113,6 +117,9 @@ void UnpackHighBits(LocoNetMessage &message);
 
 /// Copies the 25 raw bytes (collectors, then D1..D20) of a 31-byte message.
 void CopyRawBytes(const LocoNetMessage &message, std::array<int, 25> &raw);
+
+/// Frees the slot of a message that was sent, when its request is given up: its echo is not waited for any more.
+void DropUnansweredMessage();
 
 /// Frees the slot and forgets what was received and not dispatched: the port was closed or lost.
 void DropPendingMessage();

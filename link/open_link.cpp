@@ -1,5 +1,6 @@
 #include "link/open_link.h"
 
+#include "link/cadence.h"
 #include "link/message_layer.h"
 #include "platform/world.h"
 #include "program/ask.h"
@@ -123,6 +124,7 @@ Outcome RunOrvanto1Sequence()
 Outcome SetUpInterface()
 {
     LinkLost = false;
+    BeginConnection();
     if (InterfaceType == InterfaceOrvanto1)
         return SetupOrvanto1Interface();
     if (InterfaceType != InterfaceDirect)

@@ -1,6 +1,7 @@
 #include "station/download.h"
 
 #include "handheld/flash_map.h"
+#include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/open_link.h"
 #include "link/text_encoding.h"
@@ -344,6 +345,8 @@ void ReportFailure(int status)
 Download DownloadLocos()
 {
     Download download;
+    const TicksOnly
+        pace; // an answer that comes together with the acknowledge before it would be taken for an older one
     TheAsk().showProgress(TheBranding().downloadText);
     download.status = RunDownload(download);
     HandheldMode = true; // or 0xE5 messages would not reach the memory transfer any more

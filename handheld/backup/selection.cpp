@@ -2,6 +2,7 @@
 
 #include "handheld/backup/number_list.h"
 #include "handheld/record_kinds.h"
+#include "link/cadence.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "program/ask.h"
@@ -16,12 +17,19 @@ namespace
 
 std::optional<BackupSelection> unsaved; // where the file cannot be written: holds until the program ends
 
-constexpr int EmptyLocoMessages = 2; // the flash read and the slice that shows the empty name
 constexpr int Halves = 2;
 
 /// The record kind of a numbered kind (of its first half).
 constexpr std::array<int, NumberedKindCount> RecordKinds{
     KindLoco, KindLokSymbol, KindFktSymbolOn, KindMagSymbolGreen};
+
+/// What the search asks of an address that holds nothing.
+double EmptyLocoMessages()
+{
+    constexpr double single = 2; // the flash read and the slice that shows the empty name
+    constexpr double together = (1 + static_cast<double>(Neighbours)) / Neighbours;
+    return CurrentCadence() == Cadence::Ticks ? single : together;
+}
 
 int MessagesPerNumber(NumberedKind kind)
 {
@@ -145,17 +153,17 @@ bool NothingWanted(const BackupSelection &selection)
 
 double EstimatedSeconds(const BackupSelection &selection)
 {
-    int messages = 0;
+    double messages = 0;
     for (int kind = 0; kind < NumberedKindCount; ++kind) {
         const auto numbered = static_cast<NumberedKind>(kind);
         messages += CountNumbers(WantedNumbers(selection, numbered)) * MessagesPerNumber(numbered);
     }
     if (selection.lokSuche)
-        messages += (selection.lokSucheStop - selection.lokSucheStart + 1) * EmptyLocoMessages;
+        messages += (selection.lokSucheStop - selection.lokSucheStart + 1) * EmptyLocoMessages();
     messages += selection.fsDaten ? KindOf(KindRoutes).readMessages : 0;
     messages += selection.magSymZuord ? KindOf(KindMagZuordnung).readMessages : 0;
     messages += selection.magListe ? KindOf(KindMagListe).readMessages : 0;
-    return messages * SecondsPerMessage;
+    return messages * SecondsPerMessage();
 }
 
 QString DurationText(double seconds)

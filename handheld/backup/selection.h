@@ -57,9 +57,6 @@ bool NothingWanted(const BackupSelection &selection);
 /// second longer.
 double EstimatedSeconds(const BackupSelection &selection);
 
-/// What one message costs on a quiet bus: three ticks.
-constexpr double SecondsPerMessage = 0.15;
-
 /// "Dauer: ca. 12 Minuten".
 QString DurationText(double seconds);
 

@@ -26,9 +26,9 @@ protected:
 
     static void lay(const std::vector<int> &bytes)
     {
-        for (size_t i = 0; i < bytes.size(); ++i)
-            TxMsg.at(i) = static_cast<quint8>(bytes.at(i));
-        TxLen = static_cast<int>(bytes.size()) - 1;
+        LocoNetMessage message{};
+        std::copy(bytes.begin(), bytes.end(), message.begin());
+        ASSERT_TRUE(LayMessage(message, static_cast<int>(bytes.size()) - 1).ok());
     }
 
     void receive(const sim::Bytes &bytes)
@@ -82,7 +82,7 @@ TEST_F(MessageLayer, TheEchosChecksumCountsToo)
 TEST_F(MessageLayer, EchoTimeLimit)
 {
     user.acceptAnyBox();
-    port.close(); // nothing comes back
+    strike(&sim::Faults::lostEcho, 1);
     lay({0x82});
     events.run(2.0); // written at the first tick, 50 ms after the start
     EXPECT_TRUE(user.boxes.isEmpty());

@@ -2,6 +2,7 @@
 
 #include "handheld/backup/selection.h"
 #include "handheld/discovery.h"
+#include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/message_layer.h"
 #include "link/open_link.h"
@@ -156,6 +157,7 @@ void ResetCore()
     ResetAsk();
     ResetSettings();
     ResetMessageLayer();
+    ResetCadence();
     ResetExchange();
     ResetOpenLink();
     ResetDiscovery();

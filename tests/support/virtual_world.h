@@ -38,6 +38,7 @@ public:
     double limitSeconds = 4'000; // a wait that goes on longer than this in one test hangs
     int ticks = 0;               // calls of 50 ms timers
     int timersStarted = 0;       // calls of every()
+    [[nodiscard]] size_t timersRunning() const { return timers.size(); }
 
 private:
     struct Repeating {
