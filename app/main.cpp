@@ -1,12 +1,14 @@
 // Puts the program together: platform, link, windows, and the simulated handheld behind the port named "Demo".
 
 #include "handheld/discovery.h"
+#include "link/cadence.h"
 #include "link/link_driver.h"
 #include "platform/files.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_serial_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
+#include "program/preferences.h"
 #include "program/run_control.h"
 #include "sim/demo_port.h"
 #include "ui/common/start_up.h"
@@ -14,6 +16,7 @@
 #include "ui/qt_frontend.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QIcon>
 #include <QTranslator>
 
@@ -22,7 +25,7 @@
 namespace
 {
 
-constexpr int SignalPollMs = 200;
+constexpr int SignalPollMs = 1000; // the only thing that wakes up an idle program
 volatile std::sig_atomic_t endSignalled = 0;
 
 /// Ctrl-C and a request to terminate end the program like its menu item does, so that the handheld is sent back.
@@ -48,6 +51,25 @@ QIcon ProgramIcon()
     return icon;
 }
 
+struct Arguments {
+    bool fast = false;
+    QString fileName; // a backup to be shown
+};
+
+/// Help, version and unknown options end the program.
+Arguments ReadArguments()
+{
+    QCommandLineParser parser;
+    const QCommandLineOption fast(QStringLiteral("schnell"), QStringLiteral("schnelle Übertragung für diesen Lauf"));
+    parser.addOption(fast);
+    parser.addPositionalArgument(
+        QStringLiteral("datei"), QStringLiteral("Datensicherung (.dds), die gezeigt wird"), QStringLiteral("[datei]"));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(*QCoreApplication::instance());
+    return {parser.isSet(fast), parser.positionalArguments().value(0)};
+}
+
 /// Sends the handheld back and ends; runs once, when no command runs any more.
 void EndProgram(QtFrontend &frontend)
 {
@@ -70,6 +92,7 @@ int main(int argc, char *argv[])
     QTranslator german;
     if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QApplication::installTranslator(&german);
+    const Arguments arguments = ReadArguments();
     SetProgramFolder(QApplication::applicationDirPath());
 
     QtEvents events;
@@ -83,12 +106,13 @@ int main(int argc, char *argv[])
     MainWindow mainWindow(frontend);
     frontend.setMainWindow(&mainWindow);
     const LinkDriver driver;
+    ChooseCadence(arguments.fast || FastPreferred() ? Cadence::Events : Cadence::Ticks);
 
     OnEndReady([&frontend] { EndProgram(frontend); });
     TakeEndSignals(events);
-    events.post([&mainWindow] {
+    events.post([&mainWindow, &arguments] {
         Main();
-        mainWindow.openGivenFile(QApplication::arguments().value(1));
+        mainWindow.openGivenFile(arguments.fileName);
     });
     return QtEvents::run();
 }

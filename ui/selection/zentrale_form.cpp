@@ -1,16 +1,19 @@
 #include "ui/selection/zentrale_form.h"
 
 #include "handheld/discovery.h"
+#include "link/cadence.h"
 #include "link/open_link.h"
 #include "platform/port_name.h"
 #include "platform/world.h"
 #include "program/ask.h"
 #include "program/branding.h"
+#include "program/preferences.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
 #include "ui/widgets/build_controls.h"
 
 #include <QAbstractItemView>
+#include <QCheckBox>
 #include <QCompleter>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -31,6 +34,7 @@ constexpr int PortNameRole = Qt::UserRole + 1;
 ZentraleForm::ZentraleForm()
     : LeavableWindow(nullptr, Qt::Dialog)
     , comPortNrTxt(NamedField(QStringLiteral("ComPortNrTxt"), QStringLiteral("ComPort Nr. :"), this))
+    , schnellChk(new QCheckBox(QStringLiteral("Schnelle Übertragung"), this))
     , reasonLbl(NamedLabel(QStringLiteral("GrundLbl"), QString(), this))
     , hint(NamedLabel(QStringLiteral("PortHinweis"), QString(), this))
     , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
@@ -38,6 +42,11 @@ ZentraleForm::ZentraleForm()
 {
     setObjectName(QStringLiteral("ZentraleForm"));
     setWindowTitle(QStringLiteral("Auswahl der Zentrale"));
+    schnellChk->setObjectName(QStringLiteral("SchnellChk"));
+    schnellChk->setToolTip(QStringLiteral(
+        "Die Daten werden drei- bis fünfmal so schnell übertragen.\n"
+        "Antwortet der Handregler dabei nicht sicher, geht es von selbst mit der gewohnten Geschwindigkeit weiter.\n"
+        "Kommt das öfter vor, schalten Sie die schnelle Übertragung hier wieder aus."));
     auto *buttonRow = new QHBoxLayout;
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
@@ -48,11 +57,12 @@ ZentraleForm::ZentraleForm()
     layout->addWidget(hint);
     layout->addWidget(makeOptions());
     layout->addLayout(buttonRow);
+    layout->addWidget(schnellChk);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     QWidget *last = comPortNrTxt;
     for (QWidget *control :
-        std::initializer_list<QWidget *>{iopt.at(0), iopt.at(1), iopt.at(2), okButton, cancelButton}) {
+        std::initializer_list<QWidget *>{iopt.at(0), iopt.at(1), iopt.at(2), okButton, cancelButton, schnellChk}) {
         setTabOrder(last, control);
         last = control;
     }
@@ -161,6 +171,7 @@ void ZentraleForm::load()
         iopt.at(i)->setChecked(InterfaceType == static_cast<int>(i) + 1);
         iopt.at(i)->setAutoExclusive(true);
     }
+    schnellChk->setChecked(ChosenCadence() == Cadence::Events);
     present();
     comPortNrTxt->setFocus();
     comPortNrTxt->selectAll();
@@ -234,6 +245,8 @@ void ZentraleForm::takeSettings()
     if (!releasePort())
         return;
     UseSettings(chosen);
+    ChooseCadence(schnellChk->isChecked() ? Cadence::Events : Cadence::Ticks);
+    PreferFast(schnellChk->isChecked());
     Q_EMIT interfaceChosen();
     hide();
     WriteSettings(chosen);

@@ -5,6 +5,7 @@
 
 #include <array>
 
+class QCheckBox;
 class QCompleter;
 class QLabel;
 class QLineEdit;
@@ -48,6 +49,7 @@ private:
     QLineEdit *comPortNrTxt;
     std::array<QRadioButton *, 3> iopt{};
     QCompleter *portList = nullptr; // found ports, made anew each time it is opened
+    QCheckBox *schnellChk;
     QLabel *reasonLbl;
     QLabel *hint;
     QPushButton *okButton;
