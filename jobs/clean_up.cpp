@@ -4,6 +4,8 @@
 #include "jobs/report.h"
 #include "program/run_control.h"
 
+#include <numeric>
+
 namespace
 {
 constexpr int FirstResetSymbol = 164;
@@ -12,6 +14,13 @@ constexpr double SettleSeconds = 0.5;
 
 Report ClearAllLocoRecords()
 {
+    std::vector<int> all(LastLoco);
+    std::iota(all.begin(), all.end(), FirstLoco);
+    return DeleteLocoRecords(all);
+}
+
+Report DeleteLocoRecords(const std::vector<int> &numbers)
+{
     Plan plan{.steps = {},
         .progress = [](const Step &step) -> QString {
             return QStringLiteral("Lösche Lok ") + QString::number(step.id.number);
@@ -19,7 +28,7 @@ Report ClearAllLocoRecords()
         .patience = Patience::Job,
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
-    for (int n = FirstLoco; n <= LastLoco; ++n)
+    for (const int n : numbers)
         plan.steps.push_back({StepKind::Delete, {KindLoco, n}, {}, {}});
     return RunJob(plan);
 }

@@ -7,6 +7,9 @@
 /// user stops it, the port is lost or the program ends.
 [[nodiscard]] Report ClearAllLocoRecords();
 
+/// The same for these records only.
+[[nodiscard]] Report DeleteLocoRecords(const std::vector<int> &numbers);
+
 /// Resets the function symbols 164 to 255, both halves, to an empty picture, each shown as "Fktsym. n". Ends early
 /// after a symbol that failed, and as above.
 [[nodiscard]] Report ResetFktSymbols();

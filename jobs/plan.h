@@ -22,6 +22,7 @@ struct Step {
     RecordId id;
     RecordValue value;                                     // of a write
     std::function<RecordValue(const RecordValue &)> merge; // of a merge
+    bool fillsEmpty = false;                               // a merge writes `value` into an empty record
 };
 
 struct Plan {

@@ -67,11 +67,13 @@ void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience 
     WriteInto(image, entry, value, patience);
 }
 
-/// Only locos are merged. What cannot be read or understood is not changed, and an empty record has nothing to merge
-/// with. Bytes of the record that this program does not know stay as they are.
+/// Only locos are merged. What cannot be read or understood is not changed; an empty record has nothing to merge with
+/// and is left alone or filled. Bytes of the record that this program does not know stay as they are.
 void Merge(SpiImage &image, JobEntry &entry, Patience patience)
 {
     Read(image, entry);
+    if (entry.state == RecordState::Empty && entry.step.fillsEmpty)
+        return Write(image, entry, entry.step.value, patience);
     if (entry.state != RecordState::Done)
         return;
     MoveToWritePosition(image, LocoRecordSize - 1);

@@ -121,22 +121,6 @@ Outcome RunOrvanto1Sequence()
     return {};
 }
 
-Outcome SetUpInterface()
-{
-    LinkLost = false;
-    BeginConnection();
-    if (InterfaceType == InterfaceOrvanto1)
-        return SetupOrvanto1Interface();
-    if (InterfaceType != InterfaceDirect)
-        return {}; // kind 2 and no kind at all: nothing to set up
-    Outcome outcome = SetupDirectInterface();
-    if (!outcome.ok()) {
-        TheAsk().showBox(
-            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
-    }
-    return outcome;
-}
-
 } // namespace
 
 Outcome SetupDirectInterface()
@@ -186,9 +170,25 @@ Outcome SendRawText(const QString &text)
     return {};
 }
 
+Outcome SetUpLink()
+{
+    LinkLost = false;
+    BeginConnection();
+    if (InterfaceType == InterfaceOrvanto1)
+        return SetupOrvanto1Interface();
+    if (InterfaceType != InterfaceDirect)
+        return {}; // kind 2 and no kind at all: nothing to set up
+    Outcome outcome = SetupDirectInterface();
+    if (!outcome.ok()) {
+        TheAsk().showBox(
+            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
+    }
+    return outcome;
+}
+
 Outcome OpenLink()
 {
-    Outcome outcome = SetUpInterface();
+    Outcome outcome = SetUpLink();
     if (outcome.ok())
         WriteSettings(SettingsInUse());
     return outcome;

@@ -16,6 +16,9 @@
 /// geöffnet werden!" (kind 3) or "Zeichenübertragung nicht möglich!" (kind 1), and the port is closed.
 Outcome OpenLink();
 
+/// The same without writing the settings.
+Outcome SetUpLink();
+
 /// The set-up of kind 3 and of kind 1, without a message for kind 3; a failed step of kind 1 shows
 /// "Zeichenübertragung nicht möglich!" / "Orvanto 1:". NotOpened or PortLost after a failure.
 Outcome SetupDirectInterface();

@@ -151,6 +151,13 @@ QString TemplatePath(int width)
                                                      : QStringLiteral("\\konf\\temp_lokfkt.bmp"));
 }
 
+QByteArray BmpBytes(const PictureRows &rows, PictureGeometry geometry)
+{
+    QByteArray file = NewTemplate(geometry);
+    PutPixels(file, LayoutOf(file, geometry), rows, geometry.height);
+    return file;
+}
+
 PictureRows RowsOf(const Picture &picture)
 {
     const auto first = picture.bytes.begin() + SizeBytes;

@@ -30,6 +30,9 @@ std::optional<PictureRows> LoadBmp(const QString &fileName, PictureGeometry geom
 /// False when it failed; without a box for widths other than 48 and 14, which have no template.
 [[nodiscard]] bool SaveBmp(const PictureRows &rows, PictureGeometry geometry, const QString &fileName);
 
+/// A file of its own for the rows, without any template.
+QByteArray BmpBytes(const PictureRows &rows, PictureGeometry geometry);
+
 /// The rows of a picture value, without its size bytes.
 PictureRows RowsOf(const Picture &picture);
 

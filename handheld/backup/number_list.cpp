@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace
@@ -123,6 +124,18 @@ QString NumberListFault(const QString &text, int low, int high)
             return fault;
     }
     return entries.isEmpty() ? QStringLiteral("es ist keine Nummer angegeben") : QString();
+}
+
+std::vector<int> NumbersOf(const QString &text)
+{
+    std::vector<int> numbers;
+    std::set<int> seen;
+    NumberList list(text);
+    for (int n = list.next(); n >= 0; n = list.next()) {
+        if (seen.insert(n).second)
+            numbers.push_back(n);
+    }
+    return numbers;
 }
 
 QString ShortList(std::span<const int> numbers, const QString &lineSeparator)

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <span>
+#include <vector>
 
 /// Hands out the numbers of a text one by one, in the order of the text, without regard to any limits. Entries that
 /// are neither a number nor a range low-high are passed over.
@@ -30,6 +31,9 @@ private:
 /// Why the text cannot be used for numbers low..high, in German for the user, naming the entry; empty when it can.
 /// A text without any number cannot.
 QString NumberListFault(const QString &text, int low, int high);
+
+/// The numbers of a checked text, each once, in the order of the text.
+std::vector<int> NumbersOf(const QString &text);
 
 /// The numbers as the shortest list, ascending, each once: 8, 1, 2, 3 becomes "1-3,8". After every ten entries
 /// comes the line separator.

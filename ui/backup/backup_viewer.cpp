@@ -247,7 +247,7 @@ void BackupViewer::exportCsv()
 {
     const Command command;
     if (command.ok())
-        saveFile(QStringLiteral("*.csv"), CsvOf(shownLocos()));
+        saveFile(QStringLiteral("*.csv"), CsvOf(shownLocos(), CsvFor::Spreadsheets));
 }
 
 void BackupViewer::exportPdf()

@@ -1,0 +1,61 @@
+// A call of the terminal program: its options and arguments, its commands and how it can end.
+#pragma once
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <functional>
+#include <vector>
+
+/// Exit status of the program.
+enum class Exit {
+    Done = 0,
+    Usage = 1,      // wrong call, a file that cannot be read, understood or written
+    NoHandheld = 2, // no port or no handheld
+    Incomplete = 3, // not complete or doubtful: time-outs, port lost; the report names the records
+    Differs = 4,    // differences were found
+    Stopped = 5,    // by the user: Ctrl-C, or Nein to a question
+};
+
+/// The options that every command has.
+struct Options {
+    QString port;          // empty: konf\ComPort.inf
+    int interfaceType = 0; // 1 or 3; 0: konf\ComPort.inf
+    bool fast = false;
+    bool json = false;
+};
+
+struct Call {
+    QStringList arguments; // of the command, as many as it wants
+    Options options;
+    const QCommandLineParser *parser = nullptr;
+
+    [[nodiscard]] QString value(const QString &option) const { return parser->value(option); }
+    [[nodiscard]] bool has(const QString &option) const { return parser->isSet(option); }
+};
+
+struct Command {
+    QString name;
+    QStringList arguments; // their names; one in brackets may be missing
+    QString summary;       // one line
+    QList<QCommandLineOption> options;
+    std::function<Exit(const Call &)> run;
+};
+
+/// All commands, in the order of the help.
+const std::vector<Command> &AllCommands();
+
+// One file a command.
+Command InfoCommand();
+Command ListCommand();
+Command ReadCommand();
+Command WriteCommand();
+Command DeleteCommand();
+Command BackupCommand();
+Command RestoreCommand();
+Command SymbolCommand();
+Command StartImageCommand();
+Command TableCommand();
+Command StationCommand();
+Command ConvertCommand();

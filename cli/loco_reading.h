@@ -1,0 +1,15 @@
+// Reading loco records for the commands that print them.
+#pragma once
+
+#include "cli/call.h"
+#include "jobs/runner.h"
+#include "roster/loco_csv.h"
+
+/// The steps that read these records; `kind` is Read or Search.
+Plan ReadingPlan(const std::vector<int> &numbers, StepKind kind);
+
+/// The records that were read, with empty ones only when they are wanted.
+std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo);
+
+/// Tells which records are doubtful and why the reading ended early.
+void TellDoubts(const Report &report);

@@ -1,0 +1,35 @@
+#include "cli/results.h"
+#include "cli/service.h"
+#include "handheld/backup/number_list.h"
+#include "handheld/flash_map.h"
+#include "jobs/clean_up.h"
+#include "jobs/report.h"
+#include "program/ask.h"
+
+namespace
+{
+
+Exit Run(const Call &call)
+{
+    const auto numbers = ListArgument(call.arguments.value(0), FirstLoco, LastLoco);
+    if (!numbers)
+        return Exit::Usage;
+    const QString list = ShortList(*numbers, QString());
+    const BoxText question{
+        QStringLiteral("Die Lokdatensätze %1 werden im Handregler gelöscht. Sollen sie gelöscht werden?").arg(list),
+        {}, BoxIcon::None};
+    if (!TheAsk().askYesNo(question, false))
+        return Exit::Stopped;
+    const Service service(call);
+    if (!service.ready())
+        return service.failure();
+    return PrintReport(call, DeleteLocoRecords(*numbers), QStringLiteral("Gelöscht:"), QStringLiteral("geloescht"));
+}
+
+} // namespace
+
+Command DeleteCommand()
+{
+    return {QStringLiteral("loeschen"), {QStringLiteral("LISTE")},
+        QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), {}, Run};
+}

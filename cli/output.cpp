@@ -1,0 +1,41 @@
+#include "cli/output.h"
+
+#include "program/run_control.h"
+
+#include <cstdio>
+
+namespace
+{
+bool sound = true;
+} // namespace
+
+void PrintBytes(const QByteArray &bytes)
+{
+    const auto size = static_cast<size_t>(bytes.size());
+    if (sound && std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+        return;
+    sound = false;
+    RequestEnd();
+}
+
+void PrintLine(const QString &line)
+{
+    PrintBytes(line.toUtf8() + '\n');
+}
+
+void PrintJson(const QJsonDocument &document)
+{
+    PrintBytes(document.toJson(QJsonDocument::Indented));
+}
+
+bool OutputSound()
+{
+    return sound;
+}
+
+void Tell(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
+}

@@ -1,0 +1,166 @@
+#include "cli/program.h"
+
+#include "cli/output.h"
+#include "cli/results.h"
+#include "program/run_control.h"
+#include "program/settings_file.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace
+{
+
+const auto PortOption = QStringLiteral("anschluss");
+const auto InterfaceOption = QStringLiteral("interface");
+const auto FastOption = QStringLiteral("schnell");
+const auto JsonOption = QStringLiteral("json");
+const auto YesOption = QStringLiteral("ja");
+const auto QuietOption = QStringLiteral("leise");
+const auto HelpOption = QStringLiteral("help");
+const auto VersionOption = QStringLiteral("version");
+
+void AddGlobalOptions(QCommandLineParser &parser)
+{
+    parser.addOptions(
+        {{PortOption,
+             QStringLiteral("Anschluss, zum Beispiel ttyUSB0, COM3 oder Demo (sonst wie im Fenster gewählt)"),
+             QStringLiteral("TEXT")},
+            {InterfaceOption, QStringLiteral("Interface: 1 (Orvanto 1 oder Tessaro) oder 3 (direkt)"),
+                QStringLiteral("1|3")},
+            {FastOption, QStringLiteral("schnelle Übertragung")}, {JsonOption, QStringLiteral("Ergebnis als JSON")},
+            {YesOption, QStringLiteral("jede Frage mit Ja beantworten")},
+            {QuietOption, QStringLiteral("ohne Fortschritt und Hinweise")},
+            {VersionOption, QStringLiteral("Version des Programms")},
+            {{QStringLiteral("h"), HelpOption}, QStringLiteral("diese Hilfe, auch nach einem Befehl")}});
+}
+
+const Command *CommandNamed(const QString &name)
+{
+    const auto &commands = AllCommands();
+    const auto found = std::ranges::find(commands, name, &Command::name);
+    return found == commands.end() ? nullptr : &*found;
+}
+
+/// The first word that is no option and no value of one.
+QString CommandWord(const QStringList &words)
+{
+    QCommandLineParser parser;
+    AddGlobalOptions(parser);
+    static_cast<void>(
+        parser.parse(QStringList{QStringLiteral("handregler")} + words)); // commands have options of their own
+    return parser.positionalArguments().value(0);
+}
+
+QString Overview()
+{
+    QString text = QStringLiteral(
+        "Aufruf: handregler [Optionen] BEFEHL ...\n"
+        "Liest, schreibt, sichert und vergleicht, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
+    for (const Command &command : AllCommands())
+        text += QStringLiteral("  ") + command.name.leftJustified(11) + command.summary + u'\n';
+    return text
+        + QStringLiteral("\nEine LISTE sind Nummern und Bereiche: 1-5,8\n"
+                         "Hilfe zu einem Befehl: handregler BEFEHL --help\n\n");
+}
+
+/// The help of a command, or the overview with the options that all commands have.
+void PrintHelp(QCommandLineParser &parser, const Command *command)
+{
+    QString text = parser.helpText();
+    if (command == nullptr)
+        text = Overview() + text.mid(text.indexOf(u'\n') + 1).trimmed() + u'\n';
+    else
+        text = command->summary + u'\n' + text;
+    PrintBytes(text.toUtf8());
+}
+
+bool IsOptional(const QString &argument)
+{
+    return argument.startsWith(u'[');
+}
+
+/// How many arguments are missing or too many, in words; empty when it fits.
+QString ArgumentFault(const Command &command, const QStringList &given)
+{
+    const auto needed =
+        std::ranges::count_if(command.arguments, [](const QString &name) { return !IsOptional(name); });
+    if (given.size() < needed)
+        return QStringLiteral("Es fehlt etwas: ") + command.name + u' ' + command.arguments.join(u' ');
+    if (given.size() > command.arguments.size())
+        return QStringLiteral("\"%1\" ist zu viel.").arg(given.constLast());
+    return {};
+}
+
+Exit Fault(const QString &text, const Command *command)
+{
+    UsageFault(text);
+    const QString name = command == nullptr ? QString() : QString(u' ' + command->name);
+    Tell(QStringLiteral("Hilfe: handregler%1 --help").arg(name));
+    return Exit::Usage;
+}
+
+void AddCommand(QCommandLineParser &parser, const Command &command)
+{
+    parser.addOptions(command.options);
+    parser.addPositionalArgument(command.name, QStringLiteral("Befehl"), command.name);
+    for (const QString &argument : command.arguments)
+        parser.addPositionalArgument(argument, {}, argument);
+}
+
+std::optional<Options> OptionsOf(const QCommandLineParser &parser)
+{
+    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption)};
+    if (!parser.isSet(InterfaceOption))
+        return options;
+    const QString kind = parser.value(InterfaceOption);
+    if (kind != u"1" && kind != u"3")
+        return {};
+    options.interfaceType = kind == u"1" ? InterfaceOrvanto1 : InterfaceDirect;
+    return options;
+}
+
+} // namespace
+
+std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser &parser, Exit &exit)
+{
+    AddGlobalOptions(parser);
+    const QString name = CommandWord(words);
+    const Command *command = CommandNamed(name);
+    if (command != nullptr)
+        AddCommand(parser, *command);
+    const bool understood = parser.parse(QStringList{QStringLiteral("handregler")} + words);
+    exit = Exit::Done;
+    if (parser.isSet(VersionOption)) {
+        PrintLine(QStringLiteral("handregler ") + QCoreApplication::applicationVersion());
+        return {};
+    }
+    if (parser.isSet(HelpOption) && (command != nullptr || name.isEmpty())) {
+        PrintHelp(parser, command);
+        return {};
+    }
+    QString fault = understood ? QString() : parser.errorText();
+    if (command == nullptr)
+        fault = name.isEmpty() ? QStringLiteral("Es fehlt ein Befehl.")
+                               : QStringLiteral("Den Befehl \"%1\" gibt es nicht.").arg(name);
+    const QStringList given = parser.positionalArguments().mid(1);
+    if (fault.isEmpty())
+        fault = ArgumentFault(*command, given);
+    const auto options = OptionsOf(parser);
+    if (fault.isEmpty() && !options)
+        fault = QStringLiteral("--interface: hier muss 1 oder 3 stehen.");
+    if (!fault.isEmpty()) {
+        exit = Fault(fault, command);
+        return {};
+    }
+    return Wish{command, {given, *options, &parser}, {parser.isSet(YesOption), parser.isSet(QuietOption)}};
+}
+
+void TakeInterrupt()
+{
+    if (JobCanBeStopped())
+        ConfirmStop();
+    else
+        RequestEnd();
+}

@@ -1,0 +1,78 @@
+#include "cli/loco_files.h"
+#include "cli/results.h"
+#include "cli/service.h"
+#include "handheld/flash_map.h"
+
+#include <algorithm>
+
+namespace
+{
+
+const auto OnlyOption = QStringLiteral("nur");
+
+/// A record that the handheld has keeps what the file does not say, also the bytes that nobody interprets. An empty one
+/// is filled when the file gives a name.
+Step WriteStep(const ListedLoco &loco)
+{
+    Step step{StepKind::Merge, {KindLoco, loco.address}, Applied(loco, {}),
+        [loco](const RecordValue &present) { return Applied(loco, std::get<LocoRecord>(present)); }};
+    step.fillsEmpty = loco.name.has_value();
+    return step;
+}
+
+Plan WritePlan(const std::vector<ListedLoco> &locos)
+{
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return ProgressText(step.id); },
+        .patience = Patience::Job,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true};
+    for (const ListedLoco &loco : locos)
+        plan.steps.push_back(WriteStep(loco));
+    return plan;
+}
+
+/// Only those that --nur lists; each of them must be in the file.
+bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
+{
+    for (const int number : wanted) {
+        if (std::ranges::none_of(locos, [number](const ListedLoco &loco) { return loco.address == number; })) {
+            UsageFault(QStringLiteral("Die Lok %1 steht nicht in der Datei.").arg(number));
+            return false;
+        }
+    }
+    std::erase_if(locos, [&](const ListedLoco &loco) { return std::ranges::count(wanted, loco.address) == 0; });
+    return true;
+}
+
+Exit Run(const Call &call)
+{
+    auto locos = ReadLocoFile(call.arguments.value(0));
+    if (!locos)
+        return Exit::Usage;
+    if (call.has(OnlyOption)) {
+        const auto wanted = ListArgument(call.value(OnlyOption), FirstLoco, LastLoco);
+        if (!wanted || !KeepWanted(*locos, *wanted))
+            return Exit::Usage;
+    }
+    if (!NamesAccepted(*locos))
+        return Exit::Stopped;
+    const Service service(call);
+    if (!service.ready())
+        return service.failure();
+    const Report report = RunJob(WritePlan(*locos));
+    const Exit exit =
+        PrintReport(call, report, QStringLiteral("In den Handregler geschrieben:"), QStringLiteral("geschrieben"));
+    return exit == Exit::Done && !IdsOf(report, RecordState::Empty).empty() ? Exit::Incomplete : exit;
+}
+
+} // namespace
+
+Command WriteCommand()
+{
+    return {QStringLiteral("schreiben"), {QStringLiteral("DATEI")},
+        QStringLiteral("schreibt die Loks aus einer Datei .csv, .json oder .dds"),
+        {QCommandLineOption(
+            OnlyOption, QStringLiteral("nur diese Loks der Datei, zum Beispiel 1-5,8"), QStringLiteral("LISTE"))},
+        Run};
+}

@@ -1,0 +1,130 @@
+#include "cli/output.h"
+#include "cli/results.h"
+#include "cli/service.h"
+#include "handheld/backup/number_list.h"
+#include "jobs/backup.h"
+#include "jobs/report.h"
+#include "platform/text.h"
+
+#include <QDir>
+
+#include <array>
+
+namespace
+{
+
+const auto AllOption = QStringLiteral("alles");
+const auto LocosOption = QStringLiteral("loks");
+const auto SearchOption = QStringLiteral("loks-suchen");
+const auto RoutesOption = QStringLiteral("fahrstrassen");
+const auto AssignmentOption = QStringLiteral("zuordnung");
+const auto AccessoryListOption = QStringLiteral("magliste");
+
+/// The option that lists the numbers of each numbered kind.
+const std::array<QString, NumberedKindCount> ListOptions{
+    LocosOption, QStringLiteral("loksymbole"), QStringLiteral("funktionssymbole"), QStringLiteral("magsymbole")};
+
+BackupSelection Everything()
+{
+    BackupSelection selection;
+    for (const auto kind : {LokSymbolList, FktSymbolList, MagSymbolList})
+        selection.numbered.at(kind) = {true, true, {}};
+    selection.fsDaten = selection.magSymZuord = selection.magListe = selection.lokSuche = true;
+    return selection;
+}
+
+/// The chosen numbers of a kind; a fault after a message.
+bool TakeList(const Call &call, NumberedKind kind, BackupSelection &selection)
+{
+    const QString &option = ListOptions.at(kind);
+    if (!call.has(option))
+        return true;
+    const NumberLimits limits = LimitsOf(kind);
+    const auto numbers = ListArgument(call.value(option), limits.low, limits.high);
+    if (!numbers)
+        return false;
+    selection.numbered.at(kind) = {true, false, ShortList(*numbers, QString())};
+    return true;
+}
+
+bool TakeSearch(const Call &call, BackupSelection &selection)
+{
+    if (!call.has(SearchOption))
+        return true;
+    const auto numbers = ListArgument(call.value(SearchOption), FirstLoco, LastLoco);
+    if (!numbers)
+        return false;
+    selection.lokSuche = true;
+    selection.lokSucheStart = *std::min_element(numbers->begin(), numbers->end());
+    selection.lokSucheStop = *std::max_element(numbers->begin(), numbers->end());
+    return true;
+}
+
+std::optional<BackupSelection> SelectionOf(const Call &call)
+{
+    BackupSelection selection = call.has(AllOption) ? Everything() : BackupSelection();
+    for (int kind = 0; kind < NumberedKindCount; ++kind) {
+        if (!TakeList(call, static_cast<NumberedKind>(kind), selection))
+            return {};
+    }
+    if (!TakeSearch(call, selection))
+        return {};
+    selection.fsDaten = selection.fsDaten || call.has(RoutesOption);
+    selection.magSymZuord = selection.magSymZuord || call.has(AssignmentOption);
+    selection.magListe = selection.magListe || call.has(AccessoryListOption);
+    if (!NothingWanted(selection))
+        return selection;
+    UsageFault(QStringLiteral("Was gesichert werden soll, fehlt: zum Beispiel --alles oder --loks 1-5,8."));
+    return {};
+}
+
+void PrintSaved(const Call &call, const BackupOutcome &outcome)
+{
+    const QString file = QDir::toNativeSeparators(outcome.fileName);
+    if (call.options.json) {
+        PrintJson(QJsonDocument(QJsonObject{{QStringLiteral("datei"), outcome.written ? file : QString()},
+            {QStringLiteral("gesichert"), RecordsJson(outcome.written ? outcome.saved : std::vector<RecordId>())},
+            {QStringLiteral("unsicher"), RecordsJson(outcome.doubtful)},
+            {QStringLiteral("ungelesen"), RecordsJson(outcome.unread)}}));
+    } else if (outcome.written) {
+        PrintLine(QStringLiteral("Gesichert in %1:").arg(file));
+        PrintLine(ScreenLines(RecordsText(outcome.saved)));
+    }
+}
+
+Exit Run(const Call &call)
+{
+    const auto selection = SelectionOf(call);
+    if (!selection)
+        return Exit::Usage;
+    const Service service(call);
+    if (!service.ready())
+        return service.failure();
+    const BackupOutcome outcome = Backup(call.arguments.value(0), *selection);
+    const bool sound = outcome.doubtful.empty() && outcome.unread.empty();
+    if (outcome.end != JobEnd::Complete || !sound)
+        ReportBackup(outcome);
+    PrintSaved(call, outcome);
+    if (outcome.end == JobEnd::Complete && sound && !outcome.written)
+        return Exit::Usage;
+    return ExitOf(outcome.end, sound);
+}
+
+} // namespace
+
+Command BackupCommand()
+{
+    const auto list = QStringLiteral("LISTE");
+    return {QStringLiteral("sichern"), {QStringLiteral("DATEI.dds")},
+        QStringLiteral("sichert Daten des Handreglers in eine Datei"),
+        {{AllOption, QStringLiteral("alles, was der Handregler hat; Loks werden auf 1-9999 gesucht")},
+            {LocosOption, QStringLiteral("diese Loks (oder alle)"), list},
+            {SearchOption, QStringLiteral("die belegten Loks zwischen zwei Adressen"), QStringLiteral("A-B")},
+            {ListOptions.at(LokSymbolList), QStringLiteral("diese Loksymbole (oder alle)"), list},
+            {ListOptions.at(FktSymbolList), QStringLiteral("diese Funktionssymbole (oder alle)"), list},
+            {ListOptions.at(MagSymbolList), QStringLiteral("diese Magnetartikelsymbole (oder alle)"), list},
+            {RoutesOption, QStringLiteral("die Fahrstraßen")},
+            {AssignmentOption, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
+            {AccessoryListOption, QStringLiteral("die Magnetartikelliste")}},
+        Run};
+}

@@ -1,0 +1,116 @@
+#include "cli/terminal_ask.h"
+
+#include "cli/output.h"
+#include "platform/qt/console.h"
+#include "platform/text.h"
+#include "program/run_control.h"
+
+#include <cmath>
+#include <cstdio>
+#include <optional>
+
+namespace
+{
+
+QString LineText(const BoxText &box)
+{
+    const QString text = ScreenLines(box.text).trimmed();
+    return box.title.isEmpty() ? text : QString(box.title.trimmed() + QStringLiteral(": ") + text);
+}
+
+QString TimeLeft(double seconds)
+{
+    if (seconds < 0)
+        return {};
+    const int whole = static_cast<int>(std::ceil(seconds));
+    constexpr int minute = 60;
+    return whole <= minute ? QStringLiteral(", noch %1 s").arg(whole)
+                           : QStringLiteral(", noch %1 min").arg((whole + minute - 1) / minute);
+}
+
+void WriteRaw(const QString &text)
+{
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+    std::fflush(stderr);
+}
+
+} // namespace
+
+TerminalAsk::TerminalAsk(Console &theConsole, Manner wanted) : console(theConsole), manner(wanted) { }
+
+void TerminalAsk::showBox(const BoxText &box)
+{
+    const bool information = box.icon == BoxIcon::Information;
+    if (information && manner.quiet)
+        return;
+    const bool interrupted = visible;
+    hideProgress();
+    Tell(LineText(box));
+    if (interrupted)
+        showProgress(text);
+}
+
+void TerminalAsk::postBox(const BoxText &box)
+{
+    showBox(box);
+}
+
+bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
+{
+    hideProgress();
+    if (BoxesAreSilent())
+        return false;
+    if (manner.yes) {
+        if (!manner.quiet)
+            Tell(LineText(box) + QStringLiteral(" Ja (--ja)"));
+        return true;
+    }
+    if (!console.canAsk()) {
+        Tell(LineText(box)
+            + QStringLiteral("\nNein: Hier kann niemand antworten. Mit --ja gilt jede Frage als bejaht."));
+        return false;
+    }
+    WriteRaw(LineText(box) + (defaultYes ? QStringLiteral(" [J/n] ") : QStringLiteral(" [j/N] ")));
+    std::optional<QString> answer;
+    console.readLine([&answer](const QString &line) { answer = line; });
+    const bool answered = PumpUntilAnswered([&answer] { return answer.has_value(); });
+    console.stopReading();
+    const QString word = answered ? answer->trimmed().toLower() : QString();
+    if (word.isEmpty())
+        return answered && defaultYes;
+    return word.startsWith(u'j');
+}
+
+QString TerminalAsk::askText(const QString &, const QString &)
+{
+    return {};
+}
+
+void TerminalAsk::showProgress(const QString &newText)
+{
+    text = newText;
+    writeProgress();
+}
+
+void TerminalAsk::showAmount(const Amount &amount)
+{
+    amountText = QStringLiteral(" (%1 von %2%3)").arg(amount.done).arg(amount.all).arg(TimeLeft(amount.secondsLeft));
+    writeProgress();
+}
+
+void TerminalAsk::writeProgress()
+{
+    if (manner.quiet || !console.errorIsTerminal())
+        return;
+    WriteRaw(QStringLiteral("\r\033[K") + text + amountText);
+    visible = true;
+}
+
+void TerminalAsk::hideProgress()
+{
+    amountText.clear();
+    if (visible)
+        WriteRaw(QStringLiteral("\r\033[K"));
+    visible = false;
+}

@@ -1,0 +1,69 @@
+#include "platform/qt/console.h"
+
+#include <QSocketNotifier>
+
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <utility>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <filesystem>
+#endif
+
+namespace
+{
+
+constexpr int InputDescriptor = 0;
+
+#ifdef _WIN32
+bool IsTerminal(int descriptor, const char *)
+{
+    return _isatty(descriptor) != 0;
+}
+#else
+/// The only character devices that are no terminals and that a program is called with are those that swallow or give
+/// nothing.
+bool IsTerminal(int, const char *device)
+{
+    std::error_code error;
+    const bool character = std::filesystem::is_character_file(device, error);
+    return character && !error && !std::filesystem::equivalent(device, "/dev/null", error) && !error;
+}
+#endif
+
+QString NextLine()
+{
+    std::string line;
+    std::getline(std::cin, line);
+    return QString::fromLocal8Bit(QByteArray::fromStdString(line));
+}
+
+} // namespace
+
+Console::Console()
+    : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin")), errorTerminal(IsTerminal(2, "/dev/stderr"))
+{
+}
+
+Console::~Console() = default;
+
+void Console::readLine(std::function<void(const QString &)> take)
+{
+#ifdef _WIN32
+    take(NextLine()); // the system's console has no event for it; Ctrl-C ends the reading
+#else
+    notifier = std::make_unique<QSocketNotifier>(InputDescriptor, QSocketNotifier::Read);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this, take = std::move(take)] {
+        notifier->setEnabled(false);
+        take(NextLine());
+    });
+#endif
+}
+
+void Console::stopReading()
+{
+    notifier.reset();
+}

@@ -1,0 +1,34 @@
+// The terminal that a program without windows runs on.
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class QSocketNotifier;
+
+class Console
+{
+public:
+    Console();
+    ~Console();
+    Console(const Console &) = delete;
+    Console &operator=(const Console &) = delete;
+
+    /// True when the standard error output is a terminal: a line may be written over there.
+    [[nodiscard]] bool errorIsTerminal() const { return errorTerminal; }
+
+    /// True when somebody sits there who sees a question and can answer it.
+    [[nodiscard]] bool canAsk() const { return inputTerminal && errorTerminal; }
+
+    /// Calls once with the next line of the standard input, while events go on; an ended input gives an empty line.
+    void readLine(std::function<void(const QString &)> take);
+    void stopReading();
+
+private:
+    bool inputTerminal;
+    bool errorTerminal;
+    std::unique_ptr<QSocketNotifier> notifier;
+};
