@@ -21,7 +21,7 @@ std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo)
     std::vector<RosterLoco> locos;
     for (const JobEntry &entry : report.entries) {
         const bool read = entry.state == RecordState::Done || entry.state == RecordState::Doubtful;
-        if (read && entry.value)
+        if (read && entry.value && !entry.outcome.brokenOff())
             locos.push_back({entry.step.id.number, std::get<LocoRecord>(*entry.value)});
         else if (entry.state == RecordState::Empty && emptyToo)
             locos.push_back({entry.step.id.number, {.name = EmptyName()}});

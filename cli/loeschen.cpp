@@ -16,8 +16,7 @@ Exit Run(const Call &call)
         return Exit::Usage;
     const QString list = ShortList(*numbers, QString());
     const BoxText question{
-        QStringLiteral("Die Lokdatensätze %1 werden im Handregler gelöscht. Sollen sie gelöscht werden?").arg(list),
-        {}, BoxIcon::None};
+        QStringLiteral("Sollen diese Lokdatensätze im Handregler gelöscht werden: %1?").arg(list), {}, BoxIcon::None};
     if (!TheAsk().askYesNo(question, false))
         return Exit::Stopped;
     const Service service(call);

@@ -51,7 +51,7 @@ Exit Run(const Call &call)
         PrintJson(QJsonDocument(
             QJsonObject{{QStringLiteral("datei"), to}, {QStringLiteral("loks"), static_cast<int>(locos.size())}}));
     else
-        PrintLine(QStringLiteral("%1 Loks umgewandelt nach %2").arg(locos.size()).arg(to));
+        PrintLine(LocoCount(locos.size()) + QStringLiteral(" umgewandelt nach ") + to);
     return Exit::Done;
 }
 

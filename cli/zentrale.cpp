@@ -1,6 +1,7 @@
 #include "cli/loco_files.h"
 #include "cli/output.h"
 #include "cli/service.h"
+#include "jobs/report.h"
 #include "program/run_control.h"
 #include "station/download.h"
 
@@ -46,7 +47,7 @@ Exit Run(const Call &call)
         PrintJson(QJsonDocument(QJsonObject{
             {QStringLiteral("datei"), fileName}, {QStringLiteral("loks"), static_cast<int>(locos.size())}}));
     else
-        PrintLine(QStringLiteral("%1 Loks gelesen nach %2").arg(locos.size()).arg(fileName));
+        PrintLine(LocoCount(locos.size()) + QStringLiteral(" gelesen nach ") + fileName);
     return Exit::Done;
 }
 

@@ -1,5 +1,7 @@
 #include "roster/csv_sheet.h"
 
+#include "platform/text.h"
+
 #include <QStringConverter>
 
 #include <algorithm>
@@ -49,13 +51,19 @@ private:
         if (quoted)
             takeQuoted(c);
         else if (c == Quote && cell.trimmed().isEmpty())
-            quoted = true;
+            openQuote();
         else if (c == separator)
             endCell();
         else if (c == u'\n')
             endRow();
         else if (c != u'\r')
             cell += c;
+    }
+
+    void openQuote()
+    {
+        cell.clear();
+        quoted = asWritten = true;
     }
 
     void takeQuoted(QChar c)
@@ -72,8 +80,9 @@ private:
 
     void endCell()
     {
-        row.cells += cell.trimmed();
+        row.cells += asWritten ? cell : cell.trimmed();
         cell.clear();
+        asWritten = false;
     }
 
     void endRow()
@@ -89,7 +98,8 @@ private:
     const QChar separator;
     qsizetype position = 0;
     int line = 1;
-    bool quoted = false;
+    bool quoted = false;    // inside quotes
+    bool asWritten = false; // the cell was in quotes: its blanks count
     QString cell;
     CsvRow row{1, {}};
     std::vector<CsvRow> found;
@@ -125,13 +135,13 @@ CsvSheet::CsvSheet(const QByteArray &file) : content(Splitter(TextOf(file)).rows
         return;
     }
     for (const QString &heading : content.front().cells)
-        headings += heading.toUpper();
+        headings += UpperLatin1(heading);
     content.erase(content.begin());
 }
 
 qsizetype CsvSheet::indexOf(const QString &column) const
 {
-    return headings.indexOf(column.toUpper());
+    return headings.indexOf(UpperLatin1(column));
 }
 
 std::optional<QString> CsvSheet::cell(const CsvRow &row, const QString &column) const
@@ -165,7 +175,8 @@ void CsvSheet::checkColumns(const QStringList &needed, const QStringList &known)
     for (const QString &heading : headings) {
         if (headings.count(heading) > 1 && !heading.isEmpty())
             faults.push_back({1, heading, QStringLiteral("diese Spalte steht mehrmals da")});
-        else if (!known.contains(heading, Qt::CaseInsensitive) && !heading.isEmpty())
+        else if (!heading.isEmpty()
+            && std::ranges::none_of(known, [&](const QString &name) { return UpperLatin1(name) == heading; }))
             faults.push_back({1, heading, QStringLiteral("diese Spalte ist nicht bekannt")});
     }
 }

@@ -82,13 +82,20 @@ QStringList AssignmentLines(const Assignment &assignment)
     return lines;
 }
 
+bool IsDefined(const AccessoryList &list, size_t at)
+{
+    return list.at(at) <= ZeichensatzLast && list.at(at + 1) <= ZeichensatzLast;
+}
+
 QStringList PlaceLines(const AccessoryList &list)
 {
     QStringList lines;
     const std::vector<int> codes(list.begin(), list.end());
     for (size_t n = 0; n < PlaceCount; ++n) {
         const size_t at = n * PlaceSize;
-        const QString name = DecodeName(codes, static_cast<int>(at + DesignationOffset), DesignationLength);
+        const QString name = IsDefined(list, at + DesignationOffset)
+            ? DecodeName(codes, static_cast<int>(at + DesignationOffset), DesignationLength)
+            : QString();
         lines += QString::number(n + 1) + u';' + AddressText(Word(list, at), LastAccessoryAddress) + u';'
             + CsvCell(WithoutTrailingBlanks(name)) + u';' + QString::number(list.at(at + SymbolOffset));
     }
@@ -115,8 +122,9 @@ Change RouteChange(CsvSheet &sheet, const CsvRow &row, size_t n)
         auto &routes = std::get<Routes>(value);
         if (address)
             PutAddress(routes, at, *address, LastFeedbackAddress);
-        if (word)
-            routes.at(at + TriggerOffset) = word->toLower() == OccupiedWord ? 1 : 0;
+        const int trigger = word && word->toLower() == OccupiedWord ? 1 : 0;
+        if (word && (routes.at(at + TriggerOffset) & 1) != trigger) // the byte's other bits may mean something
+            routes.at(at + TriggerOffset) = trigger;
     };
 }
 
@@ -129,8 +137,11 @@ Change AssignmentChange(CsvSheet &sheet, const CsvRow &row, size_t n)
     };
 }
 
+/// As with the addresses, nothing stays nothing in whatever form.
 void PutDesignation(AccessoryList &list, size_t at, const QString &text)
 {
+    if (text.isEmpty() && !IsDefined(list, at))
+        return;
     std::vector<int> codes(DesignationLength);
     EncodeName(text, codes, 0, DesignationLength);
     list.at(at) = codes.at(0);
