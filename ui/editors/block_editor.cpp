@@ -31,6 +31,7 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     : grid(new Grid(look.rows, static_cast<int>(look.headings.size()), this))
     , input(new CellInput(grid))
     , tableLoaded(loaded)
+    , history([this] { return state(); }, [this](const TableState &kept) { restore(kept); })
     , readBut(NamedButton(look.readName, look.readCaption, this))
     , writeBut(NamedButton(look.writeName, look.writeCaption, this))
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
@@ -43,6 +44,7 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     setWindowTitle(look.caption);
     buildGrid(look);
     buildLayout();
+    addEdits();
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
     connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
     connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
@@ -53,7 +55,6 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
             act(row, column);
     });
     connect(grid, &Grid::inputTyped, this, &BlockEditor::type);
-    updateMarks();
 }
 
 void BlockEditor::buildGrid(const BlockEditorLook &look)
@@ -90,6 +91,8 @@ void BlockEditor::buildLayout()
 
 void BlockEditor::showEvent(QShowEvent *event)
 {
+    if (written.empty())
+        written = entries();
     updateMarks();
     QWidget::showEvent(event);
 }
@@ -131,7 +134,9 @@ void BlockEditor::read(const Command &command)
     if (outcome.brokenOff())
         return;
     tableLoaded = true;
-    changed = false;
+    history.stack().clear();
+    written = entries();
+    writeFailed = false;
     complete = outcome.ok();
     updateMarks();
 }
@@ -141,8 +146,9 @@ void BlockEditor::write(const Command &command)
     const std::function<Outcome()> write = writeOfTable();
     if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
         return;
-    if (write().ok()) // every failure has been told by then
-        changed = false;
+    writeFailed = !write().ok(); // every failure has been told by then
+    if (!writeFailed)
+        written = entries();
     updateMarks();
 }
 
@@ -152,11 +158,8 @@ void BlockEditor::act(int row, int column)
     if (!command.ok())
         return;
     working = !takesInput(column); // an input is ended by the wish to leave
-    const std::vector<int> before = entries();
-    actOn(row, column);
-    changed = changed || entries() != before;
+    change([this, row, column] { actOn(row, column); });
     working = false;
-    updateMarks();
 }
 
 /// A character typed on a cell begins its input, as in a spreadsheet.
@@ -175,14 +178,14 @@ void BlockEditor::updateMarks()
 {
     writeBut->setEnabled(tableLoaded);
     unreadLbl->setVisible(!tableLoaded);
-    changedLbl->setVisible(changed);
+    changedLbl->setVisible(hasUnwrittenChanges());
     doubtLbl->setVisible(!complete);
 }
 
-void BlockEditor::showSymbol(int row, int redColumn, int symbol)
+void BlockEditor::showSymbol(int row)
 {
-    ShowSymbol(grid, row, redColumn, SymbolKind::Accessory, symbol, HalfOff);
-    ShowSymbol(grid, row, redColumn + 1, SymbolKind::Accessory, symbol, HalfOn);
+    ShowSymbol(grid, row, redColumn(), SymbolKind::Accessory, symbolOf(row), HalfOff);
+    ShowSymbol(grid, row, redColumn() + 1, SymbolKind::Accessory, symbolOf(row), HalfOn);
 }
 
 int BlockEditor::pickAccessorySymbol(int present)
