@@ -404,6 +404,36 @@ TEST_F(MainWindowTest, ARecordOrItsFunctionsAreCopiedToAnotherAddress)
     act("FunktionenUebertragen");
 }
 
+TEST_F(MainWindowTest, WhatIsChangedInARecordIsTakenBack)
+{
+    const auto act = [this](const char *name) { window().findChild<QAction *>(QLatin1String(name))->trigger(); };
+    Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const LocoRecord read = CurrentLocoRecord();
+    const QString name = field("LoknameTxt")->text();
+    field("LoknameTxt")->setText(QStringLiteral("N"));
+    field("LoknameTxt")->setText(QStringLiteral("NEU")); // one step
+    Q_EMIT grid->cellActed(5, 3);
+    window().findChild<QCheckBox *>(QStringLiteral("MultiUniChk"))->toggle();
+    const LocoRecord changed = CurrentLocoRecord();
+    click("ResetLokdatenBut");
+    act("UndoAction"); // brings a deleted record back for writing
+    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("NEU"));
+    for (int i = 0; i < 3; ++i)
+        act("UndoAction");
+    EXPECT_EQ(CurrentLocoRecord(), read);
+    EXPECT_EQ(field("LoknameTxt")->text(), name);
+    for (int i = 0; i < 3; ++i)
+        act("RedoAction");
+    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(grid->text(5, 3), QString::number(changed.modes.at(5)));
+    click("LeseLokDatensatzBut");
+    act("UndoAction"); // of another record
+    EXPECT_TRUE(IsEmptyName(LokName) || LokName == LeerName());
+}
+
 TEST_F(MainWindowTest, TheHelpIsSearchedAndItsHeadingsStandOut)
 {
     action("help_menu")->trigger();
