@@ -6,6 +6,7 @@
 #include "program/run_control.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/widgets/grid.h"
 
 #include <QAction>
@@ -20,6 +21,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShortcut>
 
 class MainWindowTest : public WindowWorld
 {
@@ -432,6 +434,52 @@ TEST_F(MainWindowTest, WhatIsChangedInARecordIsTakenBack)
     click("LeseLokDatensatzBut");
     act("UndoAction"); // of another record
     EXPECT_TRUE(IsEmptyName(LokName) || LokName == LeerName());
+}
+
+TEST_F(MainWindowTest, NoKeyIsTakenTwiceInAWindow)
+{
+    for (const char *item : {"MagSymMenu", "MagListeMenu", "FSMenu", "ZentraleMenu", "help_menu"})
+        trigger(item);
+    for (const QWidget *top : QApplication::topLevelWidgets()) {
+        QStringList keys;
+        for (const QAction *action : top->findChildren<QAction *>()) {
+            for (const QKeySequence &key : action->shortcuts())
+                keys += key.toString();
+        }
+        for (const QShortcut *shortcut : top->findChildren<QShortcut *>())
+            keys += shortcut->key().toString();
+        for (const QAbstractButton *button : top->findChildren<QAbstractButton *>())
+            keys += button->shortcut().toString();
+        keys.removeAll(QString());
+        EXPECT_EQ(keys.removeDuplicates(), 0)
+            << top->objectName().toStdString() << ' ' << keys.join(u' ').toStdString();
+    }
+}
+
+TEST_F(MainWindowTest, TypingOnTheFunctionsGoesToARow)
+{
+    Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    grid->setCurrentCell(0, 0);
+    struct {
+        const char *typed;
+        double pause; // seconds before it
+        int row;
+    } const rows[] = {{"1", 2, 1}, {"2", 0.5, 12}, {"4", 2, 4}, {"x", 0, 4}};
+    for (const auto &[typed, pause, row] : rows) {
+        events.run(pause);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QLatin1String(typed));
+        QApplication::sendEvent(grid, &key);
+        EXPECT_EQ(grid->currentRow(), row) << typed;
+    }
+    const QString word = SymbolName(SymbolKind::Function, FktSymbol.at(7)).section(u' ', 0, 0);
+    ASSERT_FALSE(word.isEmpty());
+    events.run(2);
+    grid->setCurrentCell(6, 1);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, word);
+    QApplication::sendEvent(grid, &key);
+    EXPECT_EQ(grid->currentRow(), 7);
 }
 
 TEST_F(MainWindowTest, TheHelpIsSearchedAndItsHeadingsStandOut)

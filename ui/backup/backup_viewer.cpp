@@ -6,6 +6,7 @@
 #include "ui/common/command.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -191,6 +192,13 @@ void BackupViewer::buildLayout()
     layout->addLayout(buttonRow);
     setTabOrder(filterTxt, table);
     setTabOrder(table, csvBut);
+    SearchIn(filterTxt, table);
+    AltKey(filterTxt, Qt::Key_F);
+    AltKey(table, Qt::Key_T);
+    AltKey(csvBut, Qt::Key_C);
+    AltKey(pdfBut, Qt::Key_P);
+    AltKey(printBut, Qt::Key_D);
+    AltKey(okButton, Qt::Key_O);
     connect(csvBut, &QPushButton::clicked, this, &BackupViewer::exportCsv);
     connect(pdfBut, &QPushButton::clicked, this, &BackupViewer::exportPdf);
     connect(printBut, &QPushButton::clicked, this, &BackupViewer::print);

@@ -3,6 +3,7 @@
 #include "handheld/backup/number_list.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/leavable_window.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -46,6 +47,8 @@ public:
         connect(copyBut, &QPushButton::clicked, this,
             [this] { QGuiApplication::clipboard()->setText(addressTxt->toPlainText()); });
         connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+        AltKey(copyBut, Qt::Key_K);
+        AltKey(okButton, Qt::Key_O);
         setDefaultButton(okButton);
     }
 

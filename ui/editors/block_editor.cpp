@@ -8,6 +8,7 @@
 #include "ui/editors/cell_input.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -30,6 +31,7 @@ constexpr int LeastRowsShown = 6;
 BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     : grid(new Grid(look.rows, static_cast<int>(look.headings.size()), this))
     , input(new CellInput(grid))
+    , search(grid)
     , tableLoaded(loaded)
     , history([this] { return state(); }, [this](const TableState &kept) { restore(kept); })
     , readBut(NamedButton(look.readName, look.readCaption, this))
@@ -49,6 +51,10 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
     connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
     connect(cancelBut, &QPushButton::clicked, this, &BlockEditor::leave);
+    AltKey(readBut, Qt::Key_L);
+    AltKey(writeBut, Qt::Key_S);
+    AltKey(cancelBut, Qt::Key_A);
+    AltKey(grid, Qt::Key_T);
     connect(grid, &Grid::cellActed, this, &BlockEditor::act);
     connect(grid, &Grid::inputAsked, this, [this](int row, int column) {
         if (takesInput(column))
@@ -162,11 +168,13 @@ void BlockEditor::act(int row, int column)
     working = false;
 }
 
-/// A character typed on a cell begins its input, as in a spreadsheet.
+/// A character typed on a cell begins its input, as in a spreadsheet; on others it goes to a row.
 void BlockEditor::type(int row, int column, const QString &firstCharacter)
 {
-    if (!takesInput(column))
+    if (!takesInput(column)) {
+        search.type(firstCharacter);
         return;
+    }
     TheEvents().post([this, firstCharacter] { // once the input is open and waits
         if (grid->inputIsOpen())
             grid->inputBox()->setText(firstCharacter);

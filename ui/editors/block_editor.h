@@ -8,6 +8,7 @@
 #pragma once
 
 #include "program/outcome.h"
+#include "ui/common/type_search.h"
 #include "ui/widgets/leavable_window.h"
 #include "ui/widgets/snapshot_history.h"
 
@@ -124,6 +125,7 @@ private:
     void type(int row, int column, const QString &firstCharacter);
     void updateMarks();
 
+    TypeSearch search;        // where a character begins no input
     bool working = false;     // a command of this window runs
     std::vector<int> written; // the entries that the handheld holds, as far as the window knows
     bool writeFailed = false; // what the handheld holds is not known

@@ -13,6 +13,7 @@
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -77,6 +78,7 @@ LocoEditor::LocoEditor(QWidget *parent)
     , writeBut(NamedButton(QStringLiteral("SchreibeLokDatensatzBut"), QStringLiteral("Schreibe Lokdatensatz"), this))
     , deleteBut(NamedButton(QStringLiteral("ResetLokdatenBut"), QStringLiteral("Lokdatensatz löschen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
+    , search(fktTab)
     , history([this] { return state(); }, [this](const State &kept) { restore(kept); })
 {
     setObjectName(QStringLiteral("Frame1"));
@@ -176,10 +178,18 @@ void LocoEditor::connectControls()
     lokSymPic->makeClickable();
     connect(lokSymPic, &PictureBox::clicked, this, &LocoEditor::pickLocoSymbol);
     connect(fktTab, &Grid::cellActed, this, &LocoEditor::actOnFunction);
+    connect(fktTab, &Grid::inputTyped, this,
+        [this](int /*row*/, int /*column*/, const QString &character) { search.type(character); });
     connect(adrTxt, &QLineEdit::returnPressed, readBut, &QPushButton::click);
     connect(readBut, &QPushButton::clicked, this, &LocoEditor::readRecord);
     connect(writeBut, &QPushButton::clicked, this, &LocoEditor::writeRecord);
     connect(deleteBut, &QPushButton::clicked, this, &LocoEditor::deleteRecord);
+    // None for the deletion: it does not ask.
+    const std::initializer_list<std::pair<QWidget *, Qt::Key>> keys{{adrTxt, Qt::Key_R}, {loknameTxt, Qt::Key_N},
+        {lokSymPic, Qt::Key_Y}, {fktTab, Qt::Key_F}, {multiUniChk, Qt::Key_T}, {readBut, Qt::Key_L},
+        {writeBut, Qt::Key_S}};
+    for (const auto &[control, key] : keys)
+        AltKey(control, key);
 }
 
 void LocoEditor::focusAddress()

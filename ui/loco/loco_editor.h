@@ -5,6 +5,7 @@
 #pragma once
 
 #include "shown/record.h"
+#include "ui/common/type_search.h"
 #include "ui/widgets/snapshot_history.h"
 
 #include <QGroupBox>
@@ -94,6 +95,7 @@ private:
     LocoRecord copied;    // by the context menu; valid when something was copied
     bool copiedComplete = true;
     bool hasCopy = false;
+    TypeSearch search; // in the grid
     SnapshotHistory<State> history;
     int readAddress = 0; // where the record in memory was read; 0 = nowhere
 };
