@@ -1,5 +1,7 @@
 #include "handheld/loco_record.h"
 
+#include "handheld/known_locos.h"
+
 #include "link/text_encoding.h"
 
 #include <algorithm>
@@ -41,6 +43,14 @@ Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<int> data, in
     const int address = LocoRecordAddress(locoNumber);
     const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
     return ProgramPage(image, {address, true, {part}}, patience);
+}
+
+void Note(int locoNumber, const QString &name)
+{
+    if (IsEmptyName(name))
+        NoteNoLoco(locoNumber);
+    else
+        NoteLoco(locoNumber, name);
 }
 
 } // namespace
@@ -97,18 +107,27 @@ Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
     outcome.keep(ReadSlices(image, 0, 0));
     if (image.at(ReadPosition) != EmptyByte)
         outcome.keep(ReadSlices(image, SliceSize, LastSlice));
-    return {DecodeLoco(BytesAt(image, ReadPosition)), outcome};
+    LocoRecord record = DecodeLoco(BytesAt(image, ReadPosition));
+    if (outcome.ok())
+        Note(locoNumber, record.name);
+    return {std::move(record), outcome};
 }
 
 Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience)
 {
     const LocoBytes bytes = EncodeLoco(record, BytesAt(image, WritePosition));
-    return ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
+    Outcome outcome = ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
+    if (outcome.ok())
+        Note(locoNumber, IsEmptyName(record.name) ? record.name : AsStored(record.name, NameLength));
+    return outcome;
 }
 
 Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
 {
-    return ProgramRecord(image, locoNumber, std::vector<int>(NameLength, EmptyByte), 0, patience);
+    Outcome outcome = ProgramRecord(image, locoNumber, std::vector<int>(NameLength, EmptyByte), 0, patience);
+    if (outcome.ok())
+        NoteNoLoco(locoNumber);
+    return outcome;
 }
 
 Result<bool> LocoIsUsed(int locoNumber)
@@ -117,5 +136,10 @@ Result<bool> LocoIsUsed(int locoNumber)
     Outcome outcome = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
     if (outcome.ok())
         outcome = read_spibuf(image, 0);
-    return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
+    const bool used = outcome.ok() && image.at(ReadPosition) != EmptyByte;
+    if (used)
+        NoteLoco(locoNumber, {});
+    else if (outcome.ok())
+        NoteNoLoco(locoNumber);
+    return {used, outcome};
 }

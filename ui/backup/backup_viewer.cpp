@@ -2,12 +2,14 @@
 
 #include "jobs/report.h"
 #include "platform/files.h"
+#include "program/recent_files.h"
 #include "ui/backup/table_print.h"
 #include "ui/common/command.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/window_keys.h"
 
+#include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -120,6 +122,7 @@ BackupViewer::BackupViewer()
     shown->setFilterCaseSensitivity(Qt::CaseInsensitive);
     buildTable();
     buildLayout();
+    addRecentFiles();
     resize(StartSize.boundedTo(screen()->availableSize()));
     connect(filterTxt, &QLineEdit::textChanged, this, &BackupViewer::filterChanged);
 }
@@ -219,6 +222,32 @@ void BackupViewer::load(const QString &fileName, const DdsContent &content)
     filterTxt->setFocus();
 }
 
+void BackupViewer::addRecentFiles()
+{
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    NamedAction(QStringLiteral("ZuletztAction"), QStringLiteral("Zuletzt geöffnet oder gesichert:"), {}, this, [] {
+    })->setEnabled(false);
+    for (qsizetype i = 0; i < MostRecentFiles; ++i) {
+        const QString name = QStringLiteral("Zuletzt%1Action").arg(i);
+        recentFiles.push_back(NamedAction(name, {}, {}, this, [i] {
+            const Command command;
+            const QStringList files = RecentFiles();
+            if (command.ok() && i < files.size())
+                OpenBackupViewer(files.at(i));
+        }));
+    }
+}
+
+void BackupViewer::showRecentFiles()
+{
+    const QStringList files = RecentFiles();
+    for (size_t i = 0; i < recentFiles.size(); ++i) {
+        const QString file = files.value(static_cast<qsizetype>(i));
+        recentFiles.at(i)->setVisible(!file.isEmpty());
+        recentFiles.at(i)->setText(QDir::toNativeSeparators(file).replace(u'&', QStringLiteral("&&")));
+    }
+}
+
 void BackupViewer::filterChanged()
 {
     shown->setFilterFixedString(filterTxt->text().trimmed());
@@ -283,6 +312,14 @@ void BackupViewer::print()
 
 void OpenBackupViewer(const QString &fileName)
 {
+    if (!QFileInfo::exists(fileName)) {
+        ForgetRecentFile(fileName);
+        if (viewer)
+            viewer->showRecentFiles();
+        TheAsk().showBox({QStringLiteral("Die Datei %1 gibt es nicht!").arg(QDir::toNativeSeparators(fileName)),
+            QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return;
+    }
     const auto file = LoadDds(fileName);
     if (!file) {
         TheAsk().showBox(
@@ -292,7 +329,9 @@ void OpenBackupViewer(const QString &fileName)
     }
     if (!viewer)
         viewer = std::make_unique<BackupViewer>();
+    NoteRecentFile(fileName);
     viewer->load(fileName, ReadDds(*file));
+    viewer->showRecentFiles();
 }
 
 void ResetBackupViewer()

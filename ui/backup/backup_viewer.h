@@ -1,4 +1,5 @@
-// The window that shows the loco records of a backup file.
+// The window that shows the loco records of a backup file. Its context menu offers the files that were opened or saved
+// last.
 #pragma once
 
 #include "handheld/backup/dds_file.h"
@@ -10,6 +11,7 @@ class BackupTable;
 class QLabel;
 class QLineEdit;
 class QTableView;
+class QAction;
 struct RosterLoco;
 
 class BackupViewer : public LeavableWindow
@@ -22,10 +24,14 @@ public:
     /// Shows a file's content. A damaged file is shown up to the damage, which the line under the table names.
     void load(const QString &fileName, const DdsContent &content);
 
+    /// Lays the recent files into the context menu.
+    void showRecentFiles();
+
 private:
     void buildTable();
     QWidget *buildFilterRow();
     void buildLayout();
+    void addRecentFiles();
     void filterChanged();
     [[nodiscard]] std::vector<RosterLoco> shownLocos() const;
     void saveFile(const QString &filter, const QByteArray &bytes);
@@ -39,13 +45,15 @@ private:
     QLineEdit *filterTxt;
     QLabel *countLbl;
     QLabel *summaryLbl;
-    QString documentName; // of a print job
+    std::vector<QAction *> recentFiles; // as many as there may be
+    QString documentName;               // of a print job
 };
 
 /// What a file holds beside its loco records, and whether its structure is sound: two lines of German text.
 QString SummaryText(const DdsContent &content);
 
-/// Shows a file in the viewer; a file that cannot be read is reported by a "Fehler!" box. Nobody waits for the
+/// Shows a file in the viewer; a file that cannot be read is reported by a "Fehler!" box, one that is gone leaves the
+/// list of recent files. Nobody waits for the
 /// window.
 void OpenBackupViewer(const QString &fileName);
 
