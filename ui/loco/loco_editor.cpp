@@ -141,6 +141,7 @@ QHBoxLayout *LocoEditor::buildButtons()
     auto *row = new QHBoxLayout;
     for (QPushButton *button : {readBut, writeBut, deleteBut})
         row->addWidget(button);
+    row->addStretch();
     return row;
 }
 

@@ -229,6 +229,7 @@ void SymbolEditor::buildLayout()
     buttons->addWidget(writeBut, 0, 1);
     buttons->addWidget(editBut, 1, 0);
     buttons->addWidget(doubtLbl, 1, 1);
+    buttons->setColumnStretch(2, 1); // they keep their size in a wide window
     layout->addLayout(buttons);
     orderTabs();
 }
