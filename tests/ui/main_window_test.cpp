@@ -456,6 +456,16 @@ TEST_F(MainWindowTest, NoKeyIsTakenTwiceInAWindow)
     }
 }
 
+TEST_F(MainWindowTest, TabEntersAnOptionGroupAtTheChosenOne)
+{
+    const auto *green = window().findChild<QRadioButton *>(QStringLiteral("ONOFFMag0"));
+    auto *red = window().findChild<QRadioButton *>(QStringLiteral("ONOFFMag1"));
+    const auto entered = [](const QRadioButton *option) { return option->focusPolicy() == Qt::StrongFocus; };
+    EXPECT_TRUE(entered(green) && !entered(red));
+    red->click();
+    EXPECT_TRUE(entered(red) && !entered(green));
+}
+
 TEST_F(MainWindowTest, TypingOnTheFunctionsGoesToARow)
 {
     Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));

@@ -5,6 +5,7 @@
 #include "program/recent_files.h"
 #include "ui/backup/table_print.h"
 #include "ui/common/command.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/window_keys.h"
@@ -21,12 +22,37 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QScreen>
+#include <QSortFilterProxyModel>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 
 #include <memory>
 #include <utility>
+
+/// Address or name contain the filter's text, or a word of the loco symbol begins with it.
+class LocoFilter : public QSortFilterProxyModel
+{
+public:
+    LocoFilter(const BackupTable *all, QObject *parent) : QSortFilterProxyModel(parent), table(all) { }
+
+    void setWanted(const QString &text)
+    {
+        wanted = text;
+        setFilterFixedString(text);
+    }
+
+protected:
+    [[nodiscard]] bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+    {
+        return QSortFilterProxyModel::filterAcceptsRow(row, parent)
+            || SymbolHasWord(SymbolKind::Loco, table->loco(row).record.locoSymbol, wanted);
+    }
+
+private:
+    const BackupTable *table;
+    QString wanted;
+};
 
 namespace
 {
@@ -108,7 +134,7 @@ QString SummaryText(const DdsContent &content)
 
 BackupViewer::BackupViewer()
     : model(new BackupTable(this))
-    , shown(new QSortFilterProxyModel(this))
+    , shown(new LocoFilter(model, this))
     , table(new QTableView(this))
     , filterTxt(NamedField(QStringLiteral("FilterTxt"), QStringLiteral("Filter:"), this))
     , countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
@@ -158,7 +184,8 @@ void BackupViewer::buildTable()
 QWidget *BackupViewer::buildFilterRow()
 {
     auto *area = new QWidget(this);
-    auto *label = NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter (Adresse oder Name):"), area);
+    auto *label =
+        NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter (Adresse, Name oder Symbol):"), area);
     label->setBuddy(filterTxt);
     filterTxt->setClearButtonEnabled(true);
     auto *layout = new QHBoxLayout(area);
@@ -250,7 +277,7 @@ void BackupViewer::showRecentFiles()
 
 void BackupViewer::filterChanged()
 {
-    shown->setFilterFixedString(filterTxt->text().trimmed());
+    shown->setWanted(filterTxt->text().trimmed());
     if (model->rowCount() == 0)
         countLbl->setText(QStringLiteral("enthält keine Lokdatensätze"));
     else

@@ -5,9 +5,8 @@
 #include "handheld/backup/dds_file.h"
 #include "ui/widgets/leavable_window.h"
 
-#include <QSortFilterProxyModel>
-
 class BackupTable;
+class LocoFilter;
 class QLabel;
 class QLineEdit;
 class QTableView;
@@ -40,7 +39,7 @@ private:
     void print();
 
     BackupTable *model;
-    QSortFilterProxyModel *shown;
+    LocoFilter *shown;
     QTableView *table;
     QLineEdit *filterTxt;
     QLabel *countLbl;

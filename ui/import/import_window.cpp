@@ -106,7 +106,7 @@ void ImportWindow::buildLayout()
 {
     auto *filterLabel = NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter:"), this);
     filterLabel->setBuddy(filterTxt);
-    filterTxt->setPlaceholderText(QStringLiteral("Adresse oder Name"));
+    filterTxt->setPlaceholderText(QStringLiteral("Adresse, Name oder Symbol"));
     filterTxt->setClearButtonEnabled(true);
     auto *filterRow = new QHBoxLayout;
     filterRow->addWidget(filterLabel);
@@ -302,7 +302,8 @@ void ImportWindow::filterRows()
         const DownloadedLoco &loco = locos.at(static_cast<size_t>(row));
         const bool fits = QString::number(loco.address).contains(wanted)
             || loco.name.contains(wanted, Qt::CaseInsensitive)
-            || loco.stationName.contains(wanted, Qt::CaseInsensitive);
+            || loco.stationName.contains(wanted, Qt::CaseInsensitive)
+            || SymbolHasWord(SymbolKind::Loco, loco.locoSymbol, wanted);
         grid->setRowHidden(row, !fits);
     }
     showCount();

@@ -28,18 +28,21 @@ QString TypedCharacter(const QEvent *event)
     return character && !command ? key->text() : QString();
 }
 
-/// Sends what is typed on a list to its search field.
+/// Sends what is typed on a list to its search field; Down leads back from the field to the list.
 class TypeIntoField : public QObject
 {
 public:
-    TypeIntoField(QLineEdit *searchField, QAbstractItemView *list) : QObject(list), field(searchField)
+    TypeIntoField(QLineEdit *searchField, QAbstractItemView *list) : QObject(list), field(searchField), view(list)
     {
         list->installEventFilter(this);
+        field->installEventFilter(this);
     }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
     {
+        if (watched == field)
+            return goesDown(event);
         const QString typed = TypedCharacter(event);
         if (typed.isEmpty())
             return QObject::eventFilter(watched, event);
@@ -49,7 +52,17 @@ protected:
     }
 
 private:
+    bool goesDown(const QEvent *event)
+    {
+        const bool down =
+            event->type() == QEvent::KeyPress && static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Down;
+        if (down)
+            view->setFocus();
+        return down;
+    }
+
     QLineEdit *field;
+    QAbstractItemView *view;
 };
 
 class MenuLetters : public QObject

@@ -21,4 +21,5 @@ void AltKey(QMenu *menu, Qt::Key key);
 void TabToChosen(const QList<QRadioButton *> &group);
 
 /// Ctrl+F in the list's window goes to the search field; so does a letter or digit that is typed on the list.
+/// Down in the field leads to the list.
 void SearchIn(QLineEdit *field, QAbstractItemView *list);
