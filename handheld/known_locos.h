@@ -1,11 +1,11 @@
-// Which loco addresses of the handheld in service are known to be used, from what was read, looked for and written since
-// it was found. Another handheld may answer to the next search: it forgets all.
+// Which loco addresses of the handheld in service are known to be used, from what was read, looked for and written
+// since it was found. Another handheld may answer to the next search: it forgets all.
 #pragma once
 
 #include <QString>
 
-/// Called by whoever has read, looked at or written a loco record without a doubt. A name that is not known is empty and
-/// leaves a known one as it is.
+/// Called by whoever has read, looked at or written a loco record without a doubt. An empty name means that it is not
+/// known; one that is known already stays then.
 void NoteLoco(int address, const QString &name);
 void NoteNoLoco(int address);
 

@@ -80,7 +80,7 @@ private:
         const Command command; // refused while the selection window is waited for, which takes the list itself
         if (!LayLocoList(ShortList(shown, {}), command.ok()))
             return;
-        countLbl->setText(QStringLiteral("%1 In \"Daten sichern\" übernommen.").arg(CountText(shown.size())));
+        countLbl->setText(QStringLiteral("%1 in \"Daten sichern\" übernommen").arg(CountText(shown.size())));
     }
 
     static QString CountText(size_t count)

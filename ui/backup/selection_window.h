@@ -68,8 +68,8 @@ private:
     bool isAccepted = false;
 };
 
-/// Makes a number list the choice of the locos, without a search: in the open window, else, when that is allowed, in the
-/// saved selection. False when neither was done.
+/// Makes a number list the choice of the locos, without a search: in the open window, else, when that is allowed, in
+/// the saved selection. False when neither was done.
 bool LayLocoList(const QString &list, bool maySave);
 
 /// Lets the user change the selection. False after a cancel or when the program ends; the selection is as it was

@@ -55,7 +55,8 @@ public:
     [[nodiscard]] bool inputIsOpen() const;
 
 Q_SIGNALS:
-    /// The user acted on a cell: a click without Shift and Ctrl (these only mark cells), or Enter or Space on the current cell.
+    /// The user acted on a cell: a click without Shift and Ctrl (these only mark cells), or Enter or Space on the
+    /// current cell.
     void cellActed(int row, int column);
     /// F2 on the current cell.
     void inputAsked(int row, int column);

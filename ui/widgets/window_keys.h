@@ -13,8 +13,8 @@ class QWidget;
 /// control's text stays as it is.
 void AltKey(QWidget *target, Qt::Key key);
 
-/// Alt with a letter opens a menu of a menu bar; in the open menu a letter goes to the next item that begins with it and
-/// chooses it where it is the only one.
+/// Alt with a letter opens a menu of a menu bar; in the open menu a letter goes to the next item that begins with it
+/// and chooses it where it is the only one.
 void AltKey(QMenu *menu, Qt::Key key);
 
 /// Tab enters a group of option buttons at the chosen one, while none is chosen at the first one.
