@@ -93,7 +93,7 @@ std::optional<std::vector<int>> ListArgument(const QString &text, int low, int h
     const QString list = text == u"alle" ? QString(QString::number(low) + u'-' + QString::number(high)) : text;
     const QString fault = NumberListFault(list, low, high);
     if (fault.isEmpty())
-        return NumbersOf(list);
+        return EachNumberOnce(list);
     UsageFault(QStringLiteral("Liste \"%1\": %2").arg(text, fault));
     return {};
 }

@@ -1,6 +1,7 @@
 #include "handheld/discovery.h"
 
 #include "handheld/flash_map.h"
+#include "handheld/known_locos.h"
 #include "handheld/transfer.h"
 #include "link/exchange.h"
 #include "link/open_link.h"
@@ -169,6 +170,7 @@ Result<HandheldInfo> FindHandheld()
         return {{}, called};
     }
     HandreglerGefunden = true;
+    ForgetKnownLocos(); // it may be another one
     HandheldInfo info = ReadHandheldInfo().value;
     info.kind = KindOfType(info.type);
     return {info, called};
@@ -203,5 +205,6 @@ Outcome SendHandheldBackNoWait()
 
 void ResetDiscovery()
 {
+    ForgetKnownLocos();
     calledWithoutAnswer = false;
 }

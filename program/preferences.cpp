@@ -9,13 +9,12 @@ namespace
 {
 
 const auto FastKey = QStringLiteral("Verbindung/Schnell");
+} // namespace
 
 QString PreferencesPath()
 {
     return KonfPath(QStringLiteral("\\konf\\Einstellungen.ini"));
 }
-
-} // namespace
 
 bool FastPreferred()
 {

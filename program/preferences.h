@@ -1,8 +1,13 @@
-// What the user prefers, kept in konf\Einstellungen.ini (INI format, shared with the windows' sizes).
+// What the user prefers, kept in konf\Einstellungen.ini (INI format, also holds the windows' sizes and the recent files).
 //
 //   [Verbindung]
 //   Schnell=true     messages follow each other as fast as the line allows (link/cadence.h); false when missing
 #pragma once
+
+#include <QString>
+
+/// The file, for others who keep a group of their own in it.
+QString PreferencesPath();
 
 bool FastPreferred();
 

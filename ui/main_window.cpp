@@ -80,8 +80,10 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     symbols->insertWidget(3, NamedLine(QStringLiteral("Line4"), area));
     symbols->addStretch();
     auto *layout = new QHBoxLayout(area);
-    layout->addWidget(locoEditor);
+    // A larger window has blank space beside and below: all keeps its size and place.
+    layout->addWidget(locoEditor, 0, Qt::AlignTop);
     layout->addLayout(symbols);
+    layout->addStretch(1);
     setCentralWidget(area);
     menuItems = BuildMenuBar(this, menuActions());
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));

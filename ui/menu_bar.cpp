@@ -1,6 +1,7 @@
 #include "ui/menu_bar.h"
 
 #include "program/branding.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QAction>
 #include <QKeySequence>
@@ -22,32 +23,39 @@ struct Item {
 struct Menu {
     const char *name;
     QString caption;
+    Qt::Key key; // with Alt
     std::vector<Item> items;
 };
+
+/// The first letter of the product's name.
+Qt::Key OptionsKey()
+{
+    return static_cast<Qt::Key>(TheBranding().productLabel.front().toUpper().unicode());
+}
 
 std::vector<Menu> Menus()
 {
     return {
-        {"datei_menu", QStringLiteral("Datei"),
+        {"datei_menu", QStringLiteral("Datei"), Qt::Key_D,
             {{"datenlesen_menu", QStringLiteral("Daten eines Handreglers sichern")},
                 {"datenanzeigen_menu", QStringLiteral("Datensicherung (Lokdatensätze) anzeigen")},
                 {"datenschreiben_menu", QStringLiteral("Datensicherung zurückschreiben")},
                 {"ende_menu", QStringLiteral("Beenden"), QKeySequence(Qt::CTRL | Qt::Key_Q)}}},
-        {"Opt_menu", TheBranding().productLabel,
+        {"Opt_menu", TheBranding().productLabel, OptionsKey(),
             {{"Opt_VeskaNormalModus", QStringLiteral("zurück in den Bedienmodus")},
                 {"Opt_clear_all_loco", QStringLiteral("alle Lokdatensätze löschen")},
                 {"optstrich", QStringLiteral("-----------------------------")},
                 {"Opt_abschalt", QStringLiteral("Abschaltzeit korrigieren")},
                 {"Opt_Fktsym", QStringLiteral("Funktionssymbole korrigieren")}}},
-        {"MagFsMenu", QStringLiteral("Mag.Art. und Fahrstr."),
+        {"MagFsMenu", QStringLiteral("Mag.Art. und Fahrstr."), Qt::Key_M,
             {{"MagSymMenu", QStringLiteral("Mag.Art. Symbole zuordnen")},
                 {"MagListeMenu", QStringLiteral("Mag.Art. Liste ändern")},
                 {"FSMenu", QStringLiteral("Fahrstraßendaten ändern")},
                 {"StartBildMenu", QStringLiteral("Startbild ändern")}}},
-        {"OV_Menu", QStringLiteral("Zentralen"),
+        {"OV_Menu", QStringLiteral("Zentralen"), Qt::Key_Z,
             {{"ZentraleMenu", QStringLiteral("Zentrale auswählen")},
                 {"LokDataMenu", TheBranding().lokDataMenuCaption}}},
-        {"info_menu", QStringLiteral("Info"),
+        {"info_menu", QStringLiteral("Info"), Qt::Key_I,
             {{"zeichen_menu", QStringLiteral("Zeichensatz")},
                 {"help_menu", QStringLiteral("Hilfe"), QKeySequence(Qt::Key_F1)},
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
@@ -74,6 +82,7 @@ MenuItems BuildMenuBar(QMainWindow *window, const MenuActions &actions)
     for (const Menu &menu : Menus()) {
         QMenu *widget = window->menuBar()->addMenu(menu.caption);
         widget->setObjectName(QLatin1String(menu.name));
+        AltKey(widget, menu.key);
         for (const Item &item : menu.items)
             items[QLatin1String(item.name)] = AddItem(widget, item, actions);
     }

@@ -126,7 +126,7 @@ QString NumberListFault(const QString &text, int low, int high)
     return entries.isEmpty() ? QStringLiteral("es ist keine Nummer angegeben") : QString();
 }
 
-std::vector<int> NumbersOf(const QString &text)
+std::vector<int> EachNumberOnce(const QString &text)
 {
     std::vector<int> numbers;
     std::set<int> seen;

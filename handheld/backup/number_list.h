@@ -33,7 +33,7 @@ private:
 QString NumberListFault(const QString &text, int low, int high);
 
 /// The numbers of a checked text, each once, in the order of the text.
-std::vector<int> NumbersOf(const QString &text);
+std::vector<int> EachNumberOnce(const QString &text);
 
 /// The numbers as the shortest list, ascending, each once: 8, 1, 2, 3 becomes "1-3,8". After every ten entries
 /// comes the line separator.

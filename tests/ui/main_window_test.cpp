@@ -6,6 +6,7 @@
 #include "program/run_control.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/widgets/grid.h"
 
 #include <QAction>
@@ -20,6 +21,7 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShortcut>
 
 class MainWindowTest : public WindowWorld
 {
@@ -402,6 +404,92 @@ TEST_F(MainWindowTest, ARecordOrItsFunctionsAreCopiedToAnotherAddress)
         QStringLiteral("1-x"));
     user.expect(QStringLiteral("\"1-x\" ist keine Nummer und kein Bereich wie 1-5"), QStringLiteral("Fehler!"));
     act("FunktionenUebertragen");
+}
+
+TEST_F(MainWindowTest, WhatIsChangedInARecordIsTakenBack)
+{
+    const auto act = [this](const char *name) { window().findChild<QAction *>(QLatin1String(name))->trigger(); };
+    Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const LocoRecord read = CurrentLocoRecord();
+    const QString name = field("LoknameTxt")->text();
+    field("LoknameTxt")->setText(QStringLiteral("N"));
+    field("LoknameTxt")->setText(QStringLiteral("NEU")); // one step
+    Q_EMIT grid->cellActed(5, 3);
+    window().findChild<QCheckBox *>(QStringLiteral("MultiUniChk"))->toggle();
+    const LocoRecord changed = CurrentLocoRecord();
+    click("ResetLokdatenBut");
+    act("UndoAction"); // brings a deleted record back for writing
+    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("NEU"));
+    for (int i = 0; i < 3; ++i)
+        act("UndoAction");
+    EXPECT_EQ(CurrentLocoRecord(), read);
+    EXPECT_EQ(field("LoknameTxt")->text(), name);
+    for (int i = 0; i < 3; ++i)
+        act("RedoAction");
+    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(grid->text(5, 3), QString::number(changed.modes.at(5)));
+    click("LeseLokDatensatzBut");
+    act("UndoAction"); // of another record
+    EXPECT_TRUE(IsEmptyName(LokName) || LokName == LeerName());
+}
+
+TEST_F(MainWindowTest, NoKeyIsTakenTwiceInAWindow)
+{
+    for (const char *item : {"MagSymMenu", "MagListeMenu", "FSMenu", "ZentraleMenu", "help_menu"})
+        trigger(item);
+    for (const QWidget *top : QApplication::topLevelWidgets()) {
+        QStringList keys;
+        for (const QAction *action : top->findChildren<QAction *>()) {
+            for (const QKeySequence &key : action->shortcuts())
+                keys += key.toString();
+        }
+        for (const QShortcut *shortcut : top->findChildren<QShortcut *>())
+            keys += shortcut->key().toString();
+        for (const QAbstractButton *button : top->findChildren<QAbstractButton *>())
+            keys += button->shortcut().toString();
+        keys.removeAll(QString());
+        EXPECT_EQ(keys.removeDuplicates(), 0)
+            << top->objectName().toStdString() << ' ' << keys.join(u' ').toStdString();
+    }
+}
+
+TEST_F(MainWindowTest, TabEntersAnOptionGroupAtTheChosenOne)
+{
+    const auto *green = window().findChild<QRadioButton *>(QStringLiteral("ONOFFMag0"));
+    auto *red = window().findChild<QRadioButton *>(QStringLiteral("ONOFFMag1"));
+    const auto entered = [](const QRadioButton *option) { return option->focusPolicy() == Qt::StrongFocus; };
+    EXPECT_TRUE(entered(green) && !entered(red));
+    red->click();
+    EXPECT_TRUE(entered(red) && !entered(green));
+}
+
+TEST_F(MainWindowTest, TypingOnTheFunctionsGoesToARow)
+{
+    Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    grid->setCurrentCell(0, 0);
+    struct {
+        const char *typed;
+        double pause; // seconds before it
+        int row;
+    } const rows[] = {{"1", 2, 1}, {"2", 0.5, 12}, {"4", 2, 4}, {"x", 0, 4}};
+    for (const auto &[typed, pause, row] : rows) {
+        events.run(pause);
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, QLatin1String(typed));
+        QApplication::sendEvent(grid, &key);
+        EXPECT_EQ(grid->currentRow(), row) << typed;
+    }
+    const QString word = SymbolName(SymbolKind::Function, FktSymbol.at(7)).section(u' ', 0, 0);
+    ASSERT_FALSE(word.isEmpty());
+    events.run(2);
+    grid->setCurrentCell(6, 1);
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, word);
+    QApplication::sendEvent(grid, &key);
+    EXPECT_EQ(grid->currentRow(), 7);
 }
 
 TEST_F(MainWindowTest, TheHelpIsSearchedAndItsHeadingsStandOut)

@@ -3,6 +3,7 @@
 #include "jobs/backup.h"
 #include "jobs/restore.h"
 #include "program/branding.h"
+#include "program/recent_files.h"
 #include "ui/backup/backup_viewer.h"
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
@@ -33,6 +34,8 @@ void SaveHandheldData()
     if (!command.connected())
         return;
     const BackupOutcome outcome = Backup(fileName, selection);
+    if (outcome.written)
+        NoteRecentFile(outcome.fileName);
     ReportBackup(outcome);
     const bool worthShowing = outcome.end == JobEnd::Complete || !outcome.found.empty();
     if (selection.lokSuche && worthShowing && !BoxesAreSilent())
@@ -58,6 +61,8 @@ void RestoreHandheldData()
     if (fileName.isEmpty() || !command.connected())
         return;
     const auto offer = OfferRestore(fileName);
+    if (offer)
+        NoteRecentFile(fileName);
     if (offer && command.confirmed(offer->question, false))
         ReportRestore(Restore(offer->records));
 }

@@ -2,11 +2,15 @@
 
 #include "jobs/report.h"
 #include "platform/files.h"
+#include "program/recent_files.h"
 #include "ui/backup/table_print.h"
 #include "ui/common/command.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_keys.h"
 
+#include <QAction>
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -18,12 +22,37 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QScreen>
+#include <QSortFilterProxyModel>
 #include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 
 #include <memory>
 #include <utility>
+
+/// Address or name contain the filter's text, or a word of the loco symbol begins with it.
+class LocoFilter : public QSortFilterProxyModel
+{
+public:
+    LocoFilter(const BackupTable *all, QObject *parent) : QSortFilterProxyModel(parent), table(all) { }
+
+    void setWanted(const QString &text)
+    {
+        wanted = text;
+        setFilterFixedString(text);
+    }
+
+protected:
+    [[nodiscard]] bool filterAcceptsRow(int row, const QModelIndex &parent) const override
+    {
+        return QSortFilterProxyModel::filterAcceptsRow(row, parent)
+            || SymbolHasWord(SymbolKind::Loco, table->loco(row).record.locoSymbol, wanted);
+    }
+
+private:
+    const BackupTable *table;
+    QString wanted;
+};
 
 namespace
 {
@@ -105,7 +134,7 @@ QString SummaryText(const DdsContent &content)
 
 BackupViewer::BackupViewer()
     : model(new BackupTable(this))
-    , shown(new QSortFilterProxyModel(this))
+    , shown(new LocoFilter(model, this))
     , table(new QTableView(this))
     , filterTxt(NamedField(QStringLiteral("FilterTxt"), QStringLiteral("Filter:"), this))
     , countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
@@ -119,6 +148,7 @@ BackupViewer::BackupViewer()
     shown->setFilterCaseSensitivity(Qt::CaseInsensitive);
     buildTable();
     buildLayout();
+    addRecentFiles();
     resize(StartSize.boundedTo(screen()->availableSize()));
     connect(filterTxt, &QLineEdit::textChanged, this, &BackupViewer::filterChanged);
 }
@@ -154,7 +184,8 @@ void BackupViewer::buildTable()
 QWidget *BackupViewer::buildFilterRow()
 {
     auto *area = new QWidget(this);
-    auto *label = NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter (Adresse oder Name):"), area);
+    auto *label =
+        NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter (Adresse, Name oder Symbol):"), area);
     label->setBuddy(filterTxt);
     filterTxt->setClearButtonEnabled(true);
     auto *layout = new QHBoxLayout(area);
@@ -191,6 +222,13 @@ void BackupViewer::buildLayout()
     layout->addLayout(buttonRow);
     setTabOrder(filterTxt, table);
     setTabOrder(table, csvBut);
+    SearchIn(filterTxt, table);
+    AltKey(filterTxt, Qt::Key_F);
+    AltKey(table, Qt::Key_T);
+    AltKey(csvBut, Qt::Key_C);
+    AltKey(pdfBut, Qt::Key_P);
+    AltKey(printBut, Qt::Key_D);
+    AltKey(okButton, Qt::Key_O);
     connect(csvBut, &QPushButton::clicked, this, &BackupViewer::exportCsv);
     connect(pdfBut, &QPushButton::clicked, this, &BackupViewer::exportPdf);
     connect(printBut, &QPushButton::clicked, this, &BackupViewer::print);
@@ -211,9 +249,35 @@ void BackupViewer::load(const QString &fileName, const DdsContent &content)
     filterTxt->setFocus();
 }
 
+void BackupViewer::addRecentFiles()
+{
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    NamedAction(QStringLiteral("ZuletztAction"), QStringLiteral("Zuletzt geöffnet oder gesichert:"), {}, this, [] {
+    })->setEnabled(false);
+    for (qsizetype i = 0; i < MostRecentFiles; ++i) {
+        const QString name = QStringLiteral("Zuletzt%1Action").arg(i);
+        recentFiles.push_back(NamedAction(name, {}, {}, this, [i] {
+            const Command command;
+            const QStringList files = RecentFiles();
+            if (command.ok() && i < files.size())
+                OpenBackupViewer(files.at(i));
+        }));
+    }
+}
+
+void BackupViewer::showRecentFiles()
+{
+    const QStringList files = RecentFiles();
+    for (size_t i = 0; i < recentFiles.size(); ++i) {
+        const QString file = files.value(static_cast<qsizetype>(i));
+        recentFiles.at(i)->setVisible(!file.isEmpty());
+        recentFiles.at(i)->setText(QDir::toNativeSeparators(file).replace(u'&', QStringLiteral("&&")));
+    }
+}
+
 void BackupViewer::filterChanged()
 {
-    shown->setFilterFixedString(filterTxt->text().trimmed());
+    shown->setWanted(filterTxt->text().trimmed());
     if (model->rowCount() == 0)
         countLbl->setText(QStringLiteral("enthält keine Lokdatensätze"));
     else
@@ -275,6 +339,14 @@ void BackupViewer::print()
 
 void OpenBackupViewer(const QString &fileName)
 {
+    if (!QFileInfo::exists(fileName)) {
+        ForgetRecentFile(fileName);
+        if (viewer)
+            viewer->showRecentFiles();
+        TheAsk().showBox({QStringLiteral("Die Datei %1 gibt es nicht!").arg(QDir::toNativeSeparators(fileName)),
+            QStringLiteral("Fehler!"), BoxIcon::Critical});
+        return;
+    }
     const auto file = LoadDds(fileName);
     if (!file) {
         TheAsk().showBox(
@@ -284,7 +356,9 @@ void OpenBackupViewer(const QString &fileName)
     }
     if (!viewer)
         viewer = std::make_unique<BackupViewer>();
+    NoteRecentFile(fileName);
     viewer->load(fileName, ReadDds(*file));
+    viewer->showRecentFiles();
 }
 
 void ResetBackupViewer()

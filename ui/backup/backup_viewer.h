@@ -1,15 +1,16 @@
-// The window that shows the loco records of a backup file.
+// The window that shows the loco records of a backup file. Its context menu offers the files that were opened or saved
+// last.
 #pragma once
 
 #include "handheld/backup/dds_file.h"
 #include "ui/widgets/leavable_window.h"
 
-#include <QSortFilterProxyModel>
-
 class BackupTable;
+class LocoFilter;
 class QLabel;
 class QLineEdit;
 class QTableView;
+class QAction;
 struct RosterLoco;
 
 class BackupViewer : public LeavableWindow
@@ -22,10 +23,14 @@ public:
     /// Shows a file's content. A damaged file is shown up to the damage, which the line under the table names.
     void load(const QString &fileName, const DdsContent &content);
 
+    /// Lays the recent files into the context menu.
+    void showRecentFiles();
+
 private:
     void buildTable();
     QWidget *buildFilterRow();
     void buildLayout();
+    void addRecentFiles();
     void filterChanged();
     [[nodiscard]] std::vector<RosterLoco> shownLocos() const;
     void saveFile(const QString &filter, const QByteArray &bytes);
@@ -34,18 +39,20 @@ private:
     void print();
 
     BackupTable *model;
-    QSortFilterProxyModel *shown;
+    LocoFilter *shown;
     QTableView *table;
     QLineEdit *filterTxt;
     QLabel *countLbl;
     QLabel *summaryLbl;
-    QString documentName; // of a print job
+    std::vector<QAction *> recentFiles; // as many as there may be
+    QString documentName;               // of a print job
 };
 
 /// What a file holds beside its loco records, and whether its structure is sound: two lines of German text.
 QString SummaryText(const DdsContent &content);
 
-/// Shows a file in the viewer; a file that cannot be read is reported by a "Fehler!" box. Nobody waits for the
+/// Shows a file in the viewer; a file that cannot be read is reported by a "Fehler!" box, one that is gone leaves the
+/// list of recent files. Nobody waits for the
 /// window.
 void OpenBackupViewer(const QString &fileName);
 

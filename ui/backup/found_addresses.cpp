@@ -1,8 +1,12 @@
 #include "ui/backup/found_addresses.h"
 
 #include "handheld/backup/number_list.h"
+#include "handheld/known_locos.h"
+#include "ui/backup/selection_window.h"
+#include "ui/common/command.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/leavable_window.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -26,6 +30,7 @@ public:
         : countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
         , addressTxt(new QPlainTextEdit(this))
         , copyBut(NamedButton(QStringLiteral("KopierenBut"), QStringLiteral("Kopieren"), this))
+        , listBut(NamedButton(QStringLiteral("ListeBut"), QStringLiteral("als Liste übernehmen"), this))
         , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
     {
         setObjectName(QStringLiteral("LokSucheWin"));
@@ -36,6 +41,7 @@ public:
         addressTxt->setTabChangesFocus(true);
         auto *buttonRow = new QHBoxLayout;
         buttonRow->addWidget(copyBut);
+        buttonRow->addWidget(listBut);
         buttonRow->addStretch();
         buttonRow->addWidget(okButton);
         auto *layout = new QVBoxLayout(this);
@@ -44,21 +50,39 @@ public:
         layout->addLayout(buttonRow);
         resize(StartSize);
         connect(copyBut, &QPushButton::clicked, this,
-            [this] { QGuiApplication::clipboard()->setText(addressTxt->toPlainText()); });
+            [this] { QGuiApplication::clipboard()->setText(TenPerLine(shown)); });
+        connect(listBut, &QPushButton::clicked, this, &FoundAddressesWindow::takeAsList);
+        listBut->setToolTip(QStringLiteral("trägt die Adressen in \"Daten sichern\" bei Lokdatensätze ein"));
+        AltKey(listBut, Qt::Key_L);
         connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
+        AltKey(copyBut, Qt::Key_K);
+        AltKey(okButton, Qt::Key_O);
         setDefaultButton(okButton);
     }
 
     void load(const std::vector<int> &addresses)
     {
         countLbl->setText(CountText(addresses.size()));
-        addressTxt->setPlainText(TenPerLine(addresses));
+        shown = addresses;
+        QStringList lines;
+        for (const int address : addresses)
+            lines += QStringLiteral("%1\t%2").arg(QString::number(address), KnownLocoName(address)).trimmed();
+        addressTxt->setPlainText(lines.join(u'\n'));
         copyBut->setEnabled(!addresses.empty());
+        listBut->setEnabled(!addresses.empty());
         present();
         okButton->setFocus();
     }
 
 private:
+    void takeAsList()
+    {
+        const Command command; // refused while the selection window is waited for, which takes the list itself
+        if (!LayLocoList(ShortList(shown, {}), command.ok()))
+            return;
+        countLbl->setText(QStringLiteral("%1 in \"Daten sichern\" übernommen").arg(CountText(shown.size())));
+    }
+
     static QString CountText(size_t count)
     {
         if (count == 0)
@@ -67,9 +91,11 @@ private:
                           : QStringLiteral("%1 Lokdatensätze gefunden:").arg(count);
     }
 
+    std::vector<int> shown;
     QLabel *countLbl;
     QPlainTextEdit *addressTxt;
     QPushButton *copyBut;
+    QPushButton *listBut;
     QPushButton *okButton;
 };
 

@@ -4,6 +4,7 @@
 #include "program/run_control.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -62,6 +63,8 @@ int AddressIn(const QLineEdit *field)
     const int address = Val(text);
     return QString::number(address) == text ? address : 0;
 }
+
+SelectionWindow *openWindow = nullptr; // while the user chooses
 
 bool IsAddress(int number)
 {
@@ -191,6 +194,18 @@ void SelectionWindow::connectControls()
         connect(field, &QLineEdit::textEdited, lokSucheChk, [this] { lokSucheChk->setChecked(true); });
     connect(okButton, &QPushButton::clicked, this, [this] { answer(true); });
     setDefaultButton(okButton);
+    addKeys();
+}
+
+/// With Alt, as the user guide lists them.
+void SelectionWindow::addKeys()
+{
+    const std::initializer_list<std::pair<const char *, Qt::Key>> keys{{"LokDatenChk", Qt::Key_L},
+        {"LokSucheChk", Qt::Key_S}, {"LokSymboleChk", Qt::Key_Y}, {"LokFktSymboleChk", Qt::Key_F},
+        {"MagSymboleChk", Qt::Key_M}, {"FSdatenChk", Qt::Key_R}, {"MagSymZuordChk", Qt::Key_Z},
+        {"MagListeChk", Qt::Key_I}, {"AllesBut", Qt::Key_E}, {"OKButton", Qt::Key_O}, {"CancelButton", Qt::Key_A}};
+    for (const auto &[name, key] : keys)
+        AltKey(findChild<QWidget *>(QLatin1String(name)), key);
 }
 
 /// All that a handheld holds: the locos by a search over all addresses.
@@ -243,6 +258,13 @@ BackupSelection SelectionWindow::selection() const
     return chosen;
 }
 
+void SelectionWindow::layLocoList(const QString &list)
+{
+    rows.at(LokDatenList).wanted->setChecked(true);
+    rows.at(LokDatenList).list->setText(list);
+    lokSucheChk->setChecked(false);
+}
+
 QStringList SelectionWindow::markFaults(const BackupSelection &chosen)
 {
     QStringList faults;
@@ -291,12 +313,30 @@ void SelectionWindow::leave()
     answer(false);
 }
 
+bool LayLocoList(const QString &list, bool maySave)
+{
+    if (openWindow != nullptr) {
+        openWindow->layLocoList(list);
+        return true;
+    }
+    if (!maySave)
+        return false;
+    BackupSelection selection = ReadSelection();
+    selection.numbered.at(LokDatenList) = {true, false, list};
+    selection.lokSuche = false;
+    WriteSelection(selection);
+    return true;
+}
+
 bool AskForBackupSelection(BackupSelection &selection)
 {
     SelectionWindow window;
     const WaitingWindow waiting(&window);
+    openWindow = &window;
     window.open(selection);
-    if (!PumpUntil([&window] { return window.answered(); }) || !window.accepted())
+    const bool answered = PumpUntil([&window] { return window.answered(); });
+    openWindow = nullptr;
+    if (!answered || !window.accepted())
         return false;
     selection = window.selection();
     return true;

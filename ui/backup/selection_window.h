@@ -22,6 +22,9 @@ public:
     /// Shows the window with a selection.
     void open(const BackupSelection &selection);
 
+    /// Chooses the locos by a list, and no search.
+    void layLocoList(const QString &list);
+
     /// What the controls say. An address field that holds no address gives 0.
     [[nodiscard]] BackupSelection selection() const;
 
@@ -41,6 +44,7 @@ private:
     void setTabOrders(QWidget *last);
     void connectControls();
     void check();
+    void addKeys();
     void chooseAll();
     QStringList markFaults(const BackupSelection &chosen);
     void answer(bool ok);
@@ -63,6 +67,10 @@ private:
     bool isAnswered = false;
     bool isAccepted = false;
 };
+
+/// Makes a number list the choice of the locos, without a search: in the open window, else, when that is allowed, in
+/// the saved selection. False when neither was done.
+bool LayLocoList(const QString &list, bool maySave);
 
 /// Lets the user change the selection. False after a cancel or when the program ends; the selection is as it was
 /// then. The caller holds the busy scope.

@@ -8,13 +8,12 @@
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/window_keys.h"
 
-#include <QAction>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -98,18 +97,13 @@ void SymbolPicker::buildSearch()
     searchTxt->setPlaceholderText(QStringLiteral("Nummer oder Beschreibung"));
     searchTxt->setClearButtonEnabled(true);
     usedOnlyChk->setObjectName(QStringLiteral("NurBelegteChk"));
-    auto *find = new QAction(this);
-    find->setObjectName(QStringLiteral("SuchenAction"));
-    find->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F));
-    addAction(find);
-    connect(find, &QAction::triggered, searchTxt, [this] {
-        searchTxt->setFocus();
-        searchTxt->selectAll();
-    });
     connect(searchTxt, &QLineEdit::textChanged, this, &SymbolPicker::filterRows);
     connect(searchTxt, &QLineEdit::returnPressed, this, &SymbolPicker::chooseOnlyRow);
     connect(usedOnlyChk, &QCheckBox::toggled, this, &SymbolPicker::filterRows);
-    grid->installEventFilter(this);
+    SearchIn(searchTxt, grid);
+    AltKey(searchTxt, Qt::Key_S);
+    AltKey(usedOnlyChk, Qt::Key_N);
+    AltKey(grid, Qt::Key_T);
 }
 
 void SymbolPicker::buildRecent()
@@ -139,6 +133,7 @@ void SymbolPicker::buildLayout()
         recentRow->addWidget(recentBoxes.at(static_cast<size_t>(i)), i / perRow, 1 + i % perRow);
     recentRow->setColumnStretch(1 + perRow, 1);
     auto *okButton = NamedButton(QStringLiteral("OKButton"), LookOf(kind).cancelCaption, this);
+    AltKey(okButton, Qt::Key_A);
     connect(okButton, &QPushButton::clicked, this, &SymbolPicker::leave);
     auto *buttonRow = new QHBoxLayout;
     buttonRow->addStretch();
@@ -276,20 +271,6 @@ void SymbolPicker::chooseOnlyRow()
     }
     if (only >= 0)
         choose(only);
-}
-
-bool SymbolPicker::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched != grid || event->type() != QEvent::KeyPress)
-        return LeavableWindow::eventFilter(watched, event);
-    const auto *key = static_cast<QKeyEvent *>(event);
-    const QString text = key->text();
-    const bool command = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
-    if (command || text.isEmpty() || !text.front().isLetterOrNumber())
-        return LeavableWindow::eventFilter(watched, event);
-    searchTxt->setFocus();
-    searchTxt->insert(text);
-    return true;
 }
 
 void SymbolPicker::open(int presentNumber)

@@ -33,9 +33,6 @@ protected:
     /// Leaving means that nothing was chosen.
     void leave() override;
 
-    /// A letter or digit typed in the grid begins a search.
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     void buildGrid();
     void buildSearch();

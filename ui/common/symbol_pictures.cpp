@@ -71,6 +71,12 @@ QString SymbolName(SymbolKind kind, int number)
     return Description(kind, number).trimmed().remove(numberAndEnding);
 }
 
+bool SymbolHasWord(SymbolKind kind, int number, const QString &beginning)
+{
+    const QString words = u' ' + SymbolName(kind, number);
+    return !beginning.isEmpty() && words.contains(QString(u' ' + beginning), Qt::CaseInsensitive);
+}
+
 QString SymbolWords(SymbolKind kind, int number, int handheldHalf)
 {
     QString text = KindWord(kind) + u' ' + QString::number(number);

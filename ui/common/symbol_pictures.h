@@ -17,6 +17,9 @@ QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf);
 /// What a symbol is called: its description without number and ending. Empty where there is none.
 QString SymbolName(SymbolKind kind, int number);
 
+/// True when a word of what a symbol is called begins with the text; nothing begins with an empty one.
+bool SymbolHasWord(SymbolKind kind, int number, const QString &beginning);
+
 /// What a picture is in words, for those who cannot see it: "Funktionssymbol 12: Licht, ON". Empty halves are named.
 QString SymbolWords(SymbolKind kind, int number, int handheldHalf);
 

@@ -9,6 +9,8 @@
 #include "ui/editors/cell_input.h"
 #include "ui/widgets/grid.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -83,7 +85,7 @@ void AccessoryListEditor::showPlace(int row)
     grid->setText(row, AddressColumn, QString::number(MagListeDaten.at(at) * 256 + MagListeDaten.at(at + 1)));
     const auto designation = static_cast<int>(Index(row, DesignationOffset));
     grid->setText(row, DesignationColumn, DecodeName(MagListeDaten, designation, DesignationLength));
-    showSymbol(row, RedColumn, MagListeDaten.at(Index(row, SymbolOffset)));
+    showSymbol(row);
 }
 
 bool AccessoryListEditor::takesInput(int column) const
@@ -101,21 +103,49 @@ void AccessoryListEditor::actOn(int row, int column)
     if (!text)
         return;
     grid->setText(row, column, UpperLatin1(*text));
-    if (column == AddressColumn)
-        takeAddress(row, *text);
-    else
+    if (column == DesignationColumn)
         takeDesignation(row, *text);
+    else if (!takeAddress(row, RoundedVal(*text)))
+        grid->setText(row, AddressColumn, QStringLiteral("ERR!"));
 }
 
-void AccessoryListEditor::takeAddress(int row, const QString &text)
+/// False when the address is none; the place keeps its own then.
+bool AccessoryListEditor::takeAddress(int row, int address)
 {
-    const int address = RoundedVal(text);
-    if (address < 1 || address > LastAccessoryAddress) {
-        grid->setText(row, AddressColumn, QStringLiteral("ERR!"));
-        return;
-    }
+    if (address < 1 || address > LastAccessoryAddress)
+        return false;
     MagListeDaten.at(Index(row, AddressOffset)) = address / 256;
     MagListeDaten.at(Index(row, AddressOffset + 1)) = address % 256;
+    return true;
+}
+
+void AccessoryListEditor::setEntries(const std::vector<int> &entries)
+{
+    std::ranges::copy(entries, MagListeDaten.begin());
+}
+
+int AccessoryListEditor::symbolOf(int row) const
+{
+    return MagListeDaten.at(Index(row, SymbolOffset));
+}
+
+QString AccessoryListEditor::lay(int row, int column, const QString &text)
+{
+    if (column == RedColumn || column == GreenColumn)
+        return laySymbol(row, MagListeDaten.at(Index(row, SymbolOffset)), text);
+    if (column == AddressColumn) {
+        if (!takeAddress(row, RoundedVal(text)))
+            return QStringLiteral("erlaubt sind Zahlen von 1 bis %1").arg(LastAccessoryAddress);
+        grid->setText(row, AddressColumn, QString::number(RoundedVal(text)));
+        return {};
+    }
+    if (text.size() > DesignationLength)
+        return QStringLiteral("erlaubt sind höchstens %1 Zeichen").arg(DesignationLength);
+    if (const QString unknown = UnknownCharacters(UpperLatin1(text)); !unknown.isEmpty())
+        return QStringLiteral("diese Zeichen hat der Handregler nicht: ") + unknown;
+    takeDesignation(row, text);
+    grid->setText(row, DesignationColumn, AsStored(text, DesignationLength));
+    return {};
 }
 
 void AccessoryListEditor::takeDesignation(int row, const QString &text)
@@ -130,5 +160,5 @@ void AccessoryListEditor::pickSymbol(int row)
     if (chosen == NothingChosen)
         return;
     symbol = chosen;
-    showSymbol(row, RedColumn, symbol);
+    showSymbol(row);
 }

@@ -17,12 +17,15 @@ protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     [[nodiscard]] std::vector<int> entries() const override;
+    void setEntries(const std::vector<int> &entries) override;
+    [[nodiscard]] int symbolOf(int row) const override;
+    QString lay(int row, int column, const QString &text) override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;
 
 private:
     void showPlace(int row);
-    void takeAddress(int row, const QString &text);
+    static bool takeAddress(int row, int address);
     void takeDesignation(int row, const QString &text);
     void pickSymbol(int row);
 };

@@ -4,7 +4,10 @@
 #include "shown/catalogue.h"
 #include "shown/tables.h"
 #include "ui/common/progress.h"
+#include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
+
+#include <algorithm>
 
 namespace
 {
@@ -30,9 +33,10 @@ int &EntryOfRow(int row)
 
 AssignmentEditor::AssignmentEditor() : BlockEditor(Look(), MagSymZuordLoaded)
 {
-    grid->setSelectionMode(QAbstractItemView::SingleSelection);
-    grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid->selectRows();
     grid->setCurrentCell(0, RedColumn);
+    NamedAction(QStringLiteral("SymbolAction"), QStringLiteral("Symbol für die markierten Zeilen wählen"), {}, grid,
+        [this] { Q_EMIT grid->cellActed(grid->currentRow(), grid->currentColumn()); });
 }
 
 Outcome AssignmentEditor::readTable()
@@ -56,13 +60,28 @@ void AssignmentEditor::fillTable()
             TheAsk().showProgress(QStringLiteral("Schreibe Tabelle ") + QString::number(accessory));
             LetEventsRun();
         }
-        showSymbol(row, RedColumn, EntryOfRow(row));
+        showSymbol(row);
     }
 }
 
 std::vector<int> AssignmentEditor::entries() const
 {
     return {MagZuordDaten.begin(), MagZuordDaten.end()};
+}
+
+void AssignmentEditor::setEntries(const std::vector<int> &entries)
+{
+    std::ranges::copy(entries, MagZuordDaten.begin());
+}
+
+int AssignmentEditor::symbolOf(int row) const
+{
+    return EntryOfRow(row);
+}
+
+QString AssignmentEditor::lay(int row, int /*column*/, const QString &text)
+{
+    return laySymbol(row, EntryOfRow(row), text);
 }
 
 std::function<Outcome()> AssignmentEditor::writeOfTable() const
@@ -80,11 +99,21 @@ bool AssignmentEditor::takesInput(int /*column*/) const
 
 void AssignmentEditor::actOn(int row, int /*column*/)
 {
-    int &symbol = EntryOfRow(row);
-    const int chosen = pickAccessorySymbol(symbol);
+    const std::vector<int> rows = rowsToPickFor(row);
+    const int chosen = pickAccessorySymbol(EntryOfRow(row));
     grid->setCurrentCell(row, RedColumn);
-    if (chosen == NothingChosen)
-        return;
-    symbol = chosen;
-    showSymbol(row, RedColumn, symbol);
+    for (const int marked : rows) { // they stay marked, whatever was clicked meanwhile
+        grid->selectionModel()->select(
+            grid->model()->index(marked, RedColumn), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        if (chosen == NothingChosen)
+            continue;
+        EntryOfRow(marked) = chosen;
+        showSymbol(marked);
+    }
+}
+
+std::vector<int> AssignmentEditor::rowsToPickFor(int row) const
+{
+    std::vector<int> marked = grid->markedRows();
+    return std::ranges::find(marked, row) != marked.end() ? marked : std::vector<int>{row};
 }

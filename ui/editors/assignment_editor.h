@@ -16,9 +16,14 @@ protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     [[nodiscard]] std::vector<int> entries() const override;
+    void setEntries(const std::vector<int> &entries) override;
+    [[nodiscard]] int symbolOf(int row) const override;
+    QString lay(int row, int column, const QString &text) override;
+    /// One pick for all marked rows when the current one is among them.
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;
 
 private:
     void fillTable();
+    [[nodiscard]] std::vector<int> rowsToPickFor(int row) const;
 };

@@ -8,6 +8,7 @@
 #include "ui/editors/cell_input.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -30,7 +31,9 @@ constexpr int LeastRowsShown = 6;
 BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     : grid(new Grid(look.rows, static_cast<int>(look.headings.size()), this))
     , input(new CellInput(grid))
+    , search(grid)
     , tableLoaded(loaded)
+    , history([this] { return state(); }, [this](const TableState &kept) { restore(kept); })
     , readBut(NamedButton(look.readName, look.readCaption, this))
     , writeBut(NamedButton(look.writeName, look.writeCaption, this))
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
@@ -43,17 +46,21 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     setWindowTitle(look.caption);
     buildGrid(look);
     buildLayout();
+    addEdits();
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
     connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
     connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
     connect(cancelBut, &QPushButton::clicked, this, &BlockEditor::leave);
+    AltKey(readBut, Qt::Key_L);
+    AltKey(writeBut, Qt::Key_S);
+    AltKey(cancelBut, Qt::Key_A);
+    AltKey(grid, Qt::Key_T);
     connect(grid, &Grid::cellActed, this, &BlockEditor::act);
     connect(grid, &Grid::inputAsked, this, [this](int row, int column) {
         if (takesInput(column))
             act(row, column);
     });
     connect(grid, &Grid::inputTyped, this, &BlockEditor::type);
-    updateMarks();
 }
 
 void BlockEditor::buildGrid(const BlockEditorLook &look)
@@ -90,6 +97,8 @@ void BlockEditor::buildLayout()
 
 void BlockEditor::showEvent(QShowEvent *event)
 {
+    if (written.empty())
+        written = entries();
     updateMarks();
     QWidget::showEvent(event);
 }
@@ -131,7 +140,9 @@ void BlockEditor::read(const Command &command)
     if (outcome.brokenOff())
         return;
     tableLoaded = true;
-    changed = false;
+    history.stack().clear();
+    written = entries();
+    writeFailed = false;
     complete = outcome.ok();
     updateMarks();
 }
@@ -141,8 +152,9 @@ void BlockEditor::write(const Command &command)
     const std::function<Outcome()> write = writeOfTable();
     if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
         return;
-    if (write().ok()) // every failure has been told by then
-        changed = false;
+    writeFailed = !write().ok(); // every failure has been told by then
+    if (!writeFailed)
+        written = entries();
     updateMarks();
 }
 
@@ -152,18 +164,17 @@ void BlockEditor::act(int row, int column)
     if (!command.ok())
         return;
     working = !takesInput(column); // an input is ended by the wish to leave
-    const std::vector<int> before = entries();
-    actOn(row, column);
-    changed = changed || entries() != before;
+    change([this, row, column] { actOn(row, column); });
     working = false;
-    updateMarks();
 }
 
-/// A character typed on a cell begins its input, as in a spreadsheet.
+/// A character typed on a cell begins its input, as in a spreadsheet; on others it goes to a row.
 void BlockEditor::type(int row, int column, const QString &firstCharacter)
 {
-    if (!takesInput(column))
+    if (!takesInput(column)) {
+        search.type(firstCharacter);
         return;
+    }
     TheEvents().post([this, firstCharacter] { // once the input is open and waits
         if (grid->inputIsOpen())
             grid->inputBox()->setText(firstCharacter);
@@ -175,14 +186,14 @@ void BlockEditor::updateMarks()
 {
     writeBut->setEnabled(tableLoaded);
     unreadLbl->setVisible(!tableLoaded);
-    changedLbl->setVisible(changed);
+    changedLbl->setVisible(hasUnwrittenChanges());
     doubtLbl->setVisible(!complete);
 }
 
-void BlockEditor::showSymbol(int row, int redColumn, int symbol)
+void BlockEditor::showSymbol(int row)
 {
-    ShowSymbol(grid, row, redColumn, SymbolKind::Accessory, symbol, HalfOff);
-    ShowSymbol(grid, row, redColumn + 1, SymbolKind::Accessory, symbol, HalfOn);
+    ShowSymbol(grid, row, redColumn(), SymbolKind::Accessory, symbolOf(row), HalfOff);
+    ShowSymbol(grid, row, redColumn() + 1, SymbolKind::Accessory, symbolOf(row), HalfOn);
 }
 
 int BlockEditor::pickAccessorySymbol(int present)

@@ -6,6 +6,8 @@
 #include "ui/editors/cell_input.h"
 #include "ui/widgets/grid.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -54,6 +56,28 @@ std::vector<int> RouteEditor::entries() const
     return {FsDaten.begin(), FsDaten.end()};
 }
 
+void RouteEditor::setEntries(const std::vector<int> &entries)
+{
+    std::ranges::copy(entries, FsDaten.begin());
+}
+
+QString RouteEditor::lay(int row, int column, const QString &text)
+{
+    if (column != AddressColumn) {
+        const QString mark = text.trimmed();
+        if (!mark.isEmpty() && mark.compare(u"X", Qt::CaseInsensitive) != 0)
+            return QStringLiteral("erlaubt ist nur X oder nichts");
+        const int trigger = (column == OccupiedColumn) == !mark.isEmpty() ? OccupiedTrigger : FreeTrigger;
+        FsDaten.at(Index(row, TriggerOffset)) = trigger;
+        showTrigger(row, trigger);
+        return {};
+    }
+    if (!takeAddress(row, Val(text)))
+        return QStringLiteral("erlaubt sind Zahlen von 1 bis %1").arg(LastFeedbackAddress);
+    grid->setText(row, AddressColumn, QString::number(Val(text)));
+    return {};
+}
+
 std::function<Outcome()> RouteEditor::writeOfTable() const
 {
     return [routes = FsDaten] {
@@ -95,12 +119,17 @@ bool RouteEditor::typeAddress(int row)
     const auto text = input->ask(row, AddressColumn);
     if (!text)
         return false;
-    const int address = Val(*text);
-    const bool valid = address >= 1 && address <= LastFeedbackAddress;
-    grid->setText(row, AddressColumn, valid ? *text : QStringLiteral("ERR!"));
-    if (valid) {
-        FsDaten.at(Index(row, AddressOffset)) = address / 256;
-        FsDaten.at(Index(row, AddressOffset + 1)) = address % 256;
-    }
+    const bool taken = takeAddress(row, Val(*text));
+    grid->setText(row, AddressColumn, taken ? *text : QStringLiteral("ERR!"));
+    return true;
+}
+
+/// False when the address is none; the route keeps its own then.
+bool RouteEditor::takeAddress(int row, int address)
+{
+    if (address < 1 || address > LastFeedbackAddress)
+        return false;
+    FsDaten.at(Index(row, AddressOffset)) = address / 256;
+    FsDaten.at(Index(row, AddressOffset + 1)) = address % 256;
     return true;
 }

@@ -17,6 +17,10 @@ protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
     [[nodiscard]] std::vector<int> entries() const override;
+    void setEntries(const std::vector<int> &entries) override;
+    [[nodiscard]] int symbolOf(int /*row*/) const override { return 0; }
+    /// An address leaves the trigger as it is. An empty cell of "frei" or "bes." means the other one of the two.
+    QString lay(int row, int column, const QString &text) override;
     /// Every act that is not discarded also sets the route's trigger: occupied from the column "bes.", free from all
     /// others. The marks in the grid follow only in the two trigger columns.
     void actOn(int row, int column) override;
@@ -26,4 +30,5 @@ private:
     void showRoute(int row);
     void showTrigger(int row, int trigger);
     bool typeAddress(int row);
+    static bool takeAddress(int row, int address);
 };

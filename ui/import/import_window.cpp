@@ -1,11 +1,14 @@
 #include "ui/import/import_window.h"
 
 #include "handheld/backup/dds_file.h"
+#include "handheld/known_locos.h"
 #include "jobs/report.h"
 #include "jobs/send.h"
 #include "link/text_encoding.h"
 #include "platform/files.h"
+#include "platform/text.h"
 #include "program/branding.h"
+#include "program/recent_files.h"
 #include "ui/common/command.h"
 #include "ui/common/connection.h"
 #include "ui/common/pickers.h"
@@ -14,27 +17,46 @@
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace
 {
 
 enum Column { AddressColumn, NameColumn, SymbolColumn, FirstFunctionColumn };
 constexpr int ColumnCount = FirstFunctionColumn + FunctionCount;
-constexpr int AddressWidth = 52;
+constexpr int AddressWidth = 76; // with the mark
 constexpr int NameWidth = 210;
 constexpr int SymbolWidthPixels = 64;
-constexpr int FunctionWidth = 30;
+constexpr int FunctionWidth = 36; // with the sort arrow
 constexpr int RowHeight = 24;
-constexpr QSize StartSize(900, 520);
+constexpr int StartHeight = 520;
+
+/// What a column is sorted by: names as in a register, Ä beside A.
+std::pair<int, QString> SortKey(const DownloadedLoco &loco, int column)
+{
+    switch (column) {
+    case AddressColumn:
+        return {loco.address, {}};
+    case NameColumn:
+        return {0, UpperLatin1(loco.name).normalized(QString::NormalizationForm_D)};
+    case SymbolColumn:
+        return {loco.locoSymbol, {}};
+    default:
+        return {loco.modes.at(static_cast<size_t>(column - FirstFunctionColumn)), {}};
+    }
+}
 
 std::unique_ptr<ImportWindow> importWindow;
 
@@ -44,17 +66,20 @@ ImportWindow::ImportWindow()
     : grid(new Grid(0, ColumnCount, this))
     , filterTxt(NamedField(QStringLiteral("FilterTxt"), QStringLiteral("Filter:"), this))
     , countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
+    , markLbl(NamedLabel(QStringLiteral("LegendeLbl"),
+          QStringLiteral("Haken bei der Adresse: diese Lok hat der Handregler schon"), this))
 {
     setObjectName(QStringLiteral("LokImportWin"));
     setWindowTitle(TheBranding().importTitle);
     buildGrid();
     buildLayout();
-    resize(StartSize);
+    fitWidth();
     connect(filterTxt, &QLineEdit::textChanged, this, &ImportWindow::filterRows);
     connect(grid, &QTableWidget::itemChanged, this, &ImportWindow::nameEdited);
     connect(grid, &QTableWidget::itemSelectionChanged, this, &ImportWindow::showCount);
     connect(grid, &Grid::cellDoubleActed, this, &ImportWindow::actOn);
     connect(grid, &Grid::inputAsked, this, &ImportWindow::actOn);
+    connect(grid->horizontalHeader(), &QHeaderView::sectionClicked, this, &ImportWindow::sortBy);
 }
 
 void ImportWindow::buildGrid()
@@ -66,6 +91,9 @@ void ImportWindow::buildGrid()
         headings += u'f' + QString::number(f);
     grid->setHorizontalHeaderLabels(headings);
     grid->selectRows();
+    grid->horizontalHeader()->setSectionsClickable(true);
+    grid->horizontalHeader()->setSortIndicatorShown(true);
+    grid->horizontalHeader()->setToolTip(QStringLiteral("Klick: nach dieser Spalte sortieren"));
     grid->verticalHeader()->setDefaultSectionSize(RowHeight);
     for (int column = FirstFunctionColumn; column < ColumnCount; ++column)
         grid->setColumnWidth(column, FunctionWidth);
@@ -78,7 +106,7 @@ void ImportWindow::buildLayout()
 {
     auto *filterLabel = NamedLabel(QStringLiteral("FilterLbl"), QStringLiteral("Filter:"), this);
     filterLabel->setBuddy(filterTxt);
-    filterTxt->setPlaceholderText(QStringLiteral("Adresse oder Name"));
+    filterTxt->setPlaceholderText(QStringLiteral("Adresse, Name oder Symbol"));
     filterTxt->setClearButtonEnabled(true);
     auto *filterRow = new QHBoxLayout;
     filterRow->addWidget(filterLabel);
@@ -86,19 +114,24 @@ void ImportWindow::buildLayout()
     auto *buttonRow = new QHBoxLayout;
     buttonRow->addWidget(countLbl);
     buttonRow->addStretch();
-    const auto addButton = [&](const char *name, const char *caption, auto command) {
+    const auto addButton = [&](const char *name, const char *caption, Qt::Key key, auto command) {
         auto *button = NamedButton(QString::fromUtf8(name), QString::fromUtf8(caption), this);
         connect(button, &QPushButton::clicked, this, command);
+        AltKey(button, key);
         buttonRow->addWidget(button);
     };
-    addButton("SendenBut", "Senden", &ImportWindow::send);
-    addButton("SichernBut", "Sichern", &ImportWindow::save);
-    addButton("SchliessenBut", "Schließen", &QWidget::hide);
+    addButton("SendenBut", "Senden", Qt::Key_S, &ImportWindow::send);
+    addButton("SichernBut", "Sichern", Qt::Key_I, &ImportWindow::save);
+    addButton("SchliessenBut", "Schließen", Qt::Key_E, &QWidget::hide);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(filterRow);
     layout->addWidget(grid);
+    layout->addWidget(markLbl);
     layout->addLayout(buttonRow);
     setTabOrder(filterTxt, grid);
+    SearchIn(filterTxt, grid);
+    AltKey(filterTxt, Qt::Key_F);
+    AltKey(grid, Qt::Key_T);
 }
 
 void ImportWindow::load(const Download &download)
@@ -106,10 +139,13 @@ void ImportWindow::load(const Download &download)
     grid->setRowCount(0); // before the locos change: every row shows one
     locos = download.locos;
     unusable = download.unusable;
+    sortColumn = -1;
+    grid->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     filterTxt->clear();
     grid->setRowCount(static_cast<int>(locos.size()));
     for (int row = 0; row < grid->rowCount(); ++row)
         fillRow(row);
+    refreshMarks();
     filterRows();
     present();
     grid->setFocus();
@@ -132,14 +168,91 @@ void ImportWindow::fillRow(int row)
     const DownloadedLoco &loco = locos.at(static_cast<size_t>(row));
     const QPixmap hook = HookPicture();
     fillName(row);
+    fillAddress(row);
     filling = true;
-    grid->setText(row, AddressColumn, QString::number(loco.address));
     const bool known = loco.locoSymbol < LokSymbolCount;
     grid->setText(row, SymbolColumn, known ? QString() : QString::number(loco.locoSymbol));
     grid->setPicture(row, SymbolColumn, known ? SymbolPicture(SymbolKind::Loco, loco.locoSymbol, 0) : QPixmap());
     for (size_t f = 0; f < FunctionCount; ++f)
         grid->setPicture(row, FirstFunctionColumn + static_cast<int>(f), loco.modes.at(f) == 1 ? hook : QPixmap());
     filling = false;
+}
+
+/// With the mark of a loco that the handheld holds, as far as this run knows.
+void ImportWindow::fillAddress(int row)
+{
+    const int address = locos.at(static_cast<size_t>(row)).address;
+    const bool known = IsKnownLoco(address);
+    const QString words = known
+        ? QStringLiteral(
+            "Unter Adresse %1 hat der Handregler schon: %2\n(seit dem Programmstart gelesen, gesucht oder "
+            "geschrieben)")
+              .arg(QString::number(address),
+                  KnownLocoName(address).isEmpty() ? QStringLiteral("eine Lok") : KnownLocoName(address))
+        : QString();
+    filling = true;
+    grid->setText(row, AddressColumn, QString::number(address));
+    grid->setWords(
+        row, AddressColumn, words, known ? QStringLiteral("%1, schon im Handregler").arg(address) : QString());
+    grid->item(row, AddressColumn)->setIcon(known ? QIcon(HookPicture()) : QIcon());
+    filling = false;
+}
+
+void ImportWindow::refreshMarks()
+{
+    bool any = false;
+    for (int row = 0; row < grid->rowCount(); ++row) {
+        fillAddress(row);
+        any = any || IsKnownLoco(locos.at(static_cast<size_t>(row)).address);
+    }
+    markLbl->setVisible(any);
+}
+
+/// The marks may have changed while the window was hidden.
+void ImportWindow::showEvent(QShowEvent *event)
+{
+    refreshMarks();
+    LeavableWindow::showEvent(event);
+}
+
+/// As wide as its columns; present() keeps it on the screen.
+void ImportWindow::fitWidth()
+{
+    const QMargins around = layout()->contentsMargins();
+    const int bar = grid->verticalScrollBar()->sizeHint().width();
+    resize(grid->horizontalHeader()->length() + bar + 2 * grid->frameWidth() + around.left() + around.right(),
+        StartHeight);
+}
+
+/// A second click on the same head turns the order round. The selected locos stay selected.
+void ImportWindow::sortBy(int column)
+{
+    const Command command; // rows may not move under a picker that changes one of them
+    if (!command.ok()) {
+        grid->horizontalHeader()->setSortIndicator(sortColumn, sortOrder);
+        return;
+    }
+    sortOrder = column == sortColumn && sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
+    sortColumn = column;
+    std::vector<std::pair<DownloadedLoco, bool>> rows; // with: is selected
+    for (int row = 0; row < grid->rowCount(); ++row)
+        rows.emplace_back(locos.at(static_cast<size_t>(row)), grid->selectionModel()->isRowSelected(row));
+    std::ranges::stable_sort(rows, [this](const auto &one, const auto &other) {
+        const auto &first = sortOrder == Qt::AscendingOrder ? one : other;
+        const auto &second = sortOrder == Qt::AscendingOrder ? other : one;
+        return SortKey(first.first, sortColumn) < SortKey(second.first, sortColumn);
+    });
+    grid->clearSelection();
+    for (int row = 0; row < grid->rowCount(); ++row) {
+        const auto &[loco, selected] = rows.at(static_cast<size_t>(row));
+        locos.at(static_cast<size_t>(row)) = loco;
+        fillRow(row);
+        if (selected)
+            grid->selectionModel()->select(
+                grid->model()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    }
+    grid->horizontalHeader()->setSortIndicator(sortColumn, sortOrder);
+    filterRows();
 }
 
 void ImportWindow::actOn(int row, int column)
@@ -189,7 +302,8 @@ void ImportWindow::filterRows()
         const DownloadedLoco &loco = locos.at(static_cast<size_t>(row));
         const bool fits = QString::number(loco.address).contains(wanted)
             || loco.name.contains(wanted, Qt::CaseInsensitive)
-            || loco.stationName.contains(wanted, Qt::CaseInsensitive);
+            || loco.stationName.contains(wanted, Qt::CaseInsensitive)
+            || SymbolHasWord(SymbolKind::Loco, loco.locoSymbol, wanted);
         grid->setRowHidden(row, !fits);
     }
     showCount();
@@ -234,6 +348,7 @@ void ImportWindow::send()
     const CommandOn command([this] { return chosenLocos(); });
     if (command.ok() && !command.shown.empty() && command.connected())
         SendLocos(command.shown, [&command](const BoxText &question) { return command.confirmed(question, false); });
+    refreshMarks();
 }
 
 void ImportWindow::save()
@@ -250,6 +365,8 @@ void ImportWindow::save()
         file += PackRecord({KindLoco, loco.address}, RecordOfLoco(loco));
     if (!ReplaceFile(name, file))
         ReportFileUnwritable(name);
+    else
+        NoteRecentFile(name);
 }
 
 void FetchStationLocos()

@@ -1,4 +1,5 @@
-// The locos that a download brought: corrected here, then sent to the handheld or saved in a backup file.
+// The locos that a download brought: corrected here, then sent to the handheld or saved in a backup file. A click on a
+// column's head sorts; a check mark beside the address says that the handheld is known to hold this loco already.
 #pragma once
 
 #include "station/download.h"
@@ -19,10 +20,17 @@ public:
     /// Shows the locos of a download.
     void load(const Download &download);
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void buildGrid();
     void buildLayout();
     void fillRow(int row);
+    void fillAddress(int row);
+    void refreshMarks();
+    void sortBy(int column);
+    void fitWidth();
     void fillName(int row);
     void actOn(int row, int column);
     void editName(int row);
@@ -40,6 +48,9 @@ private:
     Grid *grid;
     QLineEdit *filterTxt;
     QLabel *countLbl;
+    QLabel *markLbl;
+    int sortColumn = -1; // none: the station's order
+    Qt::SortOrder sortOrder = Qt::AscendingOrder;
     bool filling = false; // the program writes cells, not the user
 };
 

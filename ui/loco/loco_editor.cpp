@@ -13,6 +13,7 @@
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -38,6 +39,7 @@ constexpr int LeastRowsShown = 8;
 constexpr int LocoPictureWidth = 49;
 constexpr int LocoPictureHeight = 17;
 constexpr int NameFieldCharacters = 24;
+constexpr int NameStep = 1; // typed characters that follow each other are one step
 
 QString NoSymbolOfF0()
 {
@@ -76,6 +78,8 @@ LocoEditor::LocoEditor(QWidget *parent)
     , writeBut(NamedButton(QStringLiteral("SchreibeLokDatensatzBut"), QStringLiteral("Schreibe Lokdatensatz"), this))
     , deleteBut(NamedButton(QStringLiteral("ResetLokdatenBut"), QStringLiteral("Lokdatensatz löschen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
+    , search(fktTab)
+    , history([this] { return state(); }, [this](const State &kept) { restore(kept); })
 {
     setObjectName(QStringLiteral("Frame1"));
     multiUniChk->setObjectName(QStringLiteral("MultiUniChk"));
@@ -137,6 +141,7 @@ QHBoxLayout *LocoEditor::buildButtons()
     auto *row = new QHBoxLayout;
     for (QPushButton *button : {readBut, writeBut, deleteBut})
         row->addWidget(button);
+    row->addStretch();
     return row;
 }
 
@@ -169,14 +174,23 @@ void LocoEditor::connectControls()
 {
     connect(adrTxt, &QLineEdit::textChanged, this, &LocoEditor::addressChanged);
     connect(loknameTxt, &QLineEdit::textChanged, this, &LocoEditor::nameChanged);
-    connect(multiUniChk, &QCheckBox::toggled, this, [](bool checked) { MultiUni = checked ? 1 : 0; });
+    connect(multiUniChk, &QCheckBox::toggled, this,
+        [this](bool checked) { change([checked] { MultiUni = checked ? 1 : 0; }); });
     lokSymPic->makeClickable();
     connect(lokSymPic, &PictureBox::clicked, this, &LocoEditor::pickLocoSymbol);
     connect(fktTab, &Grid::cellActed, this, &LocoEditor::actOnFunction);
+    connect(fktTab, &Grid::inputTyped, this,
+        [this](int /*row*/, int /*column*/, const QString &character) { search.type(character); });
     connect(adrTxt, &QLineEdit::returnPressed, readBut, &QPushButton::click);
     connect(readBut, &QPushButton::clicked, this, &LocoEditor::readRecord);
     connect(writeBut, &QPushButton::clicked, this, &LocoEditor::writeRecord);
     connect(deleteBut, &QPushButton::clicked, this, &LocoEditor::deleteRecord);
+    // None for the deletion: it does not ask.
+    const std::initializer_list<std::pair<QWidget *, Qt::Key>> keys{{adrTxt, Qt::Key_R}, {loknameTxt, Qt::Key_N},
+        {lokSymPic, Qt::Key_Y}, {fktTab, Qt::Key_F}, {multiUniChk, Qt::Key_T}, {readBut, Qt::Key_L},
+        {writeBut, Qt::Key_S}};
+    for (const auto &[control, key] : keys)
+        AltKey(control, key);
 }
 
 void LocoEditor::focusAddress()
@@ -190,13 +204,59 @@ LocoEditor::Shown LocoEditor::shownNow() const
     return {adrTxt->text(), CurrentLocoRecord(), complete};
 }
 
+LocoEditor::State LocoEditor::state() const
+{
+    return {CurrentLocoRecord(), complete};
+}
+
+void LocoEditor::restore(const State &kept)
+{
+    SetCurrentLocoRecord(kept.record);
+    setComplete(kept.complete);
+    showRecord();
+    explainWrite();
+}
+
+/// Changes the record in memory as one step.
+void LocoEditor::change(const std::function<void()> &work)
+{
+    const State before = state();
+    work();
+    history.note(before);
+}
+
+/// In the name field first what has been typed there, character by character.
+void LocoEditor::undo()
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    if (loknameTxt->hasFocus() && loknameTxt->isUndoAvailable())
+        loknameTxt->undo();
+    else
+        history.stack().undo();
+}
+
+void LocoEditor::redo()
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    if (loknameTxt->hasFocus() && loknameTxt->isRedoAvailable())
+        loknameTxt->redo();
+    else
+        history.stack().redo();
+}
+
 void LocoEditor::nameChanged(const QString &text)
 {
+    const State before = state();
     const bool wasEmpty = LokName == LeerName() || IsEmptyName(LokName);
     LokName = UpperLatin1(text);
     if (wasEmpty && LokName != LeerName())
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
     markName();
+    history.note(before, NameStep);
 }
 
 /// Characters that the handheld does not have become blanks when the name is written.
@@ -223,6 +283,7 @@ void LocoEditor::explainWrite()
 void LocoEditor::addressChanged()
 {
     clearShownRecord();
+    history.stack().clear();
     MultiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
     if (Val(adrTxt->text()) > LastLoco)
         adrTxt->setText(QStringLiteral("??"));
@@ -315,6 +376,7 @@ void LocoEditor::readRecord()
     const Outcome read = ReadLocoRecord(Val(command.shown));
     if (read.brokenOff())
         return; // half a record must not be shown, nor written later
+    history.stack().clear();
     setComplete(read.ok());
     readAddress = Val(command.shown);
     if (IsEmptyName(LokName))
@@ -360,7 +422,7 @@ void LocoEditor::deleteRecord()
     if (!command.ok())
         return;
     const LocoRecord erased{EmptyName(NameLength + 1), {}, {}, 0, 0};
-    SetCurrentLocoRecord(erased);
+    change([&erased] { SetCurrentLocoRecord(erased); });
     if (!HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
         showRecord();
         return;
@@ -375,12 +437,13 @@ void LocoEditor::deleteRecord()
 void LocoEditor::buildContextMenu()
 {
     setContextMenuPolicy(Qt::ActionsContextMenu);
+    AddUndoActions(
+        this, [this] { undo(); }, [this] { redo(); });
+    auto *line = new QAction(this);
+    line->setSeparator(true);
+    addAction(line);
     const auto add = [this](const char *name, const QString &caption, const std::function<void()> &work) {
-        auto *action = new QAction(caption, this);
-        action->setObjectName(QLatin1String(name));
-        addAction(action);
-        connect(action, &QAction::triggered, this, work);
-        return action;
+        NamedAction(QLatin1String(name), caption, {}, this, work);
     };
     const auto copy = [this] {
         copied = CurrentLocoRecord();
@@ -405,10 +468,12 @@ void LocoEditor::paste(bool functionsOnly)
     record.symbols = copied.symbols;
     record.modes = copied.modes;
     record.multiUni = copied.multiUni;
-    SetCurrentLocoRecord(record);
+    change([this, &record, functionsOnly] {
+        SetCurrentLocoRecord(record);
+        setComplete(copiedComplete && (complete || !functionsOnly)); // a doubt goes with what is copied
+    });
     if (!functionsOnly)
         showName();
-    setComplete(copiedComplete && (complete || !functionsOnly)); // a doubt goes with what is copied
     showMemory();
 }
 
@@ -433,7 +498,7 @@ void LocoEditor::spreadFunctions()
 void LocoEditor::toggleMomentary(int row)
 {
     int &mode = FktModus.at(static_cast<size_t>(row));
-    mode = mode == 1 ? 0 : 1;
+    change([&mode] { mode = mode == 1 ? 0 : 1; });
     fktTab->setText(row, MomentaryColumn, QString::number(mode));
 }
 
@@ -449,7 +514,7 @@ void LocoEditor::actOnFunction(int row, int column)
     const int chosen = PickSymbol(SymbolKind::Function, FktSymbol.at(static_cast<size_t>(row)));
     if (chosen == NothingChosen)
         return;
-    FktSymbol.at(static_cast<size_t>(row)) = chosen;
+    change([row, chosen] { FktSymbol.at(static_cast<size_t>(row)) = chosen; });
     showFunctionSymbols(row);
 }
 
@@ -461,6 +526,6 @@ void LocoEditor::pickLocoSymbol()
     const int chosen = PickSymbol(SymbolKind::Loco, LokSymbol);
     if (chosen == NothingChosen)
         return;
-    LokSymbol = chosen;
+    change([chosen] { LokSymbol = chosen; });
     showLocoSymbol();
 }

@@ -1,7 +1,12 @@
 // "Lokdatensatz ändern:": shows, reads, writes and deletes one loco record.
+//
+// What is changed can be undone, a deletion too (in the window; nothing is written by it), until another record is read
+// or another address is typed. Typing a name is one step.
 #pragma once
 
 #include "shown/record.h"
+#include "ui/common/type_search.h"
+#include "ui/widgets/snapshot_history.h"
 
 #include <QGroupBox>
 
@@ -44,6 +49,18 @@ private:
     };
     [[nodiscard]] Shown shownNow() const;
 
+    /// What can be undone.
+    struct State {
+        LocoRecord record;
+        bool complete;
+        bool operator==(const State &) const = default;
+    };
+    [[nodiscard]] State state() const;
+    void restore(const State &kept);
+    void change(const std::function<void()> &work);
+    void undo();
+    void redo();
+
     void setComplete(bool isComplete);
     void addressChanged();
     void nameChanged(const QString &text);
@@ -78,5 +95,7 @@ private:
     LocoRecord copied;    // by the context menu; valid when something was copied
     bool copiedComplete = true;
     bool hasCopy = false;
+    TypeSearch search; // in the grid
+    SnapshotHistory<State> history;
     int readAddress = 0; // where the record in memory was read; 0 = nowhere
 };

@@ -11,6 +11,7 @@
 #include "program/run_control.h"
 #include "shown/connection.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QAbstractItemView>
 #include <QCheckBox>
@@ -70,6 +71,9 @@ ZentraleForm::ZentraleForm()
     connect(cancelButton, &QPushButton::clicked, this, &ZentraleForm::leave);
     connect(comPortNrTxt, &QLineEdit::textEdited, this, &ZentraleForm::portChanged);
     setDefaultButton(okButton);
+    AltKey(comPortNrTxt, Qt::Key_C);
+    AltKey(okButton, Qt::Key_O);
+    AltKey(cancelButton, Qt::Key_A);
     showWorking(false);
 }
 
@@ -131,7 +135,9 @@ QWidget *ZentraleForm::makeOptions()
         iopt.at(i) = new QRadioButton(captions.at(i), frame);
         iopt.at(i)->setObjectName(QStringLiteral("Iopt%1").arg(i));
         layout->addWidget(iopt.at(i));
+        AltKey(iopt.at(i), static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(i)));
     }
+    TabToChosen({iopt.begin(), iopt.end()});
     return frame;
 }
 

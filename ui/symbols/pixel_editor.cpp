@@ -9,6 +9,7 @@
 #include "ui/symbols/cell_image.h"
 #include "ui/symbols/pixel_canvas.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -64,6 +65,9 @@ PixelEditor::PixelEditor()
     buttons = {makeButton("SaveBMPBut", "Save BMP", &PixelEditor::saveBmp),
         makeButton("LoadBMPBut", "Load BMP", &PixelEditor::loadBmp),
         makeButton("ClrBut", "Clr all", &PixelEditor::clearAll), makeButton("OK_but", "OK", &PixelEditor::leave)};
+    constexpr std::array keys{Qt::Key_S, Qt::Key_L, Qt::Key_C, Qt::Key_O};
+    for (size_t i = 0; i < keys.size(); ++i)
+        AltKey(buttons.at(i), keys.at(i));
     connect(&history, &PixelHistory::restored, this, &PixelEditor::showCells);
     buildMenu();
 }

@@ -13,6 +13,7 @@
 #include "ui/symbols/pixel_editor.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/window_keys.h"
 
 #include <QDir>
 #include <QEvent>
@@ -178,6 +179,7 @@ SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
     setObjectName(look.frameName);
     buildLayout();
     connectControls();
+    AltKey(numberTxt, static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(look.kind)));
     numberChanged();
 }
 
@@ -212,6 +214,7 @@ QWidget *SymbolEditor::buildHalves()
         layout->insertWidget(look.secondHalfFirst ? 0 : i, button);
     }
     layout->addStretch();
+    TabToChosen(halves);
     return frame;
 }
 
@@ -226,6 +229,7 @@ void SymbolEditor::buildLayout()
     buttons->addWidget(writeBut, 0, 1);
     buttons->addWidget(editBut, 1, 0);
     buttons->addWidget(doubtLbl, 1, 1);
+    buttons->setColumnStretch(2, 1); // they keep their size in a wide window
     layout->addLayout(buttons);
     orderTabs();
 }

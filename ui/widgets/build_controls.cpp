@@ -2,6 +2,7 @@
 
 #include "ui/widgets/picture_box.h"
 
+#include <QAction>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -68,6 +69,25 @@ PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int
     picture->setObjectName(name);
     picture->setAccessibleName(accessibleName);
     return picture;
+}
+
+QAction *NamedAction(const QString &name, const QString &caption, const QKeySequence &key, QWidget *owner,
+    const std::function<void()> &work)
+{
+    auto *action = new QAction(caption, owner);
+    action->setObjectName(name);
+    action->setShortcut(key);
+    owner->addAction(action);
+    QObject::connect(action, &QAction::triggered, owner, work);
+    return action;
+}
+
+void AddUndoActions(QWidget *owner, const std::function<void()> &undo, const std::function<void()> &redo)
+{
+    NamedAction(QStringLiteral("UndoAction"), QStringLiteral("Rückgängig"), Qt::CTRL | Qt::Key_Z, owner, undo);
+    auto *again =
+        NamedAction(QStringLiteral("RedoAction"), QStringLiteral("Wiederholen"), Qt::CTRL | Qt::Key_Y, owner, redo);
+    again->setShortcuts({again->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
 }
 
 void MarkField(QLineEdit *field, const QString &fault)

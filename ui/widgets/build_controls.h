@@ -1,9 +1,13 @@
 // Small helpers with which the windows build their controls: every control gets its agreed name.
 #pragma once
 
+#include <QKeySequence>
 #include <QString>
 
+#include <functional>
+
 class PictureBox;
+class QAction;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -21,6 +25,13 @@ QLineEdit *NamedField(const QString &name, const QString &accessibleName, QWidge
 
 /// A picture box of a fixed size in logical pixels: a framed white area that shows one picture.
 PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int width, int height, QWidget *parent);
+
+/// A command of a widget, with its key; it stands in the widget's context menu where that shows actions.
+QAction *NamedAction(const QString &name, const QString &caption, const QKeySequence &key, QWidget *owner,
+    const std::function<void()> &work);
+
+/// "Rückgängig" and "Wiederholen" (UndoAction, RedoAction) with their keys, valid in the owner's window.
+void AddUndoActions(QWidget *owner, const std::function<void()> &undo, const std::function<void()> &redo);
 
 /// Marks a field as wrong and names the fault to those who point at it or have it read aloud; an empty fault takes
 /// the mark away.

@@ -187,6 +187,26 @@ bool Grid::collapseSelection(const QModelIndex &to)
     return true;
 }
 
+std::vector<int> Grid::markedRows() const
+{
+    std::vector<int> rows;
+    for (int row = 0; row < rowCount(); ++row) {
+        if (selectionModel()->rowIntersectsSelection(row))
+            rows.push_back(row);
+    }
+    return rows.empty() && currentRow() >= 0 ? std::vector<int>{currentRow()} : rows;
+}
+
+std::vector<int> Grid::markedColumns() const
+{
+    std::vector<int> columns;
+    for (int column = 0; column < columnCount(); ++column) {
+        if (selectionModel()->columnIntersectsSelection(column))
+            columns.push_back(column);
+    }
+    return columns.empty() && currentColumn() >= 0 ? std::vector<int>{currentColumn()} : columns;
+}
+
 bool Grid::leavesInput()
 {
     pressLeftInput = inputIsOpen();
@@ -217,7 +237,8 @@ void Grid::mouseReleaseEvent(QMouseEvent *event)
     QTableWidget::mouseReleaseEvent(event);
     const QModelIndex under = indexAt(event->position().toPoint());
     const QModelIndex began = std::exchange(pressed, QPersistentModelIndex());
-    if (event->button() != Qt::LeftButton || !began.isValid() || collapseSelection(began))
+    const bool marks = (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
+    if (event->button() != Qt::LeftButton || !began.isValid() || marks || collapseSelection(began))
         return;
     if (under == began) // a press that was dragged away means nothing
         Q_EMIT cellActed(under.row(), under.column());

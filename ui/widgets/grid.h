@@ -5,6 +5,8 @@
 #include <QPixmap>
 #include <QTableWidget>
 
+#include <vector>
+
 class QLineEdit;
 
 class Grid : public QTableWidget
@@ -35,6 +37,11 @@ public:
     /// Whole rows may be selected, also several; otherwise a selection of several cells collapses to the current one.
     void selectRows();
 
+    /// The rows with a marked cell, ascending, and the columns from the first to the last one; without a mark the
+    /// current cell.
+    [[nodiscard]] std::vector<int> markedRows() const;
+    [[nodiscard]] std::vector<int> markedColumns() const;
+
     /// Room for all rows; a window with less scrolls.
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -48,7 +55,8 @@ public:
     [[nodiscard]] bool inputIsOpen() const;
 
 Q_SIGNALS:
-    /// The user acted on a cell: a click, or Enter or Space on the current cell.
+    /// The user acted on a cell: a click without Shift and Ctrl (these only mark cells), or Enter or Space on the
+    /// current cell.
     void cellActed(int row, int column);
     /// F2 on the current cell.
     void inputAsked(int row, int column);

@@ -3,7 +3,9 @@
 #include "handheld/backup/dds_file.h"
 #include "handheld/backup/selection.h"
 #include "link/open_link.h"
+#include "platform/text.h"
 #include "program/branding.h"
+#include "program/recent_files.h"
 #include "program/run_control.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
@@ -14,10 +16,12 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDir>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTableView>
 
@@ -101,6 +105,20 @@ TEST_F(BackupWindows, TheSelectionIsCheckedKeptAndUsed)
     EXPECT_EQ(in<QLabel>("LokSucheWin", "AnzahlLbl")->text(), QStringLiteral("1 Lokdatensatz gefunden:"));
     pressIn("LokSucheWin", "KopierenBut");
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("38"));
+    EXPECT_EQ(in<QPlainTextEdit>("LokSucheWin", "AdressenTxt")->toPlainText(),
+        QStringLiteral("38\t") + WithoutTrailingBlanks(ReadLoco(SpiBuf, 38).value.name));
+    pressIn("LokSucheWin", "ListeBut");
+    EXPECT_TRUE(content(folder.path() + QStringLiteral("/konf/Sicherung.txt")).startsWith("LokDaten:1 38\r\n"));
+    EXPECT_FALSE(ReadSelection().lokSuche);
+    expectSaveDialog();
+    inSelection([] {
+        entry("LokDatenTxt")->setText(QStringLiteral("5"));
+        pressIn("LokSucheWin", "ListeBut"); // while the selection is open
+        EXPECT_EQ(entry("LokDatenTxt")->text(), QStringLiteral("38"));
+        pressIn("SicherungWin", "CancelButton");
+    });
+    trigger("datenlesen_menu");
+    EXPECT_EQ(RecentFiles(), QStringList{file});
     EXPECT_FALSE(user.progressVisible);
 }
 
@@ -252,6 +270,36 @@ TEST_F(ViewerTest, ExportsWhatIsShown)
     user.expect(
         QStringLiteral("Die Datei %1 kann nicht geschrieben werden!").arg(folder.path()), QStringLiteral("Fehler!"));
     pressIn("DatenAnzeigeWin", "CsvBut");
+}
+
+TEST_F(ViewerTest, RecentFilesAreOfferedUntilTheyAreGone)
+{
+    const auto offered = [] {
+        QStringList names;
+        for (const QAction *action : openWindow("DatenAnzeigeWin")->actions()) {
+            if (action->isEnabled() && action->isVisible() && action->objectName() != u"SuchenAction")
+                names += action->text();
+        }
+        return names;
+    };
+    QStringList shown;
+    for (int i = 0; i < 10; ++i) {
+        const QString name = folder.path() + QStringLiteral("/sicherung%1.dds").arg(i);
+        QFile opened(name);
+        ASSERT_TRUE(opened.open(QIODevice::WriteOnly) && opened.write(three) == three.size());
+        opened.close();
+        OpenBackupViewer(name);
+        shown.prepend(QDir::toNativeSeparators(name));
+    }
+    EXPECT_EQ(offered(), shown.first(8));
+    QFile::remove(folder.path() + QStringLiteral("/sicherung8.dds"));
+    user.expect(QStringLiteral("Die Datei %1 gibt es nicht!").arg(shown.at(1)), QStringLiteral("Fehler!"));
+    openWindow("DatenAnzeigeWin")->findChild<QAction *>(QStringLiteral("Zuletzt1Action"))->trigger();
+    shown.remove(1);
+    EXPECT_EQ(offered(), shown.first(7));
+    openWindow("DatenAnzeigeWin")->findChild<QAction *>(QStringLiteral("Zuletzt4Action"))->trigger();
+    shown.move(4, 0);
+    EXPECT_EQ(offered(), shown.first(7));
 }
 
 TEST_F(ViewerTest, PrintingCanBeCancelled)

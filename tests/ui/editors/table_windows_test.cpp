@@ -7,7 +7,9 @@
 #include "ui/editors/editor_windows.h"
 #include "ui/widgets/grid.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QDir>
 #include <QImage>
 #include <QKeyEvent>
@@ -72,6 +74,16 @@ protected:
     void openRoutes() { open(OpenRouteEditor, "FSEdit"); }
 
     QPushButton *button(const char *name) { return window->findChild<QPushButton *>(QLatin1String(name)); }
+
+    /// Triggers a command of the grid with some cells marked.
+    void edit(const char *action, int top, int left, int bottom, int right, const char *clipboard = nullptr)
+    {
+        grid->setCurrentCell(top, left, QItemSelectionModel::Clear);
+        grid->setRangeSelected({top, left, bottom, right}, true);
+        if (clipboard != nullptr)
+            QApplication::clipboard()->setText(QString::fromUtf8(clipboard));
+        grid->findChild<QAction *>(QLatin1String(action))->trigger();
+    }
 
     QPoint centre(int row, int column) { return grid->visualRect(grid->model()->index(row, column)).center(); }
 
@@ -409,4 +421,83 @@ TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
     button("SchreibeFSDatenBut")->click();
     EXPECT_FALSE(shown("GeaendertLbl"));
     EXPECT_TRUE(UnwrittenTables().isEmpty());
+}
+
+TEST_F(TableWindows, CellsAreCopiedPastedFilledAndTakenBack)
+{
+    openRoutes();
+    button("LeseFSDatenBut")->click();
+    edit("CopyAction", 0, 0, 1, 3);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("1\t4096\t\tX\n2\t-\tX\t"));
+    edit("PasteAction", 2, 1, 2, 1, "7\r\n8\t\tX\r\n");
+    edit("FillAction", 3, 1, 5, 3);
+    edit("PasteAction", 1, 0, 1, 0, "-"); // nothing new
+    type(6, 1, "9");
+    const std::array<const char *, 7> shown{"4096||X", "-|X|", "7||X", "8||X", "8||X", "8||X", "9||X"};
+    for (size_t i = 0; i < shown.size(); ++i)
+        EXPECT_EQ(row(static_cast<int>(i)), shown.at(i)) << i;
+    EXPECT_EQ((std::vector<int>(FsDaten.begin() + 8, FsDaten.begin() + 15)),
+        (std::vector<int>{0, 7, 255, 255, 0, 8, 1})); // an address alone leaves the trigger
+
+    const Routes before = FsDaten;
+    const std::pair<const char *, const char *> refused[] = {
+        {"5\n4097", "FS 80, Rm.Adr.: \"4097\" geht nicht, erlaubt sind Zahlen von 1 bis 4096."},
+        {"5\tY", "FS 79, frei: \"Y\" geht nicht, erlaubt ist nur X oder nichts."},
+        {"5\n6\n7", "Der Text hat mehr Zeilen oder Spalten, als von der markierten Zelle an Platz haben."},
+        {"\n", "Die Zwischenablage enthält keinen Text."}};
+    for (const auto &[text, reason] : refused) {
+        user.expect(
+            QString::fromUtf8(reason) + QStringLiteral("\rEs wurde nichts geändert."), QStringLiteral("Einfügen"));
+        edit("PasteAction", 78, 1, 78, 1, text);
+        EXPECT_EQ(FsDaten, before) << text;
+        EXPECT_EQ(row(78), "-||X");
+    }
+    const auto undo = [this](int steps) {
+        for (int i = 0; i < steps; ++i)
+            grid->findChild<QAction *>(QStringLiteral("UndoAction"))->trigger();
+    };
+    undo(3);
+    EXPECT_EQ(row(3), "-||X");
+    EXPECT_TRUE(UnwrittenTables().isEmpty());
+    grid->findChild<QAction *>(QStringLiteral("RedoAction"))->trigger();
+    EXPECT_EQ(row(2), "7||X");
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_TRUE(UnwrittenTables().isEmpty());
+    undo(1); // also what is written
+    EXPECT_FALSE(UnwrittenTables().isEmpty());
+    button("LeseFSDatenBut")->click();
+    undo(1);
+    EXPECT_EQ(row(2), "7||X");
+}
+
+TEST_F(TableWindows, SymbolsArePastedAndPickedForSeveralRows)
+{
+    open(OpenAccessoryListEditor, "MagListeWin");
+    button("LeseMagListeBut")->click();
+    edit("PasteAction", 3, 1, 3, 1, "12\tab\t7");
+    EXPECT_EQ(row(3), "12|AB||#");
+    user.expect(QStringLiteral("Platz 5, Bez.: \"ABC\" geht nicht, erlaubt sind höchstens 2 Zeichen."
+                               "\rEs wurde nichts geändert."),
+        QStringLiteral("Einfügen"));
+    edit("PasteAction", 4, 2, 4, 2, "ABC");
+    user.expect(QStringLiteral("Platz 5, Symbol: \"256\" geht nicht, erlaubt sind Symbolnummern von 0 bis 255."
+                               "\rEs wurde nichts geändert."),
+        QStringLiteral("Einfügen"));
+    edit("PasteAction", 4, 4, 4, 4, "256");
+    window->hide();
+    open(OpenAssignmentEditor, "MagSymZuordWin");
+    grid->setCurrentCell(4, 1);
+    grid->setRangeSelected({4, 0, 6, 2}, true);
+    soon([this] {
+        click(0, 1); // refused, and changes no mark that counts
+        Q_EMIT topLevel("MagSymWin")->findChild<Grid *>()->cellActed(5, 0);
+    });
+    Press(grid, Qt::Key_Return);
+    EXPECT_EQ(
+        (std::vector<int>(MagZuordDaten.begin() + 3, MagZuordDaten.begin() + 8)), (std::vector<int>{0, 5, 5, 5, 0}));
+    edit("CopyAction", 6, 0, 7, 2);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("7\t5\n8\t0"));
+    edit("PasteAction", 7, 0, 9, 2, "7");
+    EXPECT_EQ(MagZuordDaten.at(9), 7);
+    EXPECT_EQ(row(9), "|#");
 }

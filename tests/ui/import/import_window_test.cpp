@@ -1,6 +1,8 @@
 #include "ui/import/import_window.h"
 
-#include "handheld/loco_record.h"
+#include "handheld/discovery.h"
+#include "handheld/known_locos.h"
+#include "link/open_link.h"
 #include "program/branding.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
@@ -8,9 +10,12 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+
+#include <algorithm>
 
 class Import : public WindowWorld
 {
@@ -78,6 +83,40 @@ TEST_F(Import, TheWindowCorrectsSendsAndSaves)
     EXPECT_EQ(LokName, QStringLiteral("STRASSE 0123456789012"));
     EXPECT_EQ(FktModus.at(0), 1);
     EXPECT_EQ(LokSymbol, 8);
+}
+
+TEST_F(Import, RowsAreSortedAndMarkedWhereTheHandheldHasTheLoco)
+{
+    trigger("LokDataMenu");
+    auto *grid = importWindow()->findChild<Grid *>(QStringLiteral("LokImportTab"));
+    const auto known = [grid](int row) { return !grid->item(row, 0)->icon().isNull(); };
+    EXPECT_EQ(grid->text(0, 0), QStringLiteral("3"));
+    EXPECT_FALSE(known(0)) << "nothing has been read yet";
+    EXPECT_TRUE(ReadLocoRecord(3).ok());
+    flash().setBytes(24 * 64, QByteArray(64, '\xFF'));
+    EXPECT_TRUE(ReadLocoRecord(24).ok());
+    importWindow()->hide();
+    trigger("LokDataMenu");
+    EXPECT_TRUE(known(0));
+    EXPECT_TRUE(grid->item(0, 0)->toolTip().contains(KnownLocoName(3)));
+
+    grid->selectRow(0);
+    for (const bool descending : {false, true}) {
+        Q_EMIT grid->horizontalHeader()->sectionClicked(0);
+        QList<int> addresses;
+        for (int row = 0; row < grid->rowCount(); ++row) {
+            addresses += grid->text(row, 0).toInt();
+            EXPECT_EQ(grid->selectionModel()->isRowSelected(row), addresses.last() == 3);
+            EXPECT_EQ(known(row), addresses.last() == 3);
+        }
+        EXPECT_TRUE(descending ? std::is_sorted(addresses.rbegin(), addresses.rend())
+                               : std::is_sorted(addresses.begin(), addresses.end()));
+    }
+    HandreglerGefunden = false;
+    EXPECT_TRUE(FindHandheld().ok()); // perhaps another one
+    importWindow()->hide();
+    trigger("LokDataMenu");
+    EXPECT_FALSE(known(0));
 }
 
 TEST_F(Import, ASecondSmallerDownloadReplacesTheFirst)
