@@ -31,7 +31,7 @@ enum Column { AddressColumn, NameColumn, SymbolColumn, FirstFunctionColumn };
 constexpr int ColumnCount = FirstFunctionColumn + FunctionCount;
 constexpr int AddressWidth = 52;
 constexpr int NameWidth = 210;
-constexpr int SymbolWidthPixels = 64;
+constexpr int SymbolWidthPixels = 68;
 constexpr int FunctionWidth = 30;
 constexpr int RowHeight = 24;
 constexpr QSize StartSize(900, 520);
