@@ -12,6 +12,7 @@
 #include "ui/common/start_up.h"
 #include "ui/main_window.h"
 #include "ui/qt_frontend.h"
+#include "ui/widgets/window_place.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -76,6 +77,7 @@ int main(int argc, char *argv[])
     QtSerialPort machinePort(events);
     sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
+    KeepWindowSizesIn(KonfPath(QStringLiteral("\\konf\\Einstellungen.ini")));
     InstallWorld({&events, &port});
     QtFrontend frontend;
     InstallAsk(&frontend);

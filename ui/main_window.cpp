@@ -19,13 +19,13 @@
 #include "ui/symbols/start_image.h"
 #include "ui/symbols/symbol_editor.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QHBoxLayout>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -33,8 +33,6 @@
 
 namespace
 {
-constexpr QSize ScreenMargin(40, 80); // room for the window's frame and a task bar
-
 /// A menu command that opens a window: it only needs that no other command runs.
 std::function<void()> Opening(std::function<void()> open)
 {
@@ -87,8 +85,7 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
     startImage->setVisible(false);
     connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });
-    const QSize room = screen()->availableSize() - ScreenMargin;
-    resize(sizeHint().boundedTo(room));
+    resize(sizeHint().boundedTo(RoomForWindow(*screen())));
     FollowCatalogue();
     setAcceptDrops(true);
 }
@@ -186,6 +183,24 @@ void MainWindow::end()
         if (ends)
             frontend.endProgram();
     });
+}
+
+/// In the middle of the screen: boxes that come at once know where it is.
+void MainWindow::appear()
+{
+    if (isVisible())
+        return;
+    RestoreSize(*this);
+    move(screen()->availableGeometry().center() - rect().center());
+    appearedSize = size();
+    show();
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    if (size() != appearedSize)
+        KeepSize(*this);
+    QMainWindow::hideEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

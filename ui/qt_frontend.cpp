@@ -266,7 +266,7 @@ void QtFrontend::openSelectionFromMenu()
 
 void QtFrontend::showMainWindow()
 {
-    mainWindow->show();
+    mainWindow->appear();
 }
 
 void QtFrontend::raiseMainWindow()

@@ -8,6 +8,7 @@
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -296,7 +297,7 @@ void SymbolPicker::open(int presentNumber)
     searchTxt->clear();
     showRecent();
     filterRows();
-    present();
+    presentBeside(ActedPlace());
     grid->setFocus();
     const int row = presentNumber >= 0 && presentNumber < grid->rowCount() ? presentNumber : 0;
     if (grid->isRowHidden(row)) // an empty one with "nur belegte": the first row that is seen stays the current one

@@ -144,6 +144,7 @@ void PixelCanvas::moveCursor(int columns, int rows)
     update(cellRect(cursor));
     cursor = SymbolWidth * row + column + 1;
     update(cellRect(cursor));
+    Q_EMIT cursorMoved(cellRect(cursor));
 }
 
 void PixelCanvas::keyPressEvent(QKeyEvent *event)

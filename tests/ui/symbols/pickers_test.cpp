@@ -2,7 +2,6 @@
 #include "tests/support/window_world.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/widgets/crisp_picture.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
 
@@ -11,8 +10,6 @@
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPainter>
-#include <QSet>
 
 class Pickers : public WindowWorld
 {
@@ -158,36 +155,4 @@ TEST_F(Pickers, TheLastUsedSymbolsAreOnTop)
             EXPECT_LE(grids.right(), picker->width());
         },
         0, SymbolKind::Loco);
-}
-
-TEST_F(Pickers, PicturesAreCrispAtEveryScale)
-{
-    QImage squares(14, 14, QImage::Format_RGB32); // black and white by turns
-    for (int i = 0; i < 14 * 14; ++i)
-        squares.setPixelColor(i % 14, i / 14, (i % 14 + i / 14) % 2 == 0 ? Qt::black : Qt::white);
-    for (const auto &[scale, factor, dark] : {std::tuple{1.0, 1, false}, {1.25, 1, true}, {1.5, 2, false},
-             {1.5, 2, true}, {2.0, 2, true}, {3.0, 3, false}}) {
-        QImage screen((QSizeF(60, 60) * scale).toSize(), QImage::Format_RGB32);
-        screen.setDevicePixelRatio(scale);
-        screen.fill(Qt::gray);
-        QPainter painter(&screen);
-        painter.translate(13, 7); // between device pixels at a broken scale
-        const QPalette palette(dark ? QColor(Qt::black) : QColor(Qt::white));
-        DrawCrisp(painter, QRect(3, 5, 26, 19), QPixmap::fromImage(squares), palette);
-        painter.end();
-        QPoint first(-1, -1); // the black corner of the picture
-        QSet<QRgb> colours;
-        for (int i = 0; i < screen.width() * screen.height(); ++i) {
-            const QPoint at(i % screen.width(), i / screen.width());
-            colours.insert(screen.pixel(at));
-            if (first.x() < 0 && screen.pixel(at) == qRgb(0, 0, 0))
-                first = at;
-        }
-        EXPECT_EQ(colours.size(), 3) << "nothing is blurred";
-        EXPECT_EQ(screen.pixel(first - QPoint(1, 0)) == qRgb(255, 255, 255), dark) << "white margin";
-        for (int x = 0; x < 14 * factor; ++x) {
-            for (int y = 0; y < 14 * factor; ++y)
-                ASSERT_EQ(screen.pixel(first + QPoint(x, y)), squares.pixel(x / factor, y / factor)) << scale;
-        }
-    }
 }
