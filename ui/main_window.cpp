@@ -9,6 +9,7 @@
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/editors/editor_windows.h"
+#include "ui/guide_win.h"
 #include "ui/help_win.h"
 #include "ui/import/import_window.h"
 #include "ui/info_zeichensatz.h"
@@ -65,7 +66,10 @@ void FollowCatalogue()
 } // namespace
 
 MainWindow::MainWindow(QtFrontend &qtFrontend)
-    : frontend(qtFrontend), helpWin(std::make_unique<HelpWin>()), infoZeichensatz(std::make_unique<InfoZeichensatz>())
+    : frontend(qtFrontend)
+    , helpWin(std::make_unique<HelpWin>())
+    , guideWin(std::make_unique<GuideWin>())
+    , infoZeichensatz(std::make_unique<InfoZeichensatz>())
 {
     setObjectName(QStringLiteral("VeskaWin"));
     setWindowTitle(QStringLiteral("V E S K A  II  T O O L"));
@@ -86,6 +90,7 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     startImage->setVisible(false);
     connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });
     resize(sizeHint().boundedTo(RoomForWindow(*screen())));
+    connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
     FollowCatalogue();
     setAcceptDrops(true);
 }

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
 class LocoEditor;
@@ -55,5 +56,6 @@ private:
     LocoEditor *locoEditor;
     MenuItems menuItems;
     std::unique_ptr<HelpWin> helpWin;
+    std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
 };

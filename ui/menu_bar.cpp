@@ -48,8 +48,7 @@ std::vector<Menu> Menus()
             {{"ZentraleMenu", QStringLiteral("Zentrale auswählen")},
                 {"LokDataMenu", TheBranding().lokDataMenuCaption}}},
         {"info_menu", QStringLiteral("Info"),
-            {{"zeichen_menu", QStringLiteral("Zeichensatz")},
-                {"help_menu", QStringLiteral("Hilfe"), QKeySequence(Qt::Key_F1)},
+            {{"zeichen_menu", QStringLiteral("Zeichensatz")}, {"help_menu", QStringLiteral("Hilfe")},
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
     };
 }
