@@ -158,6 +158,8 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     if (forSaving && !proposal->isEmpty())
         dialog.selectFile(*proposal);
+    else if (const QString last = lastFiles.value(filter); !forSaving && QFileInfo(last).isFile())
+        dialog.selectFile(last);
     BelongTo(dialog, mainWindow);
     while (!BoxesAreSilent()) {
         WaitForDialog(dialog);
@@ -167,6 +169,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
         if (!fileAccepted(chosen.constFirst(), forSaving))
             continue;
         lastFolder = QFileInfo(chosen.constFirst()).absolutePath();
+        lastFiles.insert(filter, chosen.constFirst());
         return chosen.constFirst();
     }
     return {};

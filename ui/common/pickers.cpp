@@ -111,6 +111,7 @@ void SymbolPicker::buildSearch()
     connect(searchTxt, &QLineEdit::returnPressed, this, &SymbolPicker::chooseOnlyRow);
     connect(usedOnlyChk, &QCheckBox::toggled, this, &SymbolPicker::filterRows);
     grid->installEventFilter(this);
+    searchTxt->installEventFilter(this);
 }
 
 void SymbolPicker::buildRecent()
@@ -280,9 +281,15 @@ void SymbolPicker::chooseOnlyRow()
 
 bool SymbolPicker::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched != grid || event->type() != QEvent::KeyPress)
+    if (event->type() != QEvent::KeyPress)
         return LeavableWindow::eventFilter(watched, event);
     const auto *key = static_cast<QKeyEvent *>(event);
+    if (watched == searchTxt && key->key() == Qt::Key_Down) {
+        grid->setFocus(); // its current row is the first one that was found
+        return true;
+    }
+    if (watched != grid)
+        return LeavableWindow::eventFilter(watched, event);
     const QString text = key->text();
     const bool command = (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) != 0;
     if (command || text.isEmpty() || !text.front().isLetterOrNumber())

@@ -33,7 +33,7 @@ protected:
     /// Leaving means that nothing was chosen.
     void leave() override;
 
-    /// A letter or digit typed in the grid begins a search.
+    /// A letter or digit typed in the grid begins a search; the arrow down in the search field leads back to it.
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
