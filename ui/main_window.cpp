@@ -196,8 +196,10 @@ void MainWindow::appear()
     if (isVisible())
         return;
     RestoreSize(*this);
-    move(screen()->availableGeometry().center() - rect().center());
+    ensurePolished();
+    resize(size().expandedTo(minimumSizeHint())); // on a small screen the contents may want more than it has
     appearedSize = size();
+    move(PositionInMiddle(size(), screen()->availableGeometry()));
     show();
 }
 

@@ -51,6 +51,10 @@ QSize CrispRoom(QSize pixels, double scale)
 
 void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QPalette &palette)
 {
+    const QImage image = picture.toImage();
+    const bool dark = IsDark(palette);
+    if (dark && IsEmpty(image))
+        return;
     const double scale = painter.device()->devicePixelRatioF();
     // Everything is placed in device pixels: at a broken scale logical ones lie between them.
     const QTransform toDevice = painter.deviceTransform();
@@ -60,8 +64,7 @@ void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, con
     QRect place(QPoint(), natural * factor);
     place.moveTopLeft(room.center() - place.center());
     const QTransform toLogical = toDevice.inverted();
-    const QImage image = picture.toImage();
-    if (IsDark(palette) && !IsEmpty(image)) {
+    if (dark) {
         const int margin = DarkMargin * factor;
         const QRect white = place.adjusted(-margin, -margin, margin, margin).intersected(room);
         painter.fillRect(toLogical.mapRect(QRectF(white)), Qt::white);

@@ -17,5 +17,6 @@ int CrispFactor(double scale);
 QSize CrispRoom(QSize pixels, double scale);
 
 /// Paints a picture in the middle of an area (logical pixels), smaller where it has no room otherwise. In a dark palette
-/// it gets a white margin of two of its pixels, as far as the area reaches; an empty picture gets none.
+/// it gets a white margin of two of its pixels, as far as the area reaches, and an empty picture is not painted at all:
+/// as on a light one nothing is seen of it.
 void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QPalette &palette);

@@ -68,6 +68,12 @@ QPoint PositionBeside(QSize inside, const QRect &place, const QRect &screen)
     return onScreen({last.x(), along});
 }
 
+QPoint PositionInMiddle(QSize inside, const QRect &screen)
+{
+    const QSize left = (screen.size() - inside - FrameSize).expandedTo(QSize(0, 0));
+    return screen.topLeft() + QPoint(left.width() / 2, left.height() / 2);
+}
+
 void KeepWindowSizesIn(const QString &iniFile)
 {
     sizesFile = iniFile;

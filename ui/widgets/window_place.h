@@ -22,6 +22,9 @@ QSize RoomForWindow(const QScreen &screen);
 /// pixels, the screen without task bars).
 QPoint PositionBeside(QSize inside, const QRect &place, const QRect &screen);
 
+/// Where the frame of a window with this inside goes to be in the middle of the screen; its title is always on it.
+QPoint PositionInMiddle(QSize inside, const QRect &screen);
+
 /// From now on sizes of windows are kept in this file, between runs too; an empty name ends it. A file that cannot be
 /// read or written means that windows open with the sizes that they were given.
 void KeepWindowSizesIn(const QString &iniFile);
