@@ -56,7 +56,7 @@ void FormatTables(QTextFrame *frame)
     }
 }
 
-/// Fonts and sizes are the reader's: those of this computer go.
+/// Fonts are the reader's: those of this computer go. What stands in a font of its own is what users type.
 QString Page(const QTextDocument &guide)
 {
     static const QRegularExpression style(
@@ -68,7 +68,8 @@ QString Page(const QTextDocument &guide)
         QStringLiteral("<title>Benutzerhandbuch</title>\n<style type=\"text/css\">\n"
                        "body { font-family: sans-serif; max-width: 60em; margin: 1em auto; padding: 0 1em; }\n"
                        "img { max-width: 100%; }\n</style>"));
-    return page.replace(body, QStringLiteral("<body>")).remove(family);
+    return page.replace(body, QStringLiteral("<body>"))
+        .replace(family, QStringLiteral("font-family:monospace; font-weight:600;"));
 }
 
 } // namespace

@@ -153,8 +153,10 @@ void GuideWin::open(const QString &chapter)
 /// A box that waits for its answer would else keep the guide from being read.
 void GuideWin::belongTo(QWidget *box)
 {
-    winId(); // makes the window that is told
-    windowHandle()->setTransientParent(box != nullptr ? box->windowHandle() : nullptr);
+    if (box != nullptr)
+        winId(); // makes the window that is told; without need not, or it would be placed without its frame
+    if (windowHandle() != nullptr)
+        windowHandle()->setTransientParent(box != nullptr ? box->windowHandle() : nullptr);
 }
 
 void GuideWin::openInBrowser()
