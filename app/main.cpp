@@ -14,6 +14,7 @@
 #include "ui/common/start_up.h"
 #include "ui/main_window.h"
 #include "ui/qt_frontend.h"
+#include "ui/widgets/window_place.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -62,8 +63,8 @@ Arguments ReadArguments()
     QCommandLineParser parser;
     const QCommandLineOption fast(QStringLiteral("schnell"), QStringLiteral("schnelle Übertragung für diesen Lauf"));
     parser.addOption(fast);
-    parser.addPositionalArgument(
-        QStringLiteral("datei"), QStringLiteral("Datensicherung (.dds), die gezeigt wird"), QStringLiteral("[datei]"));
+    parser.addPositionalArgument(QStringLiteral("datei"), QStringLiteral("Datensicherung (.dds), die gezeigt wird"),
+        QStringLiteral("[datei]"));
     parser.addHelpOption();
     parser.addVersionOption();
     parser.process(*QCoreApplication::instance());
@@ -99,6 +100,7 @@ int main(int argc, char *argv[])
     QtSerialPort machinePort(events);
     sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
+    KeepWindowSizesIn(PreferencesPath());
     InstallWorld({&events, &port});
     QtFrontend frontend;
     InstallAsk(&frontend);

@@ -5,9 +5,9 @@
 #include "program/ask.h"
 #include "ui/widgets/build_controls.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QFontDatabase>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -86,12 +86,15 @@ QHBoxLayout *HelpWin::buildBottomRow()
     searchField->setClearButtonEnabled(true);
     auto *label = NamedLabel(QStringLiteral("HilfeSuchLabel"), QStringLiteral("&Suchen:"), this);
     label->setBuddy(searchField);
+    auto *guideButton = NamedButton(QStringLiteral("HandbuchBut"), QStringLiteral("&Benutzerhandbuch (F1)"), this);
     auto *okButton = NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this);
     auto *row = new QHBoxLayout;
     row->addWidget(label);
     row->addWidget(searchField);
     row->addStretch();
+    row->addWidget(guideButton);
     row->addWidget(okButton);
+    connect(guideButton, &QPushButton::clicked, this, &HelpWin::guideAsked);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
     setDefaultButton(okButton);
     return row;
@@ -142,7 +145,7 @@ void HelpWin::copyMarkedLines()
             lines.append(helpTxt->item(row)->text());
     }
     if (!lines.isEmpty())
-        QGuiApplication::clipboard()->setText(lines.join(u'\n'));
+        QApplication::clipboard()->setText(lines.join(u'\n'));
 }
 
 void HelpWin::zoom(int steps)
@@ -180,7 +183,8 @@ void HelpWin::load()
     if (help)
         helpTxt->addItems(Lines(*help));
     MarkHeadings(helpTxt);
-    present();
+    const QWidget *front = QApplication::activeWindow();
+    presentBeside(front != nullptr && front != this ? front->frameGeometry() : QRect());
     if (!help) {
         TheAsk().showBox(
             {QStringLiteral("Die Hilfedatei konf\\hilfe.txt fehlt!"), QStringLiteral("Fehler!"), BoxIcon::Critical});

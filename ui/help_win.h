@@ -18,6 +18,10 @@ public:
     /// empty then.
     void load();
 
+Q_SIGNALS:
+    /// The user wants the whole guide.
+    void guideAsked();
+
 protected:
     /// Ctrl+wheel changes the size of the letters.
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -9,6 +9,7 @@
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/editors/editor_windows.h"
+#include "ui/guide_win.h"
 #include "ui/help_win.h"
 #include "ui/import/import_window.h"
 #include "ui/info_zeichensatz.h"
@@ -19,13 +20,13 @@
 #include "ui/symbols/start_image.h"
 #include "ui/symbols/symbol_editor.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QHBoxLayout>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -33,8 +34,6 @@
 
 namespace
 {
-constexpr QSize ScreenMargin(40, 80); // room for the window's frame and a task bar
-
 /// A menu command that opens a window: it only needs that no other command runs.
 std::function<void()> Opening(std::function<void()> open)
 {
@@ -67,7 +66,10 @@ void FollowCatalogue()
 } // namespace
 
 MainWindow::MainWindow(QtFrontend &qtFrontend)
-    : frontend(qtFrontend), helpWin(std::make_unique<HelpWin>()), infoZeichensatz(std::make_unique<InfoZeichensatz>())
+    : frontend(qtFrontend)
+    , helpWin(std::make_unique<HelpWin>())
+    , guideWin(std::make_unique<GuideWin>())
+    , infoZeichensatz(std::make_unique<InfoZeichensatz>())
 {
     setObjectName(QStringLiteral("VeskaWin"));
     setWindowTitle(QStringLiteral("V E S K A  II  T O O L"));
@@ -89,8 +91,8 @@ MainWindow::MainWindow(QtFrontend &qtFrontend)
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
     startImage->setVisible(false);
     connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });
-    const QSize room = screen()->availableSize() - ScreenMargin;
-    resize(sizeHint().boundedTo(room));
+    resize(sizeHint().boundedTo(RoomForWindow(*screen())));
+    connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
     FollowCatalogue();
     setAcceptDrops(true);
 }
@@ -188,6 +190,26 @@ void MainWindow::end()
         if (ends)
             frontend.endProgram();
     });
+}
+
+/// In the middle of the screen: boxes that come at once know where it is.
+void MainWindow::appear()
+{
+    if (isVisible())
+        return;
+    RestoreSize(*this);
+    ensurePolished();
+    resize(size().expandedTo(minimumSizeHint())); // on a small screen the contents may want more than it has
+    appearedSize = size();
+    move(PositionInMiddle(size(), screen()->availableGeometry()));
+    show();
+}
+
+void MainWindow::hideEvent(QHideEvent *event)
+{
+    if (size() != appearedSize)
+        KeepSize(*this);
+    QMainWindow::hideEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

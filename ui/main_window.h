@@ -7,6 +7,7 @@
 
 #include <memory>
 
+class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
 class LocoEditor;
@@ -29,6 +30,9 @@ public:
     /// name.
     void openGivenFile(const QString &fileName);
 
+    /// Shows the window in the size that the user gave it last, in the middle of its screen.
+    void appear();
+
     /// Lets the user work in the window; the address field has the focus unless another field got it.
     void enable(bool enabled);
 
@@ -36,6 +40,7 @@ protected:
     /// Never closes at once: the program ends when the running command has come to its end and the handheld has
     /// been sent back.
     void closeEvent(QCloseEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
     /// Backup files may be dropped on the window.
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -46,9 +51,11 @@ private:
     void end();
 
     QtFrontend &frontend;
+    QSize appearedSize; // a size that the user did not choose is not kept
     bool askingToEnd = false;
     LocoEditor *locoEditor;
     MenuItems menuItems;
     std::unique_ptr<HelpWin> helpWin;
+    std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
 };

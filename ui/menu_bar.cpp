@@ -56,8 +56,7 @@ std::vector<Menu> Menus()
             {{"ZentraleMenu", QStringLiteral("Zentrale auswählen")},
                 {"LokDataMenu", TheBranding().lokDataMenuCaption}}},
         {"info_menu", QStringLiteral("Info"), Qt::Key_I,
-            {{"zeichen_menu", QStringLiteral("Zeichensatz")},
-                {"help_menu", QStringLiteral("Hilfe"), QKeySequence(Qt::Key_F1)},
+            {{"zeichen_menu", QStringLiteral("Zeichensatz")}, {"help_menu", QStringLiteral("Hilfe")},
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
     };
 }

@@ -14,7 +14,9 @@
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
@@ -25,6 +27,9 @@ namespace
 constexpr qsizetype MostBoxLines = 25;
 constexpr qint64 HintUs = 2'000'000;
 constexpr int TitleButtons = 160; // logical pixels beside a box's title
+constexpr int TextMargins = 16;
+constexpr int LongestLine = 80;      // characters; longer lines, such as lists of addresses, are broken
+constexpr int BoxSurroundings = 200; // icon, margins, frame
 
 QMessageBox::Icon QtIcon(BoxIcon icon)
 {
@@ -46,13 +51,20 @@ void BelongTo(QDialog &dialog, QWidget *mainWindow)
         dialog.windowHandle()->setTransientParent(front->windowHandle());
 }
 
-/// A box is as wide as its title needs, beside the buttons of its frame.
-void FitTitle(QMessageBox &box)
+/// A box is as wide as its title needs, beside the buttons of its frame, and as the lines of its text: it breaks none
+/// of them that is a sentence while the screen has room.
+void FitWidth(QMessageBox &box)
 {
-    const int width = box.fontMetrics().horizontalAdvance(box.windowTitle()) + TitleButtons;
+    auto *label = box.findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+    label->ensurePolished(); // it may have a font of its own
+    const QFontMetrics metrics = label->fontMetrics();
+    const int text = metrics.size(0, box.text()).width() + TextMargins;
+    const int room = box.screen()->availableSize().width() - BoxSurroundings;
+    label->setMinimumWidth(qMin(text, qMin(room, metrics.averageCharWidth() * LongestLine)));
+    const int title = box.fontMetrics().horizontalAdvance(box.windowTitle()) + TitleButtons;
     if (auto *layout = qobject_cast<QGridLayout *>(box.layout()))
         layout->addItem(
-            new QSpacerItem(width, 0, QSizePolicy::Minimum), layout->rowCount(), 0, 1, layout->columnCount());
+            new QSpacerItem(title, 0, QSizePolicy::Minimum), layout->rowCount(), 0, 1, layout->columnCount());
 }
 
 void BringForward(QWidget *window)
@@ -92,7 +104,7 @@ std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
     widget->setWindowTitle(box.title);
     widget->setIcon(QtIcon(box.icon));
     widget->setWindowModality(Qt::ApplicationModal);
-    FitTitle(*widget);
+    FitWidth(*widget);
     BelongTo(*widget, mainWindow);
     return widget;
 }
@@ -158,6 +170,8 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     if (forSaving && !proposal->isEmpty())
         dialog.selectFile(*proposal);
+    else if (const QString last = lastFiles.value(filter); !forSaving && QFileInfo(last).isFile())
+        dialog.selectFile(last);
     BelongTo(dialog, mainWindow);
     while (!BoxesAreSilent()) {
         WaitForDialog(dialog);
@@ -167,6 +181,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
         if (!fileAccepted(chosen.constFirst(), forSaving))
             continue;
         lastFolder = QFileInfo(chosen.constFirst()).absolutePath();
+        lastFiles.insert(filter, chosen.constFirst());
         return chosen.constFirst();
     }
     return {};
@@ -266,7 +281,7 @@ void QtFrontend::openSelectionFromMenu()
 
 void QtFrontend::showMainWindow()
 {
-    mainWindow->show();
+    mainWindow->appear();
 }
 
 void QtFrontend::raiseMainWindow()

@@ -7,6 +7,8 @@
 #include "program/ask.h"
 #include "ui/common/windows.h"
 
+#include <QMap>
+
 #include <functional>
 #include <memory>
 #include <vector>
@@ -70,7 +72,8 @@ private:
     std::unique_ptr<ProgressWindow> progress;
     std::unique_ptr<ZentraleForm> zentraleForm;
     std::vector<std::unique_ptr<QMessageBox>> postedBoxes;
-    QString lastFolder; // of the file dialogs; empty = where the program was started
+    QString lastFolder;               // of the file dialogs; empty = where the program was started
+    QMap<QString, QString> lastFiles; // by filter: proposed when a file is opened
     bool askingToStop = false;
     int hints = 0; // counts the "still running" hints, so that an older one does not take a newer away
 };

@@ -2,16 +2,19 @@
 
 #include "handheld/discovery.h"
 #include "link/open_link.h"
+#include "platform/files.h"
 #include "program/branding.h"
 #include "program/run_control.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
 #include "ui/common/symbol_pictures.h"
+#include "ui/guide_win.h"
 #include "ui/widgets/grid.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDir>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -22,6 +25,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
+#include <QTextBrowser>
 
 class MainWindowTest : public WindowWorld
 {
@@ -520,4 +524,39 @@ TEST_F(MainWindowTest, TheHelpIsSearchedAndItsHeadingsStandOut)
     enter();
     EXPECT_EQ(search->toolTip(), QStringLiteral("nicht gefunden"));
     help->hide();
+}
+
+TEST_F(MainWindowTest, F1OpensTheGuideAtTheChapterOfTheWindow)
+{
+    const auto f1 = [](QWidget *control) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_F1, Qt::NoModifier);
+        QApplication::sendEvent(control, &key);
+    };
+    user.expect(
+        QStringLiteral("Das Benutzerhandbuch handbuch\\Benutzerhandbuch.html fehlt!"), QStringLiteral("Fehler!"));
+    f1(field("AdrTxt"));
+    const QString made = qEnvironmentVariable("HR_KONF") + QStringLiteral("/../handbuch/Benutzerhandbuch.html");
+    const QString page = QString::fromUtf8(ReadWholeFile(made).value_or(QByteArray()));
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("handbuch")));
+    ASSERT_TRUE(ReplaceFile(folder.filePath(QStringLiteral("handbuch/Benutzerhandbuch.html")), page.toUtf8()));
+    QStringList chapters;
+    QWidget guide;
+    for (const char *name : {"AdrTxt", "FunksymTxt", "MagsymTxt", "ZentraleForm", "LokSymWin", "Pixeledit", "FSEdit",
+             "SicherungWin", "LokImportWin"}) {
+        auto *other = new QWidget(&guide);
+        other->setObjectName(QLatin1String(name));
+        auto *here = window().findChild<QWidget *>(QLatin1String(name));
+        chapters += GuideWin::chapterOf(here != nullptr ? here : other);
+        EXPECT_TRUE(page.contains(QStringLiteral("name=\"%1\"").arg(chapters.constLast()))) << name;
+    }
+    chapters.removeDuplicates();
+    EXPECT_EQ(chapters.size(), 8);
+    f1(field("FunksymTxt"));
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() != u"HandbuchWin")
+            continue;
+        EXPECT_TRUE(widget->isVisible());
+        EXPECT_EQ(widget->findChild<QTextBrowser *>()->source().fragment(), QStringLiteral("symbole"));
+        widget->close();
+    }
 }

@@ -8,6 +8,7 @@
 #include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/crisp_picture.h"
 #include "ui/widgets/window_keys.h"
 
 #include <QAction>
@@ -57,15 +58,15 @@ private:
 namespace
 {
 
-constexpr int RowHeight = 22;
+constexpr int RowHeight = 24;
 constexpr int FunctionWidth = 32;
-constexpr int PictureColumnWidth = 64;
+constexpr int PictureColumnWidth = 68;
 constexpr int NameCharacters = 24;
 constexpr int CaptionMargin = 28; // room for the sort arrow
 constexpr int MarkMargin = 4;
 constexpr QSize StartSize(1240, 620); // all columns
 
-/// Paints a cell's picture pixel for pixel, and its text behind it or, without a picture, in the middle.
+/// Paints a cell's picture, and its text behind it or, without a picture, in the middle.
 class PictureDelegate : public QStyledItemDelegate
 {
 public:
@@ -83,9 +84,7 @@ public:
         const QString mark = std::exchange(cell.text, QString());
         cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
         const int markWidth = mark.isEmpty() ? 0 : cell.fontMetrics.horizontalAdvance(mark) + MarkMargin;
-        QRect area(QPoint(), picture.size() / picture.devicePixelRatio());
-        area.moveCenter(cell.rect.adjusted(0, 0, -markWidth, 0).center());
-        painter->drawPixmap(area, picture);
+        DrawCrisp(*painter, cell.rect.adjusted(0, 0, -markWidth, 0), picture, cell.palette);
         const bool selected = (cell.state & QStyle::State_Selected) != 0;
         painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
         painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);

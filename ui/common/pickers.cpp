@@ -9,6 +9,7 @@
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
 #include "ui/widgets/window_keys.h"
+#include "ui/widgets/window_place.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -51,7 +52,7 @@ const PickerLook &LookOf(SymbolKind kind)
     static const std::array<PickerLook, 3> looks{
         PickerLook{QStringLiteral("LokSymWin"), QStringLiteral("Loksymbole"), QStringLiteral("LokSymTab"),
             QStringLiteral("Abbruch"), {QStringLiteral("Nr."), QStringLiteral("Symbol"), QStringLiteral("Datei")},
-            LokSymbolCount, 1, 64, 24},
+            LokSymbolCount, 1, 68, 24},
         PickerLook{QStringLiteral("LokFktWin"), QStringLiteral("Lokfunktionssymbole"), QStringLiteral("LokFktTab"),
             QStringLiteral("Abbruch"),
             {QStringLiteral("Nr."), QStringLiteral("OFF"), QStringLiteral("ON"), QStringLiteral("Beschreibung")},
@@ -218,10 +219,9 @@ void SymbolPicker::showRecent()
         const int number = recent.at(i);
         const QPixmap on = SymbolPictureOfHalf(kind, number, HalfOn);
         const QPixmap shown = on.isNull() ? SymbolPictureOfHalf(kind, number, HalfOff) : on;
+        box->setPicture(shown);
         if (shown.isNull())
             box->setText(QString::number(number));
-        else
-            box->setPicture(shown);
         box->setToolTip(QString::number(number) + u' ' + SymbolName(kind, number).toHtmlEscaped());
         box->setAccessibleName(
             QStringLiteral("Zuletzt verwendet: ") + QString::number(number) + u' ' + SymbolName(kind, number));
@@ -278,7 +278,7 @@ void SymbolPicker::open(int presentNumber)
     searchTxt->clear();
     showRecent();
     filterRows();
-    present();
+    presentBeside(ActedPlace());
     grid->setFocus();
     const int row = presentNumber >= 0 && presentNumber < grid->rowCount() ? presentNumber : 0;
     if (grid->isRowHidden(row)) // an empty one with "nur belegte": the first row that is seen stays the current one

@@ -38,7 +38,7 @@ enum Column { AddressColumn, NameColumn, SymbolColumn, FirstFunctionColumn };
 constexpr int ColumnCount = FirstFunctionColumn + FunctionCount;
 constexpr int AddressWidth = 76; // with the mark
 constexpr int NameWidth = 210;
-constexpr int SymbolWidthPixels = 64;
+constexpr int SymbolWidthPixels = 68;
 constexpr int FunctionWidth = 36; // with the sort arrow
 constexpr int RowHeight = 24;
 constexpr int StartHeight = 520;

@@ -115,10 +115,12 @@ QWidget *LocoEditor::buildGridWithHeads()
     auto *symbole = NamedLabel(QStringLiteral("Label5"), QStringLiteral("Symbole"), area);
     auto *tastfunktion = NamedLabel(QStringLiteral("Label6"), QStringLiteral("Tastfunktion"), area);
     const int side = tastfunktion->sizeHint().width() + HeadGap;
+    const int columns = ColumnWidths.at(OnColumn) + ColumnWidths.at(OffColumn);
+    const int middle = qMax(columns, symbole->sizeHint().width()); // a head is never cut
     funktion->setFixedWidth(side);
     funktion->setAlignment(Qt::AlignRight);
     funktion->setContentsMargins(0, 0, HeadGap, 0);
-    symbole->setFixedWidth(ColumnWidths.at(OnColumn) + ColumnWidths.at(OffColumn));
+    symbole->setFixedWidth(middle);
     symbole->setAlignment(Qt::AlignHCenter);
     tastfunktion->setContentsMargins(HeadGap, 0, 0, 0);
     auto *heads = new QHBoxLayout;
@@ -126,7 +128,7 @@ QWidget *LocoEditor::buildGridWithHeads()
     for (QLabel *label : {funktion, symbole, tastfunktion})
         heads->addWidget(label);
     auto *gridRow = new QHBoxLayout;
-    gridRow->addSpacing(side - ColumnWidths.at(HeadColumn));
+    gridRow->addSpacing(side - ColumnWidths.at(HeadColumn) + (middle - columns) / 2);
     gridRow->addWidget(fktTab);
     gridRow->addStretch();
     auto *layout = new QVBoxLayout(area);

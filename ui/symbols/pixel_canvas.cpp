@@ -3,12 +3,11 @@
 #include "shown/picture.h"
 #include "ui/symbols/cell_image.h"
 #include "ui/symbols/pixel_history.h"
+#include "ui/widgets/crisp_picture.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-
-#include <cmath>
 
 namespace
 {
@@ -30,21 +29,16 @@ PixelPreview::PixelPreview(QWidget *parent) : QWidget(parent)
 
 void PixelPreview::fitPicture()
 {
-    resize(SymbolWidth + 2 * PreviewMargin, SymbolHeight + 2 * PreviewMargin);
+    const QSize pixels(SymbolWidth + 2 * PreviewMargin, SymbolHeight + 2 * PreviewMargin);
+    resize(CrispRoom(pixels, devicePixelRatioF()));
     update();
 }
 
-/// A pixel of the picture is a whole number of the screen's: nothing is blurred.
 void PixelPreview::paintEvent(QPaintEvent *)
 {
-    const double ratio = devicePixelRatioF();
-    const int factor = qMax(1, static_cast<int>(std::floor(ratio)));
-    QImage image = ImageOfCells(Pixel, ShownGeometry());
-    image = image.scaled(image.size() * factor);
-    image.setDevicePixelRatio(ratio);
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
-    painter.drawImage(QPoint(PreviewMargin, PreviewMargin), image);
+    DrawCrisp(painter, rect(), QPixmap::fromImage(ImageOfCells(Pixel, ShownGeometry())), palette());
 }
 
 PixelCanvas::PixelCanvas(PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent)
@@ -150,6 +144,7 @@ void PixelCanvas::moveCursor(int columns, int rows)
     update(cellRect(cursor));
     cursor = SymbolWidth * row + column + 1;
     update(cellRect(cursor));
+    Q_EMIT cursorMoved(cellRect(cursor));
 }
 
 void PixelCanvas::keyPressEvent(QKeyEvent *event)

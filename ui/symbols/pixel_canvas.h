@@ -36,6 +36,10 @@ public:
     /// Shows all cells anew with the keyboard's cursor at the top left.
     void restart();
 
+Q_SIGNALS:
+    /// The keyboard's cursor has come to a cell (its rectangle in the canvas).
+    void cursorMoved(const QRect &cell);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;

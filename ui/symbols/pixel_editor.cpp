@@ -10,6 +10,7 @@
 #include "ui/symbols/pixel_canvas.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/window_keys.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -17,7 +18,11 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 #include <memory>
 
@@ -51,14 +56,23 @@ std::optional<QByteArray> PngContent(const QString &fileName)
 } // namespace
 
 PixelEditor::PixelEditor()
-    : preview(new PixelPreview(this))
-    , canvas(new PixelCanvas(history, *preview, this))
+    : scroller(new QScrollArea(this))
+    , area(new QWidget(scroller))
+    , preview(new PixelPreview(area))
+    , canvas(new PixelCanvas(history, *preview, area))
     , editMenu(new QMenu(this))
-    , editButton(new QToolButton(this))
+    , editButton(new QToolButton(area))
 {
     setObjectName(QStringLiteral("Pixeledit"));
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setFocusPolicy(Qt::NoFocus); // its arrow keys are the cells'
+    scroller->setWidget(area);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(scroller);
+    connect(canvas, &PixelCanvas::cursorMoved, this, &PixelEditor::showCell);
     const auto makeButton = [this](const char *name, const char *caption, void (PixelEditor::*action)()) {
-        auto *button = NamedButton(QLatin1String(name), QLatin1String(caption), this);
+        auto *button = NamedButton(QLatin1String(name), QLatin1String(caption), area);
         connect(button, &QPushButton::clicked, this, action);
         return button;
     };
@@ -141,11 +155,12 @@ void PixelEditor::placeExtras(int buttonsEnd)
     preview->fitPicture();
     const int gap = Pixels(ButtonGap);
     const QSize wanted = editButton->sizeHint();
-    const bool beside = buttonsEnd + gap + wanted.width() + gap + preview->width() + Pixels(RightMargin) <= width();
+    const bool beside =
+        buttonsEnd + gap + wanted.width() + gap + preview->width() + Pixels(RightMargin) <= area->width();
     const QRect buttonRow = buttons.at(0)->geometry();
     const int left = beside ? buttonsEnd + gap : Pixels(FirstButtonLeft);
     const int top = beside ? buttonRow.top() : buttonRow.bottom() + 1 + ExtraGap;
-    const int buttonHeight = beside ? buttonRow.height() : qMin(wanted.height(), height() - top - ExtraGap);
+    const int buttonHeight = beside ? buttonRow.height() : qMin(wanted.height(), area->height() - top - ExtraGap);
     editButton->setGeometry(left, top, wanted.width(), buttonHeight);
     // Never higher than that: the topmost line of the band still belongs to the cells.
     const int previewTop = top + qMax(ExtraGap, (buttonHeight - preview->height()) / 2);
@@ -176,8 +191,9 @@ void PixelEditor::setUp()
     const int buttonsEnd = placeButtons() + Pixels(RightMargin);
     const int width = qMax(Pixels(SymbolWidth * CellPitch + 2 * GridOrigin), buttonsEnd);
     const int height = Pixels(SymbolHeight * CellPitch + 2 * GridOrigin + ButtonBand);
-    setFixedSize(width, height);
-    canvas->setGeometry(rect());
+    area->resize(width, height);
+    fitScreen();
+    canvas->setGeometry(area->rect());
     canvas->lower();
     placeExtras(buttonsEnd - Pixels(RightMargin));
     LoadCellsFromBuffer();
@@ -185,12 +201,38 @@ void PixelEditor::setUp()
     canvas->restart();
 }
 
+/// The window has the size of its contents; a screen with less room gets scroll bars.
+void PixelEditor::fitScreen()
+{
+    const QSize whole = area->size();
+    const QSize room = RoomForWindow(*screen());
+    const QSize bars(
+        scroller->verticalScrollBar()->sizeHint().width(), scroller->horizontalScrollBar()->sizeHint().height());
+    const bool across = whole.width() > room.width();
+    const bool down = whole.height() > room.height();
+    const QSize wanted = whole + QSize(down ? bars.width() : 0, across ? bars.height() : 0);
+    if (across || down) {
+        setMinimumSize(0, 0);
+        setMaximumSize(wanted);
+        resize(wanted.boundedTo(room));
+    } else {
+        setFixedSize(whole);
+    }
+}
+
+/// The cell that the keys have reached stays in sight.
+void PixelEditor::showCell(const QRect &cell)
+{
+    scroller->ensureVisible(cell.center().x(), cell.center().y(), cell.width(), cell.height());
+}
+
 void PixelEditor::edit()
 {
+    const QRect clicked = ActedPlace();
     setUp();
     history.clear();
     PixelEditDone = 0;
-    present();
+    presentBeside(clicked);
     canvas->setFocus();
     if (!PumpUntil([] { return PixelEditDone == 1; }))
         leave();

@@ -17,6 +17,7 @@ class PixelPreview;
 class QAction;
 class QMenu;
 class QPushButton;
+class QScrollArea;
 class QToolButton;
 
 class PixelEditor : public LeavableWindow
@@ -28,7 +29,7 @@ public:
     ~PixelEditor() override;
 
     /// Shows the picture in SpiBuf with the present symbol geometry and waits until the user is done (or the program
-    /// ends). The caller holds the busy scope.
+    /// ends). A picture that is larger than the screen is scrolled. The caller holds the busy scope.
     void edit();
 
 protected:
@@ -42,6 +43,8 @@ private:
     void buildPictureCommands();
     void openMenu();
     void setUp();
+    void fitScreen();
+    void showCell(const QRect &cell);
     int placeButtons();
     void placeExtras(int buttonsEnd);
     void showCells();
@@ -54,6 +57,8 @@ private:
     void saveBmp();
 
     PixelHistory history;
+    QScrollArea *scroller; // shows all of the area where the screen has room
+    QWidget *area;
     PixelPreview *preview;
     PixelCanvas *canvas;
     QMenu *editMenu;

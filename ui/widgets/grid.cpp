@@ -1,5 +1,7 @@
 #include "ui/widgets/grid.h"
 
+#include "ui/widgets/crisp_picture.h"
+
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -15,7 +17,7 @@ namespace
 
 constexpr int TextMargin = 1; // narrow columns need all their width for the text
 
-/// Paints pictures in the middle of the cell, pixel for pixel, and centred texts without Qt's wide margins.
+/// Paints pictures in the middle of the cell, and centred texts without Qt's wide margins.
 class CentredPictures : public QStyledItemDelegate
 {
 public:
@@ -27,9 +29,7 @@ public:
         const auto picture = index.data(Grid::PictureRole).value<QPixmap>();
         if (picture.isNull())
             return;
-        QRect area(QPoint(), picture.size() / picture.devicePixelRatio());
-        area.moveCenter(option.rect.center());
-        painter->drawPixmap(area, picture);
+        DrawCrisp(*painter, option.rect, picture, option.palette);
     }
 
 private:

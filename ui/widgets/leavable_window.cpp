@@ -1,22 +1,30 @@
 #include "ui/widgets/leavable_window.h"
 
+#include "ui/widgets/window_place.h"
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
 
-namespace
-{
-constexpr int FrameWidth = 20; // room for the window's frame and a task bar
-constexpr int FrameHeight = 80;
-} // namespace
-
 void LeavableWindow::present()
 {
-    // Not larger than the screen, whatever its contents would like.
-    const QSize room = screen()->availableSize() - QSize(FrameWidth, FrameHeight);
-    if (!isVisible() && (width() > room.width() || height() > room.height()))
-        resize(size().boundedTo(room));
+    presentBeside(QRect());
+}
+
+void LeavableWindow::presentBeside(const QRect &place)
+{
+    if (!isVisible()) {
+        if (presentedSize.isEmpty())
+            RestoreSize(*this);
+        const QScreen *on = place.isEmpty() ? screen() : ScreenOf(place);
+        const QSize room = RoomForWindow(*on);
+        if (width() > room.width() || height() > room.height())
+            resize(size().boundedTo(room)); // whatever its contents would like
+        if (!place.isEmpty())
+            move(PositionBeside(size(), place, on->availableGeometry()));
+        presentedSize = size();
+    }
     show();
     raise();
     activateWindow();
@@ -31,6 +39,14 @@ void LeavableWindow::setDefaultButton(QPushButton *button)
 void LeavableWindow::leave()
 {
     hide();
+}
+
+/// A size that the user did not choose is not kept: with another font or screen another one may fit.
+void LeavableWindow::hideEvent(QHideEvent *event)
+{
+    if (size() != presentedSize)
+        KeepSize(*this);
+    QWidget::hideEvent(event);
 }
 
 void LeavableWindow::closeEvent(QCloseEvent *event)

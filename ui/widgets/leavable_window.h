@@ -12,8 +12,13 @@ class LeavableWindow : public QWidget
 public:
     using QWidget::QWidget;
 
-    /// Shows the window and brings it forward.
+    /// Shows the window and brings it forward. It has the size that the user gave it last, in this run or an earlier
+    /// one, but is never larger than the screen.
     void present();
+
+    /// The same; a window that was hidden appears beside a place of the screen (logical pixels; an empty one means
+    /// nowhere in particular).
+    void presentBeside(const QRect &place);
 
     /// Enter presses this button wherever nothing else takes it.
     void setDefaultButton(QPushButton *button);
@@ -24,7 +29,9 @@ protected:
 
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
+    QSize presentedSize; // when it appeared last; empty until then
     QPushButton *defaultButton = nullptr;
 };

@@ -1,18 +1,32 @@
 #include "ui/widgets/picture_box.h"
 
+#include "ui/widgets/crisp_picture.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 
-PictureBox::PictureBox(int width, int height, QWidget *parent) : QLabel(parent)
+PictureBox::PictureBox(int width, int height, QWidget *parent) : QLabel(parent), inside(width, height)
 {
     setFrameShape(QFrame::StyledPanel);
     setAlignment(Qt::AlignCenter);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
+    fitScale();
+}
+
+void PictureBox::fitScale()
+{
     const int frame = 2 * frameWidth();
-    setFixedSize(width + frame, height + frame);
+    setFixedSize(CrispRoom(inside, devicePixelRatioF()) + QSize(frame, frame));
+}
+
+/// The screen may be another one than before.
+void PictureBox::showEvent(QShowEvent *event)
+{
+    fitScale();
+    QLabel::showEvent(event);
 }
 
 void PictureBox::makeClickable()
@@ -22,17 +36,21 @@ void PictureBox::makeClickable()
     setCursor(Qt::PointingHandCursor);
 }
 
-void PictureBox::setPicture(const QPixmap &picture)
+void PictureBox::setPicture(const QPixmap &shown)
 {
-    setPixmap(picture);
+    clear(); // a text may stand there
+    picture = shown;
+    update();
 }
 
 void PictureBox::paintEvent(QPaintEvent *event)
 {
     QLabel::paintEvent(event);
+    QPainter painter(this);
+    if (!picture.isNull())
+        DrawCrisp(painter, contentsRect(), picture, palette());
     if (!hasFocus())
         return;
-    QPainter painter(this);
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
     painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }

@@ -84,6 +84,8 @@ TEST_F(Pickers, SearchHidesRowsByNumberAndByDescription)
         EXPECT_FALSE(shownRows().contains(202));
         type(search(), Qt::Key_Return);
         EXPECT_TRUE(picker->isVisible()) << "more than one is left";
+        type(search(), Qt::Key_Down);
+        EXPECT_EQ(picker->focusWidget(), grid()) << "to what was found";
         search()->setText(QStringLiteral("bmp"));
         EXPECT_TRUE(shownRows().isEmpty());
         type(grid(), Qt::Key_Return);
