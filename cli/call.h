@@ -59,3 +59,5 @@ Command StartImageCommand();
 Command TableCommand();
 Command StationCommand();
 Command ConvertCommand();
+Command CompareCommand();
+Command TakeBackCommand();

@@ -1,8 +1,7 @@
+#include "cli/careful.h"
 #include "cli/results.h"
-#include "cli/service.h"
 #include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
-#include "jobs/clean_up.h"
 #include "jobs/report.h"
 #include "program/ask.h"
 
@@ -17,12 +16,12 @@ Exit Run(const Call &call)
     const QString list = ShortList(*numbers, QString());
     const BoxText question{
         QStringLiteral("Sollen diese Lokdatensätze im Handregler gelöscht werden: %1?").arg(list), {}, BoxIcon::None};
-    if (!TheAsk().askYesNo(question, false))
+    if (!call.has(QStringLiteral("probe")) && !TheAsk().askYesNo(question, false))
         return Exit::Stopped;
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    return PrintReport(call, DeleteLocoRecords(*numbers), QStringLiteral("Gelöscht:"), QStringLiteral("geloescht"));
+    CarefulJob job{{}, {}, {}, QStringLiteral("Gelöscht:"), QStringLiteral("geloescht")};
+    for (const int number : *numbers)
+        job.steps.push_back({StepKind::Delete, {KindLoco, number}, {}, {}});
+    return RunCarefully(call, job);
 }
 
 } // namespace
@@ -30,5 +29,5 @@ Exit Run(const Call &call)
 Command DeleteCommand()
 {
     return {QStringLiteral("loeschen"), {QStringLiteral("LISTE")},
-        QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), {}, Run};
+        QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), CarefulOptions(Keeps::Nothing), Run};
 }

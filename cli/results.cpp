@@ -9,6 +9,8 @@
 
 #include <QDir>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -50,7 +52,10 @@ Exit ExitOf(JobEnd end, bool allSound)
 
 Exit ExitOf(const Report &report)
 {
-    const bool sound = IdsOf(report, RecordState::Doubtful).empty() && IdsOf(report, RecordState::Untouched).empty();
+    const bool sound = std::ranges::all_of(report.entries, [](const JobEntry &entry) {
+        const bool read = entry.state == RecordState::Empty && entry.step.kind != StepKind::Write;
+        return read || entry.state == RecordState::Done || entry.state == RecordState::Unchanged;
+    });
     return ExitOf(report.end, sound);
 }
 
@@ -70,21 +75,31 @@ Exit PrintReport(const Call &call, const Report &report, const QString &done, co
 {
     if (report.end != JobEnd::Complete)
         Tell(EndText(report.end, QStringLiteral("Abgebrochen.")));
-    const auto finished = IdsOf(report, RecordState::Done);
-    const auto empty = IdsOf(report, RecordState::Empty);
-    const auto doubtful = IdsOf(report, RecordState::Doubtful);
-    const auto untouched = IdsOf(report, RecordState::Untouched);
-    if (call.options.json) {
-        PrintJson(QJsonDocument(QJsonObject{{key, RecordsJson(finished)},
-            {QStringLiteral("leer"), RecordsJson(empty)}, {QStringLiteral("unsicher"), RecordsJson(doubtful)},
-            {QStringLiteral("unberuehrt"), RecordsJson(untouched)}}));
-        return ExitOf(report);
+    struct Group {
+        RecordState state;
+        QString heading;
+        QString key;
+    };
+    const Group groups[] = {{RecordState::Done, done, key},
+        {RecordState::Unchanged, QStringLiteral("Unverändert:"), QStringLiteral("unveraendert")},
+        {RecordState::Empty, QStringLiteral("Im Handregler leer und nicht geschrieben, weil der Name fehlt:"),
+            QStringLiteral("leer")},
+        {RecordState::Differs, QStringLiteral("Nach dem Schreiben nicht wie gewünscht:"), QStringLiteral("anders")},
+        {RecordState::Doubtful,
+            QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben (bitte auch die Nachbarn prüfen):"),
+            QStringLiteral("unsicher")},
+        {RecordState::Untouched, QStringLiteral("Nicht geschrieben:"), QStringLiteral("unberuehrt")}};
+    QJsonObject object;
+    for (const Group &group : groups) {
+        const auto ids = IdsOf(report, group.state);
+        object.insert(group.key, RecordsJson(ids));
+        if (!call.options.json)
+            PrintGroup(group.heading, ids);
     }
-    PrintGroup(done, finished);
-    PrintGroup(QStringLiteral("Im Handregler leer und nicht geschrieben:"), empty);
-    PrintGroup(
-        QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben (bitte auch die Nachbarn prüfen):"), doubtful);
-    PrintGroup(QStringLiteral("Nicht geschrieben:"), untouched);
+    if (call.options.json)
+        PrintJson(QJsonDocument(object));
+    else if (report.entries.empty())
+        PrintLine(QStringLiteral("Es war nichts zu schreiben."));
     return ExitOf(report);
 }
 

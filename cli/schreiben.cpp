@@ -1,7 +1,8 @@
+#include "cli/careful.h"
 #include "cli/loco_files.h"
 #include "cli/results.h"
-#include "cli/service.h"
 #include "handheld/flash_map.h"
+#include "platform/files.h"
 
 #include <algorithm>
 
@@ -20,18 +21,6 @@ Step WriteStep(const ListedLoco &loco)
     return step;
 }
 
-Plan WritePlan(const std::vector<ListedLoco> &locos)
-{
-    Plan plan{.steps = {},
-        .progress = [](const Step &step) { return ProgressText(step.id); },
-        .patience = Patience::Job,
-        .endsAtFailure = false,
-        .ownerTellsPortLoss = true};
-    for (const ListedLoco &loco : locos)
-        plan.steps.push_back(WriteStep(loco));
-    return plan;
-}
-
 /// Only those that --nur lists; each of them must be in the file.
 bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
 {
@@ -47,7 +36,8 @@ bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
 
 Exit Run(const Call &call)
 {
-    auto locos = ReadLocoFile(call.arguments.value(0));
+    const QString fileName = call.arguments.value(0);
+    auto locos = ReadLocoFile(fileName);
     if (!locos)
         return Exit::Usage;
     if (call.has(OnlyOption)) {
@@ -57,13 +47,12 @@ Exit Run(const Call &call)
     }
     if (!NamesAccepted(*locos))
         return Exit::Stopped;
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    const Report report = RunJob(WritePlan(*locos));
-    const Exit exit =
-        PrintReport(call, report, QStringLiteral("In den Handregler geschrieben:"), QStringLiteral("geschrieben"));
-    return exit == Exit::Done && !IdsOf(report, RecordState::Empty).empty() ? Exit::Incomplete : exit;
+    CarefulJob job{fileName, ReadWholeFile(fileName).value_or(QByteArray()), {},
+        QStringLiteral("In den Handregler geschrieben:"), QStringLiteral("geschrieben")};
+    job.about += call.value(OnlyOption).toUtf8();
+    for (const ListedLoco &loco : *locos)
+        job.steps.push_back(WriteStep(loco));
+    return RunCarefully(call, job);
 }
 
 } // namespace
@@ -72,7 +61,7 @@ Command WriteCommand()
 {
     return {QStringLiteral("schreiben"), {QStringLiteral("DATEI")},
         QStringLiteral("schreibt die Loks aus einer Datei .csv, .json oder .dds"),
-        {QCommandLineOption(
-            OnlyOption, QStringLiteral("nur diese Loks der Datei, zum Beispiel 1-5,8"), QStringLiteral("LISTE"))},
+        CarefulOptions(Keeps::Journal) << QCommandLineOption(
+            OnlyOption, QStringLiteral("nur diese Loks der Datei, zum Beispiel 1-5,8"), QStringLiteral("LISTE")),
         Run};
 }

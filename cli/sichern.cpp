@@ -18,6 +18,8 @@ const auto LocosOption = QStringLiteral("loks");
 const auto SearchOption = QStringLiteral("loks-suchen");
 const auto RoutesOption = QStringLiteral("fahrstrassen");
 const auto AssignmentOption = QStringLiteral("zuordnung");
+const auto GoOnOption = QStringLiteral("fortsetzen");
+const auto KeepOption = QStringLiteral("teil-behalten");
 const auto AccessoryListOption = QStringLiteral("magliste");
 
 /// The option that lists the numbers of each numbered kind.
@@ -100,7 +102,18 @@ Exit Run(const Call &call)
     const Service service(call);
     if (!service.ready())
         return service.failure();
-    const BackupOutcome outcome = Backup(call.arguments.value(0), *selection);
+    const QString fileName = call.arguments.value(0);
+    const QString handheld = HandheldName(service.handheld());
+    const auto question = GoOnQuestion(fileName, BackupHead(*selection, handheld));
+    if (!question && call.has(GoOnOption))
+        return UsageFault(
+            QStringLiteral("Es gibt nichts fortzusetzen, oder der Fortschritt gehört zu einem anderen Auftrag."));
+    const bool goOn = question && (call.has(GoOnOption) || TheAsk().askYesNo(*question, true));
+    const BackupOutcome outcome = Backup(fileName, *selection, BackupMemory{handheld, goOn});
+    if (outcome.kept > 0 && call.has(KeepOption)) {
+        if (const QString part = KeepPart(fileName); !part.isEmpty())
+            Tell(QStringLiteral("Was gelesen wurde, steht in %1.").arg(QDir::toNativeSeparators(part)));
+    }
     const bool sound = outcome.doubtful.empty() && outcome.unread.empty();
     if (outcome.end != JobEnd::Complete || !sound)
         ReportBackup(outcome);
@@ -125,6 +138,8 @@ Command BackupCommand()
             {ListOptions.at(MagSymbolList), QStringLiteral("diese Magnetartikelsymbole (oder alle)"), list},
             {RoutesOption, QStringLiteral("die Fahrstraßen")},
             {AssignmentOption, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
-            {AccessoryListOption, QStringLiteral("die Magnetartikelliste")}},
+            {AccessoryListOption, QStringLiteral("die Magnetartikelliste")},
+            {GoOnOption, QStringLiteral("setzt eine abgebrochene Sicherung fort")},
+            {KeepOption, QStringLiteral("behält auch von einer abgebrochenen, was schon gelesen ist")}},
         Run};
 }

@@ -1,5 +1,4 @@
-#include "cli/results.h"
-#include "cli/service.h"
+#include "cli/careful.h"
 #include "jobs/restore.h"
 
 namespace
@@ -10,13 +9,14 @@ Exit Run(const Call &call)
     const auto offer = OfferRestore(call.arguments.value(0));
     if (!offer)
         return Exit::Usage;
-    if (!TheAsk().askYesNo(offer->question, false))
+    CarefulJob job{call.arguments.value(0), {}, {}, QStringLiteral("In den Handregler geschrieben:"),
+        QStringLiteral("geschrieben")};
+    for (const DdsRecord &record : offer->records)
+        job.about += record.bytes;
+    job.steps = RestorePlan(offer->records).steps;
+    if (!call.has(QStringLiteral("probe")) && !TheAsk().askYesNo(offer->question, false))
         return Exit::Stopped;
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    return PrintReport(call, RunJob(RestorePlan(offer->records)), QStringLiteral("In den Handregler geschrieben:"),
-        QStringLiteral("geschrieben"));
+    return RunCarefully(call, job);
 }
 
 } // namespace
@@ -24,5 +24,6 @@ Exit Run(const Call &call)
 Command RestoreCommand()
 {
     return {QStringLiteral("zurueck"), {QStringLiteral("DATEI.dds")},
-        QStringLiteral("schreibt eine Datensicherung in den Handregler zurück (fragt vorher)"), {}, Run};
+        QStringLiteral("schreibt eine Datensicherung in den Handregler zurück (fragt vorher)"),
+        CarefulOptions(Keeps::Journal), Run};
 }

@@ -115,7 +115,7 @@ Outcome WriteAssignment(SpiImage &image, const Assignment &assignment, Patience 
         if (page.how() == End::GivenUp) // after the first page "nothing was written" would be untrue
             return first == 1 ? page : Outcome(End::NoAnswer, page.at());
         outcome.keep(page);
-        if (outcome.brokenOff() || (patience == Patience::Job && !outcome.ok()))
+        if (outcome.brokenOff() || (patience != Patience::Agreed && !outcome.ok()))
             return outcome;
         first = last + 1;
     }

@@ -140,6 +140,12 @@ Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Pat
     return outcome;
 }
 
+PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath)
+{
+    const LocoBytes bytes = EncodeLoco(record, beneath);
+    return {PageOffset(LocoRecordAddress(locoNumber)), {bytes.begin(), bytes.end()}, LastSlice, ExecuteLength};
+}
+
 Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
 {
     Outcome outcome = ProgramRecord(image, locoNumber, std::vector<int>(NameLength, EmptyByte), 0, patience);

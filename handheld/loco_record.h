@@ -66,6 +66,9 @@ Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber);
 /// Writes a record; the other records of its page stay.
 Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience);
 
+/// The buffer write of a record, laid over `beneath`.
+PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath);
+
 /// Marks a record as empty with a single message of data. Its bytes 15 .. 63 are programmed from what the handheld's
 /// buffer held, since byte 0 alone decides.
 Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience);

@@ -2,6 +2,8 @@
 
 #include "handheld/flash_map.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -31,6 +33,21 @@ std::array<RecordKind, LastKind + 1> Table()
     table.at(KindMagSymbolGreen).plural = QStringLiteral("Mag.Art. Symbole Grün");
     table.at(KindMagSymbolGreen + 1).plural = QStringLiteral("Mag.Art. Symbole Rot");
     return table;
+}
+
+constexpr int SymbolsOfPage = 8;
+
+/// The loco as the handheld would give it back.
+LocoRecord AsRead(const LocoRecord &loco)
+{
+    return IsEmptyName(loco.name) ? LocoRecord{.name = EmptyName()} : DecodeLoco(EncodeLoco(loco, {}));
+}
+
+bool SamePicture(const Picture &one, const Picture &other)
+{
+    const int count = FlashBytesOf(one.geometry);
+    return one.geometry == other.geometry
+        && std::equal(one.bytes.begin(), one.bytes.begin() + count, other.bytes.begin());
 }
 
 } // namespace
@@ -111,4 +128,67 @@ Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &valu
         return WritePicture(
             image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind), std::get<Picture>(value), patience);
     }
+}
+
+bool SharesPage(int kind)
+{
+    return kind == KindLoco || (KindOf(kind).numbered && kind != KindLokSymbol);
+}
+
+int PageAddressOf(const RecordId &id)
+{
+    int address = 0;
+    switch (id.kind) {
+    case KindLoco:
+        address = LocoRecordAddress(id.number);
+        break;
+    case KindRoutes:
+        address = RoutesAddress;
+        break;
+    case KindMagZuordnung:
+        address = MagZuordAddress;
+        break;
+    case KindMagListe:
+        address = MagListeAddress;
+        break;
+    default:
+        address = PictureAddress(SymbolKindOf(id.kind), id.number, HalfOf(id.kind));
+    }
+    return address - PageOffset(address);
+}
+
+std::vector<RecordId> RecordsOfPage(const RecordId &id)
+{
+    if (!SharesPage(id.kind))
+        return {id};
+    std::vector<RecordId> records;
+    const RecordKind &kind = KindOf(id.kind);
+    const int first = id.number / SymbolsOfPage * SymbolsOfPage; // eight locos a page too
+    for (int n = std::max(first, kind.lowest); n <= std::min(first + SymbolsOfPage - 1, kind.highest); ++n) {
+        if (id.kind == KindLoco) {
+            records.push_back({KindLoco, n});
+            continue;
+        }
+        for (int half = 0; half < 2; ++half)
+            records.push_back({RecordKindOf(SymbolKindOf(id.kind), half), n});
+    }
+    return records;
+}
+
+PagePart PartOf(const RecordId &id, const RecordValue &value, const LocoBytes &beneath)
+{
+    if (id.kind == KindLoco)
+        return LocoPart(id.number, std::get<LocoRecord>(value), beneath);
+    return PicturePart(SymbolKindOf(id.kind), id.number, HalfOf(id.kind), std::get<Picture>(value));
+}
+
+bool SameContent(const RecordValue &one, const RecordValue &other)
+{
+    if (one.index() != other.index())
+        return false;
+    if (const auto *loco = std::get_if<LocoRecord>(&one))
+        return AsRead(*loco) == AsRead(std::get<LocoRecord>(other));
+    if (const auto *picture = std::get_if<Picture>(&one))
+        return SamePicture(*picture, std::get<Picture>(other));
+    return one == other;
 }

@@ -14,7 +14,9 @@
 #include "handheld/loco_record.h"
 #include "handheld/symbol_storage.h"
 
+#include <compare>
 #include <variant>
+#include <vector>
 
 constexpr int KindLoco = 1;
 constexpr int KindLokSymbol = 2;
@@ -29,7 +31,7 @@ constexpr int LastKind = KindMagListe;
 struct RecordId {
     int kind = 0;
     int number = 0; // loco address or symbol number; 0 for the tables
-    bool operator==(const RecordId &) const = default;
+    auto operator<=>(const RecordId &) const = default;
 };
 
 /// What a record holds; which alternative says its kind.
@@ -62,3 +64,21 @@ int RecordKindOf(SymbolKind symbol, int half);
 /// Reads and writes a record of any kind. onGroup is called before each of the groups in which the assignment is read.
 Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup);
 Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience);
+
+// --- Records that share a page: eight loco records, or eight symbols with both halves. ---
+
+/// True for loco records and symbol halves.
+bool SharesPage(int kind);
+
+/// The first byte of the (first) page in which a record lies.
+int PageAddressOf(const RecordId &id);
+
+/// All records of the record's page, itself among them, in the order of the flash.
+std::vector<RecordId> RecordsOfPage(const RecordId &id);
+
+/// The buffer write of a record that shares its page. Bytes of a loco record that nobody interprets come from `beneath`.
+PagePart PartOf(const RecordId &id, const RecordValue &value, const LocoBytes &beneath);
+
+/// True when two values would make the handheld show and do the same: bytes that nobody interprets, the contents of empty
+/// records and what lies behind a picture do not count.
+bool SameContent(const RecordValue &one, const RecordValue &other);

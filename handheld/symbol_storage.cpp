@@ -49,11 +49,20 @@ Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half)
 
 Outcome WritePicture(SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, Patience patience)
 {
+    const Slot slot = SlotOf(kind, n, half);
+    return ProgramPage(image, {slot.address, slot.loadFirst, {PicturePart(kind, n, half, picture)}}, patience);
+}
+
+int PictureAddress(SymbolKind kind, int n, int half)
+{
+    return SlotOf(kind, n, half).address;
+}
+
+PagePart PicturePart(SymbolKind kind, int n, int half, const Picture &picture)
+{
     Q_ASSERT(picture.geometry == GeometryOf(kind));
     const Slot slot = SlotOf(kind, n, half);
-    const PagePart part{
-        PageOffset(slot.address), picture.bytes, slot.lastSlice, WritePosition + FlashBytesOf(picture.geometry)};
-    return ProgramPage(image, {slot.address, slot.loadFirst, {part}}, patience);
+    return {PageOffset(slot.address), picture.bytes, slot.lastSlice, WritePosition + FlashBytesOf(picture.geometry)};
 }
 
 Result<Picture> ReadStartPicture(SpiImage &image)

@@ -26,5 +26,9 @@ Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half);
 /// Writes a picture and what it carries behind itself.
 Outcome WritePicture(SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, Patience patience);
 
+/// The first flash byte of a symbol, and the buffer write of a picture.
+int PictureAddress(SymbolKind kind, int n, int half);
+PagePart PicturePart(SymbolKind kind, int n, int half, const Picture &picture);
+
 Result<Picture> ReadStartPicture(SpiImage &image);
 Outcome WriteStartPicture(SpiImage &image, const Picture &picture, Patience patience);

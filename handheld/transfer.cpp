@@ -207,8 +207,21 @@ Outcome ProgramAsAgreed(SpiImage &image, const PageWrite &page)
     return outcome;
 }
 
+/// After a program without an acknowledge, and always when it is to be verified: does the page hold buffer 1?
+Outcome CheckProgrammed(const Outcome &programmed, int address, bool verify)
+{
+    if (programmed.brokenOff() || (programmed.ok() && !verify))
+        return programmed;
+    const Result<bool> equal = PageEqualsBuffer1(address); // perhaps only its acknowledge is missing
+    if (equal.ok() && equal.value)
+        return {};
+    if (!programmed.ok())
+        return programmed;
+    return equal.ok() ? Outcome(End::Differs, PageCommandName()) : equal.outcome;
+}
+
 /// One try of a job, or in the fast cadence: a page is programmed only when every step before it was answered.
-Outcome TryPage(SpiImage &image, const PageWrite &page)
+Outcome TryPage(SpiImage &image, const PageWrite &page, bool verify)
 {
     if (page.loadFirst) {
         Outcome loaded = move_spibuf_to_buf1(page.address);
@@ -224,23 +237,26 @@ Outcome TryPage(SpiImage &image, const PageWrite &page)
         if (!written.ok())
             return written.brokenOff() ? written : Outcome(End::GivenUp, written.at());
     }
-    Outcome programmed = write_buf1_to_flash(page.address);
-    if (!programmed.timedOut())
-        return programmed;
-    const Result<bool> equal = PageEqualsBuffer1(page.address); // perhaps only its acknowledge is missing
-    return equal.ok() && equal.value ? Outcome() : programmed;
+    return CheckProgrammed(write_buf1_to_flash(page.address), page.address, verify);
+}
+
+/// A failure behind the page program: the page may be neither as it was nor as it should be.
+bool HasProgrammed(const Outcome &outcome)
+{
+    return outcome.how() == End::Differs || (outcome.timedOut() && outcome.how() != End::GivenUp);
 }
 
 /// The whole sequence is tried again from the load: a handheld that was restarted has lost buffer 1.
-Outcome ProgramAsJob(SpiImage &image, const PageWrite &page)
+Outcome ProgramAsJob(SpiImage &image, const PageWrite &page, bool verify)
 {
     Outcome outcome;
     for (int repeat = 0; repeat <= JobRepeats; ++repeat) {
-        const Outcome tried = TryPage(image, page);
+        const Outcome tried = TryPage(image, page, verify);
         // Once a page program was sent and not answered the record stays doubtful, unless a later try succeeds.
-        const bool programSent = repeat > 0 && outcome.timedOut() && outcome.how() != End::GivenUp;
+        const bool programSent = repeat > 0 && HasProgrammed(outcome);
         outcome = tried.how() == End::GivenUp && programSent ? outcome : tried;
-        if (!tried.timedOut() || (tried.how() == End::GivenUp && tried.at() == PageCommandName()))
+        const bool again = tried.timedOut() || tried.how() == End::Differs;
+        if (!again || (tried.how() == End::GivenUp && tried.at() == PageCommandName()))
             break;
     }
     return outcome;
@@ -321,7 +337,8 @@ Outcome RunStep(const std::function<Outcome()> &step, const std::function<Outcom
         return quietSteps > 0 ? step() : (lastTry ? lastTry() : step());
     for (int repeat = 0; repeat <= 1; ++repeat) {
         Outcome outcome = Quietly(step);
-        if (!outcome.timedOut() || BoxesAreSilent())
+        const bool again = outcome.timedOut() || (outcome.how() == End::Differs && repeat == 0);
+        if (!again || BoxesAreSilent())
             return outcome;
         DropUnansweredMessage();
     }
@@ -349,15 +366,17 @@ void MoveToWritePosition(SpiImage &image, int lastIndex)
 Outcome ProgramPage(SpiImage &image, const PageWrite &page, Patience patience)
 {
     const PageSequence sequence;
+    const bool verify = patience == Patience::Verified;
     Outcome doubt; // of a page program that was sent and not answered
     const auto fast = [&] {
-        Outcome tried = TryPage(image, page);
-        if (tried.timedOut() && tried.how() != End::GivenUp)
+        Outcome tried = TryPage(image, page, verify);
+        if (HasProgrammed(tried))
             doubt = tried;
         return tried;
     };
-    Outcome outcome = RunStep(
-        fast, [&] { return patience == Patience::Job ? ProgramAsJob(image, page) : ProgramAsAgreed(image, page); });
+    Outcome outcome = RunStep(fast, [&] {
+        return patience == Patience::Agreed ? ProgramAsAgreed(image, page) : ProgramAsJob(image, page, verify);
+    });
     return outcome.how() == End::GivenUp && !doubt.ok() ? doubt : outcome;
 }
 

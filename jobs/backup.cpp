@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <map>
 
 namespace
 {
@@ -171,13 +172,24 @@ void WriteOutcome(BackupOutcome &outcome, const QByteArray &file)
         outcome.end = JobEnd::NothingDone;
 }
 
+QString KeptText(const BackupOutcome &outcome)
+{
+    if (outcome.kept == 0)
+        return {};
+    return QStringLiteral(
+        "\r\rWas schon gelesen ist (%1), bleibt erhalten: Beginnen Sie dieselbe Sicherung in dieselbe Datei "
+        "noch einmal,\rdann wird sie auf Wunsch fortgesetzt.")
+        .arg(RecordCount(outcome.kept));
+}
+
 void ReportBrokenOff(const BackupOutcome &outcome)
 {
     const QString file = outcome.fileExisted ? QStringLiteral("Die vorhandene Datei %1 ist unverändert.")
                                              : QStringLiteral("Die Datei %1 wurde nicht angelegt.");
     ShowEndBox(outcome.end,
         EndText(outcome.end, QStringLiteral("Die Datensicherung wurde abgebrochen."))
-            + QStringLiteral("\rEs wurde kein Datensatz gesichert.\r") + file.arg(Shown(outcome.fileName)));
+            + QStringLiteral("\rEs wurde kein Datensatz gesichert.\r") + file.arg(Shown(outcome.fileName))
+            + KeptText(outcome));
 }
 
 void ReportDoubtful(const BackupOutcome &outcome)
@@ -195,6 +207,56 @@ void ReportDoubtful(const BackupOutcome &outcome)
     }
     text += QStringLiteral("\r\rGespeichert in %1.").arg(Shown(outcome.fileName));
     TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
+}
+
+/// Begins a journal or goes on with the one that fits. False after a box.
+bool OpenJournal(Journal &journal, const QString &fileName, const BackupSelection &selection,
+    const BackupMemory &memory, JournalContent &earlier)
+{
+    const JournalHead head = BackupHead(selection, memory.handheld);
+    const auto found = memory.goOn ? ReadJournal(fileName) : std::nullopt;
+    if (!found || found->head != head)
+        return journal.begin(head);
+    earlier = *found;
+    return journal.goOn();
+}
+
+/// Reads what the earlier part has not read, and joins both in the plan's order.
+Report ReadAll(const Plan &plan, const JournalContent &earlier, Journal *journal)
+{
+    std::map<RecordId, std::optional<RecordValue>> known; // nothing: empty
+    for (const DdsRecord &record : earlier.read)
+        known.insert_or_assign(record.id, UnpackRecord(record));
+    for (const RecordId &id : earlier.empty)
+        known.emplace(id, std::nullopt);
+    Plan missing = plan;
+    std::erase_if(missing.steps, [&](const Step &step) { return known.contains(step.id); });
+    Watcher watcher;
+    watcher.finished = [journal](const JobEntry &entry) {
+        if (journal != nullptr && entry.state == RecordState::Done)
+            journal->read(entry.step.id, *entry.value);
+        else if (journal != nullptr && entry.state == RecordState::Empty)
+            journal->readEmpty(entry.step.id);
+    };
+    watcher.mayGoOn = [journal] { return journal == nullptr || journal->sound(); };
+    const Report fresh = RunJob(missing, watcher);
+    Report whole{fresh.end, {}};
+    size_t next = 0;
+    for (const Step &step : plan.steps) {
+        const auto found = known.find(step.id);
+        if (found == known.end())
+            whole.entries.push_back(fresh.entries.at(next++));
+        else
+            whole.entries.push_back(
+                {step, found->second ? RecordState::Done : RecordState::Empty, {}, found->second, {}});
+    }
+    if (journal != nullptr && !journal->sound()) {
+        TheAsk().showBox(
+            {QStringLiteral("Der Fortschritt kann nicht gespeichert werden (ist der Datenträger voll?)."),
+                QStringLiteral("Fehler!"), BoxIcon::Critical});
+        whole.end = JobEnd::NothingDone;
+    }
+    return whole;
 }
 
 } // namespace
@@ -220,7 +282,8 @@ Plan BackupPlan(const BackupSelection &selection)
     return plan;
 }
 
-BackupOutcome Backup(const QString &fileName, const BackupSelection &selection)
+BackupOutcome Backup(
+    const QString &fileName, const BackupSelection &selection, const std::optional<BackupMemory> &memory)
 {
     BackupOutcome outcome;
     outcome.fileName = fileName;
@@ -230,14 +293,52 @@ BackupOutcome Backup(const QString &fileName, const BackupSelection &selection)
         outcome.end = JobEnd::NothingDone;
         return outcome;
     }
-    const Report report = RunJob(BackupPlan(selection));
+    std::optional<Journal> journal;
+    JournalContent earlier;
+    if (memory && !OpenJournal(journal.emplace(fileName), fileName, selection, *memory, earlier)) {
+        outcome.end = JobEnd::NothingDone;
+        return outcome;
+    }
+    const Report report = ReadAll(BackupPlan(selection), earlier, journal ? &*journal : nullptr);
     outcome.end = report.end;
     for (const JobEntry &entry : report.entries)
         TakeEntry(outcome, entry, selection);
     std::sort(outcome.found.begin(), outcome.found.end()); // also those of the list stand in the searched range
     if (outcome.end == JobEnd::Complete)
         WriteOutcome(outcome, FileOf(report));
+    if (journal && outcome.written)
+        journal->remove();
+    else if (journal)
+        outcome.kept = outcome.saved.size() - outcome.doubtful.size(); // the journal holds what is sound
     return outcome;
+}
+
+JournalHead BackupHead(const BackupSelection &selection, const QString &handheld)
+{
+    return {JobName(QStringLiteral("sichern"), SelectionText(selection)), handheld};
+}
+
+std::optional<BoxText> GoOnQuestion(const QString &fileName, const JournalHead &head)
+{
+    const auto earlier = ReadJournal(fileName);
+    if (!earlier || earlier->head != head || earlier->read.empty())
+        return {};
+    return BoxText{QStringLiteral("Diese Datensicherung wurde abgebrochen; %1 davon gelesen.\r"
+                                  "Soll sie fortgesetzt werden?\r(Nein: alles wird noch einmal gelesen.)")
+                       .arg(RecordCount(earlier->read.size()) + QStringLiteral(" sind")),
+        QStringLiteral("Datensicherung"), BoxIcon::None};
+}
+
+QString KeepPart(const QString &fileName)
+{
+    const auto earlier = ReadJournal(fileName);
+    if (!earlier || earlier->read.empty())
+        return {};
+    QByteArray file;
+    for (const DdsRecord &record : earlier->read)
+        file += record.bytes;
+    const QString name = IncompleteName(fileName);
+    return WriteFile(name, file) ? name : QString();
 }
 
 void ReportBackup(const BackupOutcome &outcome)

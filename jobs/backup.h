@@ -5,7 +5,9 @@
 #pragma once
 
 #include "handheld/backup/selection.h"
+#include "jobs/journal.h"
 #include "jobs/runner.h"
+#include "program/ask.h"
 
 struct BackupOutcome {
     JobEnd end = JobEnd::Complete;
@@ -17,7 +19,24 @@ struct BackupOutcome {
     std::vector<RecordId> doubtful; // in the file all the same
     std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file
     std::vector<int> found;         // addresses of the loco records that the search found
+    size_t kept = 0;                // records that the journal of a broken-off backup holds
 };
+
+/// What a backup needs that can be gone on with.
+struct BackupMemory {
+    QString handheld;  // HandheldName(): the journal holds for this one only
+    bool goOn = false; // with the records of the journal, which fits
+};
+
+/// What the journal of such a backup must say.
+JournalHead BackupHead(const BackupSelection &selection, const QString &handheld);
+
+/// The question whether a broken-off backup is to be gone on with. Nothing when there is none that fits.
+std::optional<BoxText> GoOnQuestion(const QString &fileName, const JournalHead &head);
+
+/// Keeps what a broken-off backup has read as a backup file of its own, "NAME (unvollständig).dds", whose name is
+/// returned. Empty when there is nothing, or (after a box) when it cannot be written.
+QString KeepPart(const QString &fileName);
 
 /// The steps of a backup. Wrong numbers are passed over.
 Plan BackupPlan(const BackupSelection &selection);
@@ -29,7 +48,11 @@ Plan BackupPlan(const BackupSelection &selection);
 /// No); then it is written beside, with " (unvollständig)" in its name, or not at all when nothing was read.
 /// A file that cannot be written is reported by a "Fehler!" box before the reading begins (end NothingDone); when
 /// only the last step fails, a question offers to try it again.
-[[nodiscard]] BackupOutcome Backup(const QString &fileName, const BackupSelection &selection);
+///
+/// With a memory each record is laid into a journal beside the file at once (jobs/journal.h), which is gone when the
+/// backup is complete; a journal that can't be written is told and ends it (NothingDone).
+[[nodiscard]] BackupOutcome Backup(
+    const QString &fileName, const BackupSelection &selection, const std::optional<BackupMemory> &memory = {});
 
 /// Tells the user what was saved and where, or what went differently: stop, lost port, doubtful records.
 void ReportBackup(const BackupOutcome &outcome);

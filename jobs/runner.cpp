@@ -6,23 +6,10 @@
 #include "program/ask.h"
 #include "program/run_control.h"
 
+#include <algorithm>
+
 namespace
 {
-
-/// Ends a job that could not go on to its last record.
-JobEnd WhyBrokenOff()
-{
-    if (BoxesAreSilent())
-        return JobEnd::ProgramEnds;
-    return Comm().isOpen() ? JobEnd::Stopped : JobEnd::PortLost;
-}
-
-/// Asked between records: lets events run.
-bool GoesOn()
-{
-    LetEventsRun();
-    return !StoppableJob::stopRequested() && Comm().isOpen();
-}
 
 void ShowGroup(int group)
 {
@@ -45,12 +32,18 @@ void Read(SpiImage &image, JobEntry &entry)
     entry.state = StateOfRead(read.value, read.outcome, image);
     entry.outcome = read.outcome;
     entry.value = std::move(read.value);
+    if (entry.step.id.kind == KindLoco && entry.state == RecordState::Done) {
+        entry.bytes.emplace();
+        std::copy_n(image.begin() + ReadPosition, LocoRecordSize, entry.bytes->begin());
+    }
 }
 
 RecordState StateOfWrite(const Outcome &outcome)
 {
     if (outcome.how() == End::GivenUp)
         return RecordState::Untouched;
+    if (outcome.how() == End::Differs)
+        return RecordState::Differs;
     return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
 }
 
@@ -149,8 +142,30 @@ bool NeighbourFollows(const Plan &plan, size_t index)
         && plan.steps.at(index + 1).id.number == plan.steps.at(index).id.number + 1;
 }
 
-/// A single record needs no bar.
-void ShowAmount(size_t done, size_t all, double start)
+bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
+{
+    if (outcome.ok())
+        return false;
+    const bool writes = step.kind != StepKind::Read && !IsLook(step);
+    return plan.endsAtFailure || (writes && plan.patience != Patience::Agreed && outcome.timedOut());
+}
+
+} // namespace
+
+JobEnd WhyJobBrokeOff()
+{
+    if (BoxesAreSilent())
+        return JobEnd::ProgramEnds;
+    return Comm().isOpen() ? JobEnd::Stopped : JobEnd::PortLost;
+}
+
+bool JobGoesOn()
+{
+    LetEventsRun();
+    return !StoppableJob::stopRequested() && Comm().isOpen();
+}
+
+void ShowJobAmount(size_t done, size_t all, double start)
 {
     if (all < 2)
         return;
@@ -158,16 +173,6 @@ void ShowAmount(size_t done, size_t all, double start)
         done == 0 ? -1 : SecondsSince(start) / static_cast<double>(done) * static_cast<double>(all - done);
     TheAsk().showAmount({done, all, left});
 }
-
-bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
-{
-    if (outcome.ok())
-        return false;
-    const bool writes = step.kind != StepKind::Read && !IsLook(step);
-    return plan.endsAtFailure || (writes && plan.patience == Patience::Job && outcome.timedOut());
-}
-
-} // namespace
 
 Report RunJob(const Plan &plan, const Watcher &watcher)
 {
@@ -182,12 +187,12 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     bool brokenOff = false;
     for (const Step &step : plan.steps) {
         const size_t index = report.entries.size();
-        JobEntry &entry = report.entries.emplace_back(JobEntry{step, RecordState::Untouched, {}, {}});
-        brokenOff = brokenOff || !GoesOn();
+        JobEntry &entry = report.entries.emplace_back(JobEntry{step, RecordState::Untouched, {}, {}, {}});
+        brokenOff = brokenOff || !JobGoesOn() || (watcher.mayGoOn && !watcher.mayGoOn());
         if (brokenOff)
             continue; // untouched
         TheAsk().showProgress(plan.progress(step));
-        ShowAmount(index, plan.steps.size(), start);
+        ShowJobAmount(index, plan.steps.size(), start);
         if (watcher.begins)
             watcher.begins(step, index, plan.steps.size());
         if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
@@ -200,7 +205,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     }
     TheAsk().hideProgress(); // questions and reports stand alone
     if (brokenOff && report.end == JobEnd::Complete)
-        report.end = WhyBrokenOff();
+        report.end = WhyJobBrokeOff();
     return report;
 }
 

@@ -11,6 +11,8 @@ enum class JobEnd { Complete, Stopped, PortLost, NoAnswer, ProgramEnds, NothingD
 enum class RecordState {
     Done,      // read or written, and the handheld said so
     Empty,     // read: holds nothing
+    Unchanged, // not written, because it holds already what it should
+    Differs,   // written and verified: the handheld does not hold what it should
     Doubtful,  // the handheld did not answer, or what it said can't be right
     Untouched, // its turn never came, or the page it lies in was not programmed
 };
@@ -20,6 +22,7 @@ struct JobEntry {
     RecordState state = RecordState::Untouched;
     Outcome outcome;
     std::optional<RecordValue> value; // what was read
+    std::optional<LocoBytes> bytes;   // of a loco record that is not empty: all of them
 };
 
 struct Report {
@@ -31,6 +34,7 @@ struct Report {
 struct Watcher {
     std::function<void(const Step &, size_t index, size_t count)> begins;
     std::function<void(const JobEntry &)> finished; // at once, so that a journal loses nothing
+    std::function<bool()> mayGoOn;                  // asked before each step; false stops the job
 };
 
 /// Runs the steps with their progress, which is gone at the end. Between two of them events run, and the user may stop
@@ -39,6 +43,17 @@ struct Watcher {
 /// records would cost a box and two seconds each. A record that could not be written before its page was programmed is
 /// untouched.
 [[nodiscard]] Report RunJob(const Plan &plan, const Watcher &watcher = {});
+
+// --- Parts that every runner of a job needs. ---
+
+/// Asked between two records: lets events run, and says whether the job goes on.
+bool JobGoesOn();
+
+/// Why a job did not come to its last record: stopped, port lost or program ends.
+JobEnd WhyJobBrokeOff();
+
+/// Shows how far a job has come that began at that moment (NowSeconds()). A single record needs no bar.
+void ShowJobAmount(size_t done, size_t all, double start);
 
 /// Those of a state, in order.
 std::vector<RecordId> IdsOf(const Report &report, RecordState state);

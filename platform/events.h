@@ -4,7 +4,7 @@
 // behind this interface, so that an 80-minute job runs in seconds.
 #pragma once
 
-#include <QDate>
+#include <QDateTime>
 
 #include <functional>
 
@@ -19,8 +19,9 @@ public:
     /// Microseconds since some fixed moment; never goes back, knows no midnight. Every limit is measured with it.
     [[nodiscard]] virtual qint64 monotonicUs() const = 0;
 
-    /// The date by the local clock, for proposed file names.
-    [[nodiscard]] virtual QDate today() const = 0;
+    /// Date and time by the local clock, for names of files.
+    [[nodiscard]] virtual QDateTime now() const = 0;
+    [[nodiscard]] QDate today() const { return now().date(); }
 
     /// Calls the action every intervalMs milliseconds until stop(). An action that still runs is not entered
     /// again by its own timer.

@@ -12,6 +12,7 @@ enum class End {
     NotSent,     // the request could not be sent: the message slot stayed occupied
     Damaged,     // an answer came, but its checksum is wrong: what it brought is doubtful
     Refused,     // the device answered with another code than the one for "done"
+    Differs,     // a page was programmed, and the chip says that it does not hold what it should
     GivenUp,     // ended before a page was programmed from a doubtful buffer: the flash is as it was
     NotOpened,   // the port or its interface could not be opened
     PortLost,    // the port is closed or was lost

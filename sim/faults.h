@@ -48,6 +48,9 @@ struct Faults {
     // Occasion: a page program of the dataflash. The page is left half programmed, the handheld is dead afterwards.
     Fault powerCut;
 
+    // Occasion: a page program of the dataflash. It is acknowledged and not done.
+    Fault skippedProgram;
+
     // Occasion: a byte that the PC writes to the interface with the text prompt. CTS goes off for ctsOffUs after it,
     // and bytes written meanwhile are lost.
     Fault ctsOff;

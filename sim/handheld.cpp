@@ -21,6 +21,7 @@ constexpr quint8 ReadBack = 0x20;
 constexpr quint8 Identify = 0x30;
 constexpr std::size_t SliceSize = 20;
 constexpr std::size_t TypeLength = 5;
+constexpr quint8 ProgramOpcode = 0x83;
 constexpr qint64 ClockUs = 10; // one byte through the chip
 
 bool HasHead(const Bytes &message)
@@ -121,6 +122,9 @@ std::vector<BusAnswer> Handheld::execute(std::size_t count, qint64 timeUs)
     ++state.executes;
     const qint64 endUs = timeUs + static_cast<qint64>(count) * ClockUs;
     const qint64 busyBefore = flash.state.busyUntilUs;
+    const bool programCommand = count > 0 && state.spiBuffer.front() == ProgramOpcode;
+    if (programCommand && box.strikes(box.faults.skippedProgram))
+        return acknowledge(0);
     flash.clock(std::span(state.spiBuffer).first(count), endUs);
     const bool programs = flash.state.programmingPage >= 0 && flash.state.busyUntilUs != busyBefore;
     if (programs && box.strikes(box.faults.powerCut)) {

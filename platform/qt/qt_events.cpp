@@ -37,9 +37,9 @@ qint64 QtEvents::monotonicUs() const
     return RunningTimer().nsecsElapsed() / UsPerMs;
 }
 
-QDate QtEvents::today() const
+QDateTime QtEvents::now() const
 {
-    return QDate::currentDate();
+    return QDateTime::currentDateTime();
 }
 
 Events::TimerId QtEvents::every(int intervalMs, Action action)

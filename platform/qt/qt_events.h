@@ -19,7 +19,7 @@ public:
     QtEvents &operator=(const QtEvents &) = delete;
 
     [[nodiscard]] qint64 monotonicUs() const override;
-    [[nodiscard]] QDate today() const override;
+    [[nodiscard]] QDateTime now() const override;
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;
     void after(qint64 delayUs, Action action) override;

@@ -39,6 +39,7 @@ const std::array FaultOptions{
     FaultOption{"miss-request", &Faults::missedRequest, "Handregler überhört eine Anforderung."},
     FaultOption{"lose-ack", &Faults::lostAck, "Quittung verlieren."},
     FaultOption{"other-ack", &Faults::otherAck, "Quittung mit Code 0."},
+    FaultOption{"skip-program", &Faults::skippedProgram, "Seite quittieren und nicht programmieren."},
     FaultOption{"power-cut", &Faults::powerCut, "Stromausfall beim Programmieren einer Seite."},
 };
 

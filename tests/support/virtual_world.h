@@ -24,7 +24,10 @@ class VirtualEvents : public Events
 {
 public:
     [[nodiscard]] qint64 monotonicUs() const override { return nowUs; }
-    [[nodiscard]] QDate today() const override { return {2026, 11, 23}; }
+    [[nodiscard]] QDateTime now() const override
+    {
+        return QDateTime({2026, 11, 23}, {10, 0, 0}).addMSecs(nowUs / 1000);
+    }
     TimerId every(int intervalMs, Action action) override;
     void stop(TimerId timer) override;
     void after(qint64 delayUs, Action action) override;

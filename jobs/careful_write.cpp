@@ -1,0 +1,329 @@
+#include "jobs/careful_write.h"
+
+#include "jobs/saved_before.h"
+#include "link/open_link.h"
+#include "platform/world.h"
+#include "program/ask.h"
+#include "program/run_control.h"
+
+#include <QDir>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int WriteRepeats = 1; // of what reads back differently
+
+Plan ReadingPlan(const std::vector<RecordId> &ids)
+{
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) -> QString { return QStringLiteral("Lese ") + RecordName(step.id); },
+        .patience = Patience::Agreed,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true};
+    for (const RecordId &id : ids)
+        plan.steps.push_back({StepKind::Read, id, {}, {}});
+    return plan;
+}
+
+/// Records that are written together: those of one page.
+using Group = std::vector<RecordChange>;
+
+std::vector<Group> GroupsOf(const std::vector<RecordChange> &changes)
+{
+    std::vector<Group> groups;
+    std::map<int, size_t> groupOfPage;
+    for (const RecordChange &change : changes) {
+        const auto [found, isNew] = groupOfPage.emplace(PageAddressOf(change.id), groups.size());
+        if (isNew)
+            groups.emplace_back();
+        groups.at(found->second).push_back(change);
+    }
+    return groups;
+}
+
+LocoBytes Beneath(const RecordChange &change)
+{
+    LocoBytes erased{};
+    erased.fill(EmptyByte);
+    return change.presentBytes.value_or(erased);
+}
+
+/// One job while it runs.
+class Writer
+{
+public:
+    Writer(const std::vector<RecordChange> &all, const CarefulWish &wanted, Journal *keeper)
+        : changes(all), wish(wanted), journal(keeper)
+    {
+        for (const RecordChange &change : changes) {
+            JobEntry entry{{StepKind::Write, change.id, change.wanted, {}}, RecordState::Untouched, {}, {}, {}};
+            if (change.change == Change::Unchanged && wish.onlyChanges)
+                entry.state = RecordState::Unchanged;
+            if (change.change == Change::Nameless)
+                entry.state = RecordState::Empty;
+            places.emplace(change.id, report.entries.size());
+            report.entries.push_back(std::move(entry));
+        }
+    }
+
+    Report run(bool alreadySaved)
+    {
+        std::vector<RecordChange> wanted = ToBeWritten(changes, wish.onlyChanges);
+        std::erase_if(wanted, [](const RecordChange &change) { return change.change == Change::Unknown; });
+        if (wish.saveBefore && !alreadySaved && !wanted.empty() && !save(wanted))
+            return std::move(report);
+        writeAll(wanted);
+        TheAsk().hideProgress();
+        return std::move(report);
+    }
+
+private:
+    JobEntry &entryOf(const RecordId &id) { return report.entries.at(places.at(id)); }
+
+    std::optional<RecordValue> knownValue(const RecordId &id) const
+    {
+        const auto found = places.find(id);
+        return found != places.end() ? changes.at(found->second).present : std::nullopt;
+    }
+
+    /// Whole pages. A page of which a record can't be read without a doubt can't be made good again: it is not written.
+    bool save(std::vector<RecordChange> &wanted)
+    {
+        std::set<RecordId> ids;
+        for (const RecordChange &change : wanted) {
+            for (const RecordId &id : RecordsOfPage(change.id))
+                ids.insert(id);
+        }
+        std::vector<RecordId> unknown(ids.begin(), ids.end());
+        std::erase_if(unknown, [this](const RecordId &id) { return knownValue(id).has_value(); });
+        const Report read = RunJob(ReadingPlan(unknown));
+        report.end = read.end;
+        if (read.end != JobEnd::Complete)
+            return false;
+        QByteArray file;
+        for (const RecordId &id : ids)
+            file += packed(id, read);
+        leaveOutDoubtfulPages(wanted, read);
+        const QString name = SaveBefore(file);
+        if (name.isEmpty())
+            report.end = JobEnd::NothingDone;
+        else if (journal != nullptr)
+            journal->savedBefore(name);
+        return !name.isEmpty();
+    }
+
+    QByteArray packed(const RecordId &id, const Report &read) const
+    {
+        if (const auto known = knownValue(id))
+            return PackRecord(id, *known);
+        const auto entry =
+            std::ranges::find(read.entries, id, [](const JobEntry &candidate) { return candidate.step.id; });
+        if (entry->state == RecordState::Empty)
+            return PackRecord(id, LocoRecord{.name = EmptyName()});
+        return entry->state == RecordState::Done ? PackRecord(id, *entry->value) : QByteArray();
+    }
+
+    static void leaveOutDoubtfulPages(std::vector<RecordChange> &wanted, const Report &read)
+    {
+        for (const RecordId &doubtful : IdsOf(read, RecordState::Doubtful)) {
+            const int page = PageAddressOf(doubtful);
+            std::erase_if(wanted, [page](const RecordChange &change) { return PageAddressOf(change.id) == page; });
+        }
+    }
+
+    void writeAll(const std::vector<RecordChange> &wanted)
+    {
+        const StoppableJob stoppable;
+        const TellsPortLoss teller;
+        const double start = NowSeconds();
+        size_t done = 0;
+        for (const Group &group : GroupsOf(wanted)) {
+            if (!JobGoesOn()) {
+                report.end = WhyJobBrokeOff();
+                return;
+            }
+            TheAsk().showProgress(QStringLiteral("Schreibe ") + RecordName(group.front().id));
+            ShowJobAmount(done, wanted.size(), start);
+            done += group.size();
+            if (!writeGroup(group))
+                return;
+        }
+    }
+
+    /// False when the job ends here.
+    bool writeGroup(const Group &group)
+    {
+        const int page = PageAddressOf(group.front().id);
+        if (journal != nullptr)
+            journal->pageBegins(page);
+        if (!journalSound())
+            return false;
+        Outcome outcome;
+        for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
+            outcome = program(group);
+            note(group, outcome);
+            if (!outcome.ok() || !wish.verify || !readBackDiffers(group))
+                break;
+        }
+        if (outcome.ok() || outcome.how() == End::Differs) {
+            noteInJournal(group, page);
+            return journalSound() && !TransferBrokenOff();
+        }
+        report.end = outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
+        return false;
+    }
+
+    Outcome program(const Group &group)
+    {
+        const Patience patience = wish.verify ? Patience::Verified : Patience::Job;
+        SpiImage image{};
+        image.fill(EmptyByte); // bytes that nobody lays
+        const RecordChange &first = group.front();
+        if (!SharesPage(first.id.kind))
+            return WriteRecord(image, first.id, first.wanted, patience);
+        PageWrite page{PageAddressOf(first.id), true, {}};
+        for (const RecordChange &change : group)
+            page.parts.push_back(PartOf(change.id, change.wanted, Beneath(change)));
+        return ProgramPage(image, page, patience);
+    }
+
+    void note(const Group &group, const Outcome &outcome)
+    {
+        for (const RecordChange &change : group) {
+            JobEntry &entry = entryOf(change.id);
+            entry.outcome = outcome;
+            if (outcome.ok())
+                entry.state = RecordState::Done;
+            else if (outcome.how() == End::Differs)
+                entry.state = RecordState::Differs;
+            else
+                entry.state = outcome.how() == End::GivenUp ? RecordState::Untouched : RecordState::Doubtful;
+        }
+    }
+
+    /// Reads each written record again. What differs, or can't be read, is noted.
+    bool readBackDiffers(const Group &group)
+    {
+        bool differs = false;
+        for (const RecordChange &change : group) {
+            SpiImage image{};
+            const auto read = ReadRecord(image, change.id, [](int) {});
+            JobEntry &entry = entryOf(change.id);
+            if (!read.ok()) {
+                entry.state = RecordState::Doubtful;
+                entry.outcome = read.outcome;
+            } else if (!SameContent(read.value, change.wanted)) {
+                entry.state = RecordState::Differs;
+                differs = true;
+            }
+        }
+        return differs;
+    }
+
+    /// A page whose records are not all proved stays open: an earlier part of the job is not believed about it.
+    void noteInJournal(const Group &group, int page)
+    {
+        if (journal == nullptr)
+            return;
+        bool all = true;
+        for (const RecordChange &change : group) {
+            const bool proved = entryOf(change.id).state == RecordState::Done;
+            all = all && proved;
+            if (proved)
+                journal->finished(change.id);
+        }
+        if (all)
+            journal->pageEnds(page);
+    }
+
+    bool journalSound()
+    {
+        if (journal == nullptr || journal->sound())
+            return true;
+        TheAsk().showBox(
+            {QStringLiteral("Der Fortschritt kann nicht mehr gespeichert werden (ist der Datenträger voll?).\r"
+                            "Der Auftrag hält hier an."),
+                QStringLiteral("Fehler!"), BoxIcon::Critical});
+        report.end = JobEnd::NothingDone;
+        return false;
+    }
+
+    const std::vector<RecordChange> &changes;
+    const CarefulWish wish;
+    Journal *journal;
+    std::map<RecordId, size_t> places; // of the changes and of the report's entries
+    Report report;
+};
+
+} // namespace
+
+Look LookAt(const std::vector<Step> &steps)
+{
+    std::map<RecordId, size_t> last; // of a record that is listed twice the last one counts
+    for (size_t i = 0; i < steps.size(); ++i)
+        last.insert_or_assign(steps.at(i).id, i);
+    std::vector<RecordId> ids;
+    std::vector<Step> once;
+    for (size_t i = 0; i < steps.size(); ++i) {
+        if (last.at(steps.at(i).id) != i)
+            continue;
+        ids.push_back(steps.at(i).id);
+        once.push_back(steps.at(i));
+    }
+    const Report read = RunJob(ReadingPlan(ids));
+    return {read.end, ChangesOf(once, read)};
+}
+
+Report WriteCarefully(
+    const std::vector<RecordChange> &changes, const CarefulWish &wish, Journal *journal, bool alreadySaved)
+{
+    return Writer(changes, wish, journal).run(alreadySaved);
+}
+
+Earlier EarlierPart(const QString &fileName, const JournalHead &head, JournalContent &content)
+{
+    const auto found = ReadJournal(fileName);
+    if (!found)
+        return Earlier::None;
+    content = *found;
+    if (content.head.job.isEmpty())
+        return Earlier::Damaged;
+    if (content.head.job != head.job)
+        return Earlier::OtherJob;
+    return content.head.handheld == head.handheld ? Earlier::Fits : Earlier::OtherHandheld;
+}
+
+QString EarlierFault(Earlier earlier, const QString &fileName)
+{
+    QString reason;
+    if (earlier == Earlier::Damaged)
+        reason = QStringLiteral("Er ist beschädigt.");
+    else if (earlier == Earlier::OtherJob)
+        reason = QStringLiteral("Er gehört zu einem anderen Auftrag, oder die Datei wurde seither geändert.");
+    else if (earlier == Earlier::OtherHandheld)
+        reason = QStringLiteral("Er gehört zu einem anderen Handregler.");
+    if (reason.isEmpty())
+        return {};
+    return QStringLiteral("Der Fortschritt %1 passt nicht. %2")
+        .arg(QDir::toNativeSeparators(JournalName(fileName)), reason);
+}
+
+std::vector<Step> StepsLeft(const std::vector<Step> &steps, const JournalContent &earlier)
+{
+    const std::set<RecordId> finished(earlier.finished.begin(), earlier.finished.end());
+    const auto isOpen = [&](const RecordId &id) { return earlier.openPages.contains(PageAddressOf(id)); };
+    std::vector<Step> left;
+    const auto before = earlier.savedBefore.isEmpty() ? std::nullopt : LoadDds(earlier.savedBefore);
+    for (const DdsRecord &record : before ? ReadDds(*before).records : std::vector<DdsRecord>()) {
+        const bool ours = std::ranges::any_of(steps, [&](const Step &step) { return step.id == record.id; });
+        if (isOpen(record.id) && !ours)
+            left.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
+    }
+    for (const Step &step : steps) {
+        if (isOpen(step.id) || !finished.contains(step.id))
+            left.push_back(step);
+    }
+    return left;
+}

@@ -1,0 +1,277 @@
+#include "jobs/change.h"
+
+#include "link/cadence.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <set>
+
+namespace
+{
+
+constexpr int VerifyMessages = 3; // of a page
+constexpr int PageMessages = 2;   // load and program
+constexpr int BitsPerByte = 8;
+
+QString NameText(const LocoRecord &loco)
+{
+    return IsEmptyName(loco.name) ? LeerName() : WithoutTrailingBlanks(loco.name);
+}
+
+QString YesNo(int flag)
+{
+    return flag == 1 ? QStringLiteral("ja") : QStringLiteral("nein");
+}
+
+QString MannerText(int mode)
+{
+    return mode == 1 ? QStringLiteral("Taster") : QStringLiteral("Schalter");
+}
+
+void AddChange(std::vector<FieldChange> &changes, const QString &field, const QString &from, const QString &to)
+{
+    if (from != to)
+        changes.push_back({field, from, to});
+}
+
+std::vector<FieldChange> LocoChanges(const LocoRecord &from, const LocoRecord &to)
+{
+    std::vector<FieldChange> changes;
+    AddChange(changes, QStringLiteral("Name"), NameText(from), NameText(to));
+    if (IsEmptyName(from.name) || IsEmptyName(to.name))
+        return changes;
+    AddChange(changes, QStringLiteral("Loksymbol"), QString::number(from.locoSymbol), QString::number(to.locoSymbol));
+    AddChange(changes, QStringLiteral("ein Symbol für alle Funktionen"), YesNo(from.multiUni), YesNo(to.multiUni));
+    for (size_t f = 0; f < FunctionCount; ++f) {
+        const QString function = u'f' + QString::number(f);
+        if (f > 0)
+            AddChange(changes, function + QStringLiteral(" Symbol"), QString::number(from.symbols.at(f)),
+                QString::number(to.symbols.at(f)));
+        AddChange(changes, function, MannerText(from.modes.at(f)), MannerText(to.modes.at(f)));
+    }
+    return changes;
+}
+
+int DarkPixels(const Picture &picture)
+{
+    int dark = 0;
+    for (int i = SizeBytes; i < FlashBytesOf(picture.geometry); ++i) {
+        for (int bit = 0; bit < BitsPerByte; ++bit)
+            dark += picture.bytes.at(static_cast<size_t>(i)) >> bit & 1;
+    }
+    return dark;
+}
+
+int DifferentPixels(const Picture &one, const Picture &other)
+{
+    Picture both = one;
+    for (size_t i = SizeBytes; i < static_cast<size_t>(FlashBytesOf(one.geometry)); ++i)
+        both.bytes.at(i) ^= other.bytes.at(i);
+    return DarkPixels(both);
+}
+
+template <typename Table> std::vector<FieldChange> TableChanges(const Table &from, const Table &to, int entrySize)
+{
+    std::vector<FieldChange> changes;
+    for (size_t first = 0; first < from.size(); first += static_cast<size_t>(entrySize)) {
+        QStringList before;
+        QStringList after;
+        for (size_t i = first; i < first + static_cast<size_t>(entrySize); ++i) {
+            before += QString::number(from.at(i));
+            after += QString::number(to.at(i));
+        }
+        AddChange(changes, QStringLiteral("Eintrag %1").arg(first / static_cast<size_t>(entrySize) + 1),
+            before.join(u' '), after.join(u' '));
+    }
+    return changes;
+}
+
+/// The wanted value of a step, or nothing where it leaves the record alone.
+std::optional<RecordValue> WantedBy(const Step &step, const std::optional<RecordValue> &present)
+{
+    if (step.kind == StepKind::Delete)
+        return LocoRecord{.name = EmptyName()};
+    if (step.kind != StepKind::Merge)
+        return step.value;
+    const auto *loco = present ? std::get_if<LocoRecord>(&*present) : nullptr;
+    if (loco != nullptr && !IsEmptyName(loco->name))
+        return step.merge(*present);
+    return step.fillsEmpty ? std::optional<RecordValue>(step.value) : std::nullopt;
+}
+
+/// What was read without a doubt.
+std::optional<RecordValue> SoundValue(const JobEntry &entry)
+{
+    if (entry.state == RecordState::Empty)
+        return LocoRecord{.name = EmptyName()};
+    return entry.state == RecordState::Done ? entry.value : std::nullopt;
+}
+
+} // namespace
+
+QString ChangeText(Change change)
+{
+    switch (change) {
+    case Change::New:
+        return QStringLiteral("neu");
+    case Change::Changed:
+        return QStringLiteral("geändert");
+    case Change::OtherLoco:
+        return QStringLiteral("überschreibt eine andere Lok");
+    case Change::Emptied:
+        return QStringLiteral("wird gelöscht");
+    case Change::Unchanged:
+        return QStringLiteral("unverändert");
+    case Change::Nameless:
+        return QStringLiteral("leer; ohne Namen wird nichts geschrieben");
+    case Change::Unknown:
+        break;
+    }
+    return QStringLiteral("nicht sicher gelesen");
+}
+
+QString RecordName(const RecordId &id)
+{
+    const QString number = QString::number(id.number);
+    switch (id.kind) {
+    case KindLoco:
+        return QStringLiteral("Lok ") + number;
+    case KindLokSymbol:
+        return QStringLiteral("Loksymbol ") + number;
+    case KindFktSymbolOn:
+        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" ON");
+    case KindFktSymbolOn + 1:
+        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" OFF");
+    case KindMagSymbolGreen:
+        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Grün");
+    case KindMagSymbolGreen + 1:
+        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Rot");
+    default:
+        return KindOf(id.kind).plural;
+    }
+}
+
+std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to)
+{
+    if (SameContent(from, to) || from.index() != to.index())
+        return {};
+    if (const auto *loco = std::get_if<LocoRecord>(&from))
+        return LocoChanges(*loco, std::get<LocoRecord>(to));
+    if (const auto *picture = std::get_if<Picture>(&from)) {
+        const auto &other = std::get<Picture>(to);
+        return {{QStringLiteral("Bild"), QStringLiteral("%1 dunkle Punkte").arg(DarkPixels(*picture)),
+            QStringLiteral("%1 dunkle Punkte, %2 anders")
+                .arg(DarkPixels(other))
+                .arg(DifferentPixels(*picture, other))}};
+    }
+    if (const auto *routes = std::get_if<Routes>(&from))
+        return TableChanges(*routes, std::get<Routes>(to), RouteSize);
+    if (const auto *list = std::get_if<AccessoryList>(&from))
+        return TableChanges(*list, std::get<AccessoryList>(to), PlaceSize);
+    return TableChanges(std::get<Assignment>(from), std::get<Assignment>(to), 1);
+}
+
+QString FieldsText(const RecordChange &change)
+{
+    if (!change.present)
+        return {};
+    QStringList parts;
+    for (const FieldChange &field : FieldChanges(*change.present, change.wanted))
+        parts += field.field + QStringLiteral(": ") + field.from + QStringLiteral(" → ") + field.to;
+    return parts.join(QStringLiteral("; "));
+}
+
+Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wanted)
+{
+    if (!present)
+        return Change::Unknown;
+    if (SameContent(*present, wanted))
+        return Change::Unchanged;
+    const auto *before = std::get_if<LocoRecord>(&*present);
+    if (before == nullptr)
+        return Change::Changed;
+    const auto &after = std::get<LocoRecord>(wanted);
+    if (IsEmptyName(before->name))
+        return Change::New;
+    if (IsEmptyName(after.name))
+        return Change::Emptied;
+    return NameText(*before) == NameText(after) ? Change::Changed : Change::OtherLoco;
+}
+
+std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present)
+{
+    std::map<RecordId, const JobEntry *> entries;
+    for (const JobEntry &entry : present.entries)
+        entries.emplace(entry.step.id, &entry);
+    std::vector<RecordChange> changes;
+    for (const Step &step : steps) {
+        const JobEntry *entry = entries.contains(step.id) ? entries.at(step.id) : nullptr;
+        const auto value = entry != nullptr ? SoundValue(*entry) : std::nullopt;
+        const auto wanted = WantedBy(step, value);
+        const Change unwanted = value ? Change::Nameless : Change::Unknown;
+        changes.push_back({step.id, wanted ? ChangeOf(value, *wanted) : unwanted, wanted.value_or(step.value), value,
+            entry != nullptr ? entry->bytes : std::nullopt});
+    }
+    return changes;
+}
+
+std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const std::vector<DdsRecord> &second)
+{
+    std::map<RecordId, RecordValue> left;
+    std::map<RecordId, RecordValue> right;
+    std::vector<RecordId> order;
+    for (auto &[records, values] : {std::pair(&first, &left), {&second, &right}}) {
+        for (const DdsRecord &record : *records) {
+            if (!left.contains(record.id) && !right.contains(record.id))
+                order.push_back(record.id);
+            values->insert_or_assign(record.id, UnpackRecord(record));
+        }
+    }
+    const auto valueIn = [](const auto &values, const RecordId &id) -> std::optional<RecordValue> {
+        const auto found = values.find(id);
+        if (found != values.end())
+            return found->second;
+        return id.kind == KindLoco ? std::optional<RecordValue>(LocoRecord{.name = EmptyName()}) : std::nullopt;
+    };
+    std::vector<RecordChange> changes;
+    for (const RecordId &id : order) {
+        const auto before = valueIn(left, id);
+        const auto after = valueIn(right, id);
+        if (before && after)
+            changes.push_back({id, ChangeOf(before, *after), *after, before, {}});
+    }
+    return changes;
+}
+
+size_t PagesOf(const std::vector<RecordChange> &changes)
+{
+    constexpr size_t assignmentPages = 5;
+    std::set<int> pages;
+    size_t more = 0;
+    for (const RecordChange &change : changes) {
+        pages.insert(PageAddressOf(change.id));
+        more += change.id.kind == KindMagZuordnung ? assignmentPages - 1 : 0;
+    }
+    return pages.size() + more;
+}
+
+double SecondsOf(const std::vector<RecordChange> &changes, bool verify)
+{
+    double messages = 0;
+    for (const RecordChange &change : changes) {
+        const RecordKind &kind = KindOf(change.id.kind);
+        messages += SharesPage(change.id.kind) ? kind.writeMessages - PageMessages : kind.writeMessages;
+        messages += verify ? kind.readMessages : 0;
+    }
+    messages += static_cast<double>(PagesOf(changes)) * (PageMessages + (verify ? VerifyMessages : 0));
+    return messages * SecondsPerMessage();
+}
+
+std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, bool onlyChanges)
+{
+    std::vector<RecordChange> wanted = changes;
+    std::erase_if(wanted, [onlyChanges](const RecordChange &change) {
+        return change.change == Change::Nameless || (onlyChanges && change.change == Change::Unchanged);
+    });
+    return wanted;
+}

@@ -1,0 +1,66 @@
+// What a write would change, or what two sources of records have different: computed from values, before anything is
+// done.
+#pragma once
+
+#include "handheld/backup/dds_file.h"
+#include "jobs/runner.h"
+
+#include <QStringList>
+
+#include <map>
+
+enum class Change {
+    New,       // nothing stands there yet
+    Changed,   // the same loco with other data; a picture or table with other content
+    OtherLoco, // another loco stands there and is overwritten
+    Emptied,   // what stands there is deleted
+    Unchanged,
+    Nameless, // an empty record, and nothing says which name it is to get: it is left alone
+    Unknown,  // what stands there was not read, or not without a doubt
+};
+
+/// "neu", "geändert", "überschreibt eine andere Lok", ...
+QString ChangeText(Change change);
+
+/// One field of a record, in words for the user: "Name", "E94", "E 94".
+struct FieldChange {
+    QString field;
+    QString from;
+    QString to;
+};
+
+struct RecordChange {
+    RecordId id;
+    Change change = Change::Unknown;
+    RecordValue wanted;
+    std::optional<RecordValue> present;    // as read; an empty loco record has an empty name
+    std::optional<LocoBytes> presentBytes; // of a loco record that is not empty
+};
+
+/// Names a record: "Lok 3", "Funktionssymbol 7 ON", "Fahrstraßen".
+QString RecordName(const RecordId &id);
+
+/// What becomes different, field by field; pictures and tables by how many pixels or entries differ. Empty when nothing
+/// does.
+std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to);
+
+/// The changes in one line: "Name: E94 → E 94; f3: Symbol 7 → 8".
+QString FieldsText(const RecordChange &change);
+
+/// What a change is, from the values.
+Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wanted);
+
+/// The steps of a write (Write, Merge, Delete) beside what a reading job (Read) found.
+std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present);
+
+/// Two files side by side: the records of both, each once, in the order of the first and then of the second. `present` is
+/// the first one's, `wanted` the second one's; a loco that only the first one has is Emptied, any other record that only
+/// one has is left out.
+std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const std::vector<DdsRecord> &second);
+
+/// The pages that would be programmed, and about how long that takes at the measured speed.
+size_t PagesOf(const std::vector<RecordChange> &changes);
+double SecondsOf(const std::vector<RecordChange> &changes, bool verify);
+
+/// Those that would be written: all but Nameless, or only what differs or is not known.
+std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, bool onlyChanges);
