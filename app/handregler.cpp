@@ -11,6 +11,7 @@
 #include "platform/qt/qt_serial_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
+#include "program/data_folder.h"
 #include "program/preferences.h"
 #include "program/run_control.h"
 #include "sim/demo_port.h"
@@ -65,7 +66,7 @@ int main(int argc, char *argv[])
     QTranslator german;
     if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&german);
-    SetProgramFolder(QCoreApplication::applicationDirPath());
+    UseDataFolder(QCoreApplication::applicationDirPath());
     BuildZeichensatz();
 
     QCommandLineParser parser;
@@ -76,7 +77,7 @@ int main(int argc, char *argv[])
 
     QtEvents events;
     QtSerialPort machinePort(events);
-    sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
+    sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     InstallWorld({&events, &port});
     Console console;

@@ -8,6 +8,7 @@
 #include "platform/qt/qt_serial_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
+#include "program/data_folder.h"
 #include "program/preferences.h"
 #include "program/run_control.h"
 #include "sim/demo_port.h"
@@ -94,11 +95,11 @@ int main(int argc, char *argv[])
     if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QApplication::installTranslator(&german);
     const Arguments arguments = ReadArguments();
-    SetProgramFolder(QApplication::applicationDirPath());
+    UseDataFolder(QApplication::applicationDirPath());
 
     QtEvents events;
     QtSerialPort machinePort(events);
-    sim::DemoPort demoPort(events, ProgramFolder() + QStringLiteral("/Demo-Handregler.bin"));
+    sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     KeepWindowSizesIn(PreferencesPath());
     InstallWorld({&events, &port});

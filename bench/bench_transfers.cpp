@@ -6,6 +6,7 @@
 #include "handheld/options.h"
 #include "handheld/record_kinds.h"
 #include "jobs/backup.h"
+#include "jobs/careful_write.h"
 #include "link/cadence.h"
 #include "tests/support/virtual_world.h"
 
@@ -108,6 +109,24 @@ protected:
     {
         for (const Kind &kind : Kinds())
             measure(kind);
+        measureCareful();
+    }
+
+    /// Eight neighbours in one page: alone, proved by the chip and by reading back, and saved before.
+    void measureCareful()
+    {
+        std::vector<Step> steps;
+        for (int n = 16; n < 24; ++n)
+            steps.push_back(
+                {StepKind::Write, {KindLoco, n}, LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
+        std::vector<RecordChange> changes;
+        measure({"8 neighbours, look", [&] { changes = LookAt(steps).changes; }});
+        const auto write = [&](const CarefulWish &wish) {
+            return [&changes, wish] { static_cast<void>(WriteCarefully(changes, wish, nullptr, false)); };
+        };
+        measure({"8 neighbours, write", write({false, false, false})});
+        measure({"8 neighbours, verify", write({false, true, false})});
+        measure({"8 neighbours, save too", write({false, true, true})});
     }
 };
 

@@ -32,7 +32,9 @@ struct Call {
     const QCommandLineParser *parser = nullptr;
 
     [[nodiscard]] QString value(const QString &option) const { return parser->value(option); }
-    [[nodiscard]] bool has(const QString &option) const { return parser->isSet(option); }
+
+    /// False also for an option that the command does not have: commands share code.
+    [[nodiscard]] bool has(const QString &option) const { return parser->optionNames().contains(option); }
 };
 
 struct Command {

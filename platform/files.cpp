@@ -13,6 +13,7 @@ namespace
 {
 
 QString programFolder; // NOLINT(cert-err58-cpp): QString's default constructor does not throw
+QString dataFolder;    // NOLINT(cert-err58-cpp)
 
 /// The entry of the folder that matches the name without regard to case, or the name itself.
 QString EntryInAnyCase(const QString &folder, const QString &name)
@@ -38,6 +39,17 @@ std::filesystem::path SystemPath(const QString &path)
 void SetProgramFolder(const QString &folder)
 {
     programFolder = folder;
+    dataFolder = folder;
+}
+
+void SetDataFolder(const QString &folder)
+{
+    dataFolder = folder;
+}
+
+QString DataFolder()
+{
+    return dataFolder;
 }
 
 QString ProgramFolder()
@@ -47,7 +59,7 @@ QString ProgramFolder()
 
 QString KonfPath(const QString &relative)
 {
-    QString path = programFolder;
+    QString path = dataFolder;
     const QStringList steps = relative.split(u'\\', Qt::SkipEmptyParts);
     for (const QString &step : steps)
         path += u'/' + EntryInAnyCase(path, step);

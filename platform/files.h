@@ -7,11 +7,16 @@
 
 #include <optional>
 
-/// The folder that holds the program and its konf folder. Set once by main() or by a test.
+/// The folder that holds the program and what was installed with it. Set once by main() or by a test; the data lie there
+/// too until another folder is set for them.
 void SetProgramFolder(const QString &folder);
 QString ProgramFolder();
 
-/// The real path of a file named relative to the program folder in the form "\konf\hilfe.txt". Where the file
+/// The folder that holds the user's konf folder and the simulated handheld (see program/data_folder.h).
+void SetDataFolder(const QString &folder);
+QString DataFolder();
+
+/// The real path of a file named relative to the data folder in the form "\konf\hilfe.txt". Where the file
 /// system tells upper from lower case, an existing entry that differs only in case is taken for each step;
 /// otherwise the name is used as given.
 QString KonfPath(const QString &relative);

@@ -4,12 +4,14 @@
 #include "handheld/options.h"
 #include "jobs/clean_up.h"
 #include "link/open_link.h"
+#include "platform/files.h"
 #include "program/branding.h"
 #include "shown/record.h"
 #include "ui/common/command.h"
 #include "ui/common/progress.h"
 
 #include <QCoreApplication>
+#include <QDir>
 
 namespace
 {
@@ -85,6 +87,8 @@ void ShowProgramInfo()
     const QString blankLine(BlankLineLength, u' ');
     const QString version = QStringLiteral("                         Version ")
         + QCoreApplication::applicationVersion() + QStringLiteral("        ");
-    const QStringList lines{PublisherLine(), blankLine, TheBranding().progInfoLine, version, blankLine};
+    QStringList lines{PublisherLine(), blankLine, TheBranding().progInfoLine, version, blankLine};
+    if (DataFolder() != ProgramFolder())
+        lines << QStringLiteral("Ihre Daten liegen in ") + QDir::toNativeSeparators(DataFolder()) << blankLine;
     TheAsk().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
 }
