@@ -7,8 +7,8 @@
 #include "link/text_encoding.h"
 #include "platform/files.h"
 #include "platform/qt/console.h"
+#include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
-#include "platform/qt/qt_serial_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
 #include "program/data_folder.h"
@@ -76,7 +76,7 @@ int main(int argc, char *argv[])
         return static_cast<int>(exit);
 
     QtEvents events;
-    QtSerialPort machinePort(events);
+    MachinePort machinePort(events);
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     InstallWorld({&events, &port});

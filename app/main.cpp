@@ -4,8 +4,8 @@
 #include "link/cadence.h"
 #include "link/link_driver.h"
 #include "platform/files.h"
+#include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
-#include "platform/qt/qt_serial_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
 #include "program/data_folder.h"
@@ -98,7 +98,7 @@ int main(int argc, char *argv[])
     UseDataFolder(QApplication::applicationDirPath());
 
     QtEvents events;
-    QtSerialPort machinePort(events);
+    MachinePort machinePort(events);
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     KeepWindowSizesIn(PreferencesPath());

@@ -8,7 +8,9 @@
 #include <utility>
 
 #ifdef _WIN32
+#include <fcntl.h>
 #include <io.h>
+#include <windows.h>
 #else
 #include <filesystem>
 #endif
@@ -23,7 +25,21 @@ bool IsTerminal(int descriptor, const char *)
 {
     return _isatty(descriptor) != 0;
 }
+
+/// Bytes go out as they are written: UTF-8, lines ended by LF.
+void PrepareOutput()
+{
+    SetConsoleOutputCP(CP_UTF8);
+    const HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    if (GetConsoleMode(error, &mode) != FALSE) // the progress line is written over
+        SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    _setmode(1, _O_BINARY);
+    _setmode(2, _O_BINARY);
+}
 #else
+void PrepareOutput() { }
+
 /// The only character devices that are no terminals and that a program is called with are those that swallow or give
 /// nothing.
 bool IsTerminal(int, const char *device)
@@ -46,6 +62,7 @@ QString NextLine()
 Console::Console()
     : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin")), errorTerminal(IsTerminal(2, "/dev/stderr"))
 {
+    PrepareOutput();
 }
 
 Console::~Console() = default;
