@@ -72,12 +72,18 @@ Exit PrintReport(const Call &call, const Report &report, const QString &done, co
         Tell(EndText(report.end, QStringLiteral("Abgebrochen.")));
     const auto finished = IdsOf(report, RecordState::Done);
     const auto empty = IdsOf(report, RecordState::Empty);
-    const auto doubtful = IdsOf(report, RecordState::Doubtful);
+    std::vector<RecordId> doubtful;
+    std::vector<RecordId> strange; // read well, but not understood and therefore left alone
+    for (const JobEntry &entry : report.entries) {
+        if (entry.state == RecordState::Doubtful)
+            (entry.outcome.ok() ? strange : doubtful).push_back(entry.step.id);
+    }
     const auto untouched = IdsOf(report, RecordState::Untouched);
     if (call.options.json) {
         PrintJson(QJsonDocument(QJsonObject{{key, RecordsJson(finished)},
             {QStringLiteral("leer"), RecordsJson(empty)}, {QStringLiteral("unsicher"), RecordsJson(doubtful)},
-            {QStringLiteral("unberuehrt"), RecordsJson(untouched)}}));
+            {QStringLiteral("unberuehrt"), RecordsJson(untouched)},
+            {QStringLiteral("unverstanden"), RecordsJson(strange)}}));
         return ExitOf(report);
     }
     PrintGroup(done, finished);
@@ -85,6 +91,9 @@ Exit PrintReport(const Call &call, const Report &report, const QString &done, co
     PrintGroup(
         QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben (bitte auch die Nachbarn prüfen):"), doubtful);
     PrintGroup(QStringLiteral("Nicht geschrieben:"), untouched);
+    PrintGroup(
+        QStringLiteral("Nicht geschrieben, weil im Handregler etwas Unverständliches steht (vorher loeschen):"),
+        strange);
     return ExitOf(report);
 }
 

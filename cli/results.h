@@ -15,7 +15,8 @@ Exit ExitOf(JobEnd end, bool allSound);
 QJsonArray RecordsJson(const std::vector<RecordId> &records);
 
 /// Prints what a writing job did, and tells why it ended early. `done` is the heading of what was done: "Geschrieben:".
-/// JSON: {"geschrieben":[...],"leer":[...],"unsicher":[...],"unberuehrt":[...]} with `key` for the first one.
+/// JSON: {"geschrieben":[...],"leer":[...],"unsicher":[...],"unberuehrt":[...],"unverstanden":[...]}, with `key` for the
+/// first one.
 Exit PrintReport(const Call &call, const Report &report, const QString &done, const QString &key);
 
 /// The numbers of a list argument, or nothing after a message. "alle" stands for low-high.

@@ -5,6 +5,7 @@
 #include "jobs/backup.h"
 #include "jobs/report.h"
 #include "platform/text.h"
+#include "program/run_control.h"
 
 #include <QDir>
 
@@ -51,7 +52,12 @@ bool TakeSearch(const Call &call, BackupSelection &selection)
 {
     if (!call.has(SearchOption))
         return true;
-    const auto numbers = ListArgument(call.value(SearchOption), FirstLoco, LastLoco);
+    const QString range = call.value(SearchOption);
+    if (range.contains(u',')) {
+        UsageFault(QStringLiteral("--loks-suchen %1: hier muss ein Bereich stehen, zum Beispiel 1-999.").arg(range));
+        return false;
+    }
+    const auto numbers = ListArgument(range, FirstLoco, LastLoco);
     if (!numbers)
         return false;
     selection.lokSuche = true;
@@ -102,7 +108,9 @@ Exit Run(const Call &call)
         return service.failure();
     const BackupOutcome outcome = Backup(call.arguments.value(0), *selection);
     const bool sound = outcome.doubtful.empty() && outcome.unread.empty();
-    if (outcome.end != JobEnd::Complete || !sound)
+    if (BoxesAreSilent() && !outcome.written)
+        Tell(QStringLiteral("Die Datensicherung wurde abgebrochen; es wurde keine Datei geschrieben."));
+    else if (outcome.end != JobEnd::Complete || !sound)
         ReportBackup(outcome);
     PrintSaved(call, outcome);
     if (outcome.end == JobEnd::Complete && sound && !outcome.written)
@@ -126,5 +134,8 @@ Command BackupCommand()
             {RoutesOption, QStringLiteral("die Fahrstraßen")},
             {AssignmentOption, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
             {AccessoryListOption, QStringLiteral("die Magnetartikelliste")}},
-        Run};
+        Run,
+        QStringLiteral(
+            "LISTE: Nummern und Bereiche, zum Beispiel 1-5,8. Eine vorhandene Datei wird ersetzt; nur wenn die neue\n"
+            "zweifelhaft oder unvollständig ist, wird vorher gefragt.")};
 }

@@ -24,5 +24,7 @@ Exit Run(const Call &call)
 Command RestoreCommand()
 {
     return {QStringLiteral("zurueck"), {QStringLiteral("DATEI.dds")},
-        QStringLiteral("schreibt eine Datensicherung in den Handregler zurück (fragt vorher)"), {}, Run};
+        QStringLiteral("schreibt eine Datensicherung in den Handregler zurück (fragt vorher)"), {}, Run,
+        QStringLiteral(
+            "Die Datei wird zuerst ganz geprüft. Was der Handregler unter diesen Nummern hat, wird überschrieben.")};
 }
