@@ -256,9 +256,9 @@ TEST_F(ViewerTest, ExportsWhatIsShown)
     const QList<QByteArray> lines = content(csv).split('\n');
     ASSERT_EQ(lines.size(), 3);
     EXPECT_TRUE(lines.at(0).startsWith("\xEF\xBB\xBF"
-                                       "Adresse;Name;Symbol;ident. Sym.;f0 Symbol;f0 Tast;"));
+                                       "Adresse;Name;Symbol;MultiUni;f1;f2;"));
     EXPECT_EQ(lines.at(1),
-        QByteArray("20;\"Ä \"\"Lok\"\";\";2;0;0;0;0;0;0;0;20;1") + QByteArray(";0;0").repeated(21) + '\r');
+        QByteArray("20;\"Ä \"\"Lok\"\";\";2;0;0;0;20") + QByteArray(";0").repeated(21) + ";3\r");
     const QString pdf = folder.path() + QStringLiteral("/t.pdf");
     user.expect(QStringLiteral("*.pdf"), QStringLiteral("Tabelle speichern"), pdf);
     user.expect(QStringLiteral("1 Lok gespeichert in %1.").arg(pdf), QStringLiteral("Tabelle speichern"));
