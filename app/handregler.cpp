@@ -51,8 +51,6 @@ void TakeSignals(Events &events)
 Exit Run(const Wish &wish)
 {
     const Exit exit = wish.command->run(wish.call);
-    if (exit == Exit::Done && BoxesAreSilent() && OutputSound())
-        return Exit::Stopped;
     return OutputSound() ? exit : Exit::Usage;
 }
 
@@ -60,6 +58,7 @@ Exit Run(const Wish &wish)
 
 int main(int argc, char *argv[])
 {
+    OccupyClosedStreams();
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("handregler"));
     QCoreApplication::setApplicationVersion(QStringLiteral(HR_VERSION));

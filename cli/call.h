@@ -43,7 +43,11 @@ struct Command {
     QString summary;       // one line
     QList<QCommandLineOption> options;
     std::function<Exit(const Call &)> run;
+    QString details = {}; // what its help says besides: whole sentences, a line each
 };
+
+/// True when the user has pressed Ctrl-C in this command: nothing more is to be begun.
+bool InterruptTaken();
 
 /// All commands, in the order of the help.
 const std::vector<Command> &AllCommands();

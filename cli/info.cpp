@@ -1,5 +1,6 @@
 #include "cli/output.h"
 #include "cli/service.h"
+#include "program/run_control.h"
 
 #include <QJsonObject>
 
@@ -11,6 +12,8 @@ Exit Run(const Call &call)
     const Service service(call);
     if (!service.ready())
         return service.failure();
+    if (BoxesAreSilent())
+        return Exit::Stopped; // while it was asked
     const HandheldInfo &info = service.handheld();
     const QList<std::pair<QString, QString>> rows{{QStringLiteral("version"), info.version},
         {QStringLiteral("datum"), info.date}, {QStringLiteral("typ"), info.type}, {QStringLiteral("art"), info.kind}};

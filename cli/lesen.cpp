@@ -47,5 +47,6 @@ Exit Run(const Call &call)
 Command ReadCommand()
 {
     return {QStringLiteral("lesen"), {QStringLiteral("LISTE")},
-        QStringLiteral("liest Lokdatensätze vollständig, auch leere"), {}, Run};
+        QStringLiteral("liest Lokdatensätze vollständig, auch leere"), {}, Run,
+        QStringLiteral("LISTE: Nummern und Bereiche von 1 bis 9999, zum Beispiel 1-5,8.")};
 }

@@ -20,8 +20,7 @@ std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo)
 {
     std::vector<RosterLoco> locos;
     for (const JobEntry &entry : report.entries) {
-        const bool read = entry.state == RecordState::Done || entry.state == RecordState::Doubtful;
-        if (read && entry.value && !entry.outcome.brokenOff())
+        if (entry.state == RecordState::Done && entry.value)
             locos.push_back({entry.step.id.number, std::get<LocoRecord>(*entry.value)});
         else if (entry.state == RecordState::Empty && emptyToo)
             locos.push_back({entry.step.id.number, {.name = EmptyName()}});
@@ -33,10 +32,16 @@ void TellDoubts(const Report &report)
 {
     if (report.end != JobEnd::Complete)
         Tell(EndText(report.end, QStringLiteral("Abgebrochen.")));
-    const auto doubtful = IdsOf(report, RecordState::Doubtful);
+    std::vector<RecordId> doubtful;
+    std::vector<RecordId> unread;
+    for (const JobEntry &entry : report.entries) {
+        if (entry.state == RecordState::Untouched || entry.outcome.brokenOff())
+            unread.push_back(entry.step.id);
+        else if (entry.state == RecordState::Doubtful)
+            doubtful.push_back(entry.step.id);
+    }
     if (!doubtful.empty())
-        Tell(QStringLiteral("Unsicher gelesen:\n") + ScreenLines(RecordsText(doubtful)));
-    const auto untouched = IdsOf(report, RecordState::Untouched);
-    if (!untouched.empty())
-        Tell(QStringLiteral("Nicht gelesen:\n") + ScreenLines(RecordsText(untouched)));
+        Tell(QStringLiteral("Unsicher gelesen und deshalb nicht ausgegeben:\n") + ScreenLines(RecordsText(doubtful)));
+    if (!unread.empty())
+        Tell(QStringLiteral("Nicht gelesen:\n") + ScreenLines(RecordsText(unread)));
 }

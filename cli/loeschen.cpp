@@ -29,5 +29,6 @@ Exit Run(const Call &call)
 Command DeleteCommand()
 {
     return {QStringLiteral("loeschen"), {QStringLiteral("LISTE")},
-        QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), CarefulOptions(Keeps::Nothing), Run};
+        QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), CarefulOptions(Keeps::Nothing), Run,
+        QStringLiteral("LISTE: Nummern und Bereiche von 1 bis 9999, zum Beispiel 1-5,8.")};
 }

@@ -31,8 +31,7 @@ Watcher PrinterFor(const Call &call)
         return watcher;
     PrintLine(csv ? CsvHeading() : QStringLiteral("Adresse  Name                   Symbol  Funktionen mit Symbol"));
     watcher.finished = [csv](const JobEntry &entry) {
-        const bool read = entry.state == RecordState::Done || entry.state == RecordState::Doubtful;
-        if (!read || !entry.value)
+        if (entry.state != RecordState::Done || !entry.value)
             return;
         const RosterLoco loco{entry.step.id.number, std::get<LocoRecord>(*entry.value)};
         if (!IsEmptyName(loco.record.name))
@@ -62,5 +61,6 @@ Command ListCommand()
 {
     return {QStringLiteral("loks"), {QStringLiteral("[LISTE]")},
         QStringLiteral("die belegten Lokdatensätze von 1 bis 9999 oder der Liste, als Tabelle"),
-        {QCommandLineOption(CsvOption, QStringLiteral("als CSV statt als Tabelle"))}, Run};
+        {QCommandLineOption(CsvOption, QStringLiteral("als CSV statt als Tabelle"))}, Run,
+        QStringLiteral("Ohne LISTE werden alle 9999 Adressen durchsucht: etwa 50 Minuten, mit --schnell 9.")};
 }

@@ -14,6 +14,8 @@ void PrintBytes(const QByteArray &bytes)
     const auto size = static_cast<size_t>(bytes.size());
     if (sound && std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
         return;
+    if (sound)
+        Tell(QStringLiteral("Die Standardausgabe nimmt nichts mehr an."));
     sound = false;
     RequestEnd();
 }

@@ -16,9 +16,10 @@ Exit ExitOfTransfer(const Outcome &outcome, const QString &what)
     if (outcome.ok())
         return Exit::Done;
     if (outcome.how() == End::ProgramEnds)
-        return Exit::Stopped;
-    Tell(what);
-    return Exit::Incomplete;
+        Tell(QStringLiteral("Abgebrochen: Es wurde nichts geschrieben."));
+    else
+        Tell(what);
+    return outcome.how() == End::ProgramEnds ? Exit::Stopped : Exit::Incomplete;
 }
 
 Exit ReadInto(const Call &call, const QString &fileName, const std::function<Result<Picture>()> &read)

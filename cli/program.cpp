@@ -12,6 +12,8 @@
 namespace
 {
 
+bool interrupted = false;
+
 const auto PortOption = QStringLiteral("anschluss");
 const auto InterfaceOption = QStringLiteral("interface");
 const auto FastOption = QStringLiteral("schnell");
@@ -55,9 +57,8 @@ QString CommandWord(const QStringList &words)
 
 QString Overview()
 {
-    QString text = QStringLiteral(
-        "Aufruf: handregler [Optionen] BEFEHL ...\n"
-        "Liest, schreibt, sichert und vergleicht, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
+    QString text = QStringLiteral("Aufruf: handregler [Optionen] BEFEHL ...\n"
+                                  "Liest, schreibt und sichert, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
     for (const Command &command : AllCommands())
         text += QStringLiteral("  ") + command.name.leftJustified(11) + command.summary + u'\n';
     return text
@@ -65,15 +66,22 @@ QString Overview()
                          "Hilfe zu einem Befehl: handregler BEFEHL --help\n\n");
 }
 
+QString Introduction(const Command &command)
+{
+    const QString words = (QStringList(command.name) << command.arguments).join(u' ');
+    QString text = QStringLiteral("Aufruf: handregler [Optionen] ") + words + QStringLiteral("\n\n")
+        + command.summary.left(1).toUpper() + command.summary.mid(1) + QStringLiteral(".\n");
+    if (!command.details.isEmpty())
+        text += command.details + u'\n';
+    return text + u'\n';
+}
+
 /// The help of a command, or the overview with the options that all commands have.
 void PrintHelp(QCommandLineParser &parser, const Command *command)
 {
-    QString text = parser.helpText();
-    if (command == nullptr)
-        text = Overview() + text.mid(text.indexOf(u'\n') + 1).trimmed() + u'\n';
-    else
-        text = command->summary + u'\n' + text;
-    PrintBytes(text.toUtf8());
+    const QString text = parser.helpText(); // its first line names the program by its path
+    const QString front = command == nullptr ? Overview() : Introduction(*command);
+    PrintLine(front + text.mid(text.indexOf(u'\n') + 1).trimmed());
 }
 
 bool IsOptional(const QString &argument)
@@ -101,14 +109,6 @@ Exit Fault(const QString &text, const Command *command)
     return Exit::Usage;
 }
 
-void AddCommand(QCommandLineParser &parser, const Command &command)
-{
-    parser.addOptions(command.options);
-    parser.addPositionalArgument(command.name, QStringLiteral("Befehl"), command.name);
-    for (const QString &argument : command.arguments)
-        parser.addPositionalArgument(argument, {}, argument);
-}
-
 std::optional<Options> OptionsOf(const QCommandLineParser &parser)
 {
     Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption)};
@@ -125,11 +125,12 @@ std::optional<Options> OptionsOf(const QCommandLineParser &parser)
 
 std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser &parser, Exit &exit)
 {
-    AddGlobalOptions(parser);
+    interrupted = false;
     const QString name = CommandWord(words);
     const Command *command = CommandNamed(name);
     if (command != nullptr)
-        AddCommand(parser, *command);
+        parser.addOptions(command->options); // before the others, so that the help begins with them
+    AddGlobalOptions(parser);
     const bool understood = parser.parse(QStringList{QStringLiteral("handregler")} + words);
     exit = Exit::Done;
     if (parser.isSet(VersionOption)) {
@@ -157,8 +158,14 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
     return Wish{command, {given, *options, &parser}, {parser.isSet(YesOption), parser.isSet(QuietOption)}};
 }
 
+bool InterruptTaken()
+{
+    return interrupted;
+}
+
 void TakeInterrupt()
 {
+    interrupted = true;
     if (JobCanBeStopped())
         ConfirmStop();
     else

@@ -63,5 +63,8 @@ Command WriteCommand()
         QStringLiteral("schreibt die Loks aus einer Datei .csv, .json oder .dds"),
         CarefulOptions(Keeps::Journal) << QCommandLineOption(
             OnlyOption, QStringLiteral("nur diese Loks der Datei, zum Beispiel 1-5,8"), QStringLiteral("LISTE")),
-        Run};
+        Run,
+        QStringLiteral(
+            "Was eine Spalte nennen würde, die fehlt, bleibt, wie es im Handregler steht; ein leerer Datensatz\n"
+            "braucht einen Namen. Gefragt wird nur, wenn ein Name Zeichen hat, die der Handregler nicht hat.")};
 }

@@ -23,7 +23,7 @@ LinkSettings SettingsFor(const Options &options)
     return settings;
 }
 
-QString Missing(const LinkSettings &settings)
+QString Missing(const LinkSettings &settings, bool stationWanted)
 {
     if (settings.port.text.trimmed().isEmpty())
         return QStringLiteral(
@@ -33,12 +33,14 @@ QString Missing(const LinkSettings &settings)
     if (settings.interfaceType == Interface48230)
         return QStringLiteral(
             "Über das Interface 48230 ist der Handregler nicht erreichbar: bitte --interface angeben.");
+    if (stationWanted && settings.interfaceType != InterfaceDirect)
+        return QStringLiteral("Die Zentrale ist nur mit --interface 3 erreichbar.");
     return {};
 }
 
 } // namespace
 
-Service::Service(const Call &call, Wanted wanted) : state(open(call))
+Service::Service(const Call &call, Wanted wanted) : state(open(call, wanted))
 {
     if (state != Exit::Done || wanted == Wanted::LineOnly)
         return;
@@ -48,10 +50,10 @@ Service::Service(const Call &call, Wanted wanted) : state(open(call))
         state = BoxesAreSilent() ? Exit::Stopped : Exit::NoHandheld;
 }
 
-Exit Service::open(const Call &call)
+Exit Service::open(const Call &call, Wanted wanted)
 {
     const LinkSettings settings = SettingsFor(call.options);
-    if (const QString missing = Missing(settings); !missing.isEmpty()) {
+    if (const QString missing = Missing(settings, wanted == Wanted::LineOnly); !missing.isEmpty()) {
         Tell(missing);
         return Exit::NoHandheld;
     }

@@ -7,7 +7,7 @@
 class Service
 {
 public:
-    /// Opens the port (told when it can't be) and, unless only the line is needed, finds the handheld.
+    /// Opens the port (told when it can't be) and finds the handheld; for the command station only the line is needed.
     enum class Wanted { Handheld, LineOnly };
     explicit Service(const Call &call, Wanted wanted = Wanted::Handheld);
 
@@ -24,7 +24,7 @@ public:
     [[nodiscard]] const HandheldInfo &handheld() const { return info; }
 
 private:
-    Exit open(const Call &call);
+    Exit open(const Call &call, Wanted wanted);
 
     Exit state;
     HandheldInfo info;

@@ -5,6 +5,7 @@
 #include "jobs/backup.h"
 #include "jobs/report.h"
 #include "platform/text.h"
+#include "program/run_control.h"
 
 #include <QDir>
 
@@ -53,7 +54,12 @@ bool TakeSearch(const Call &call, BackupSelection &selection)
 {
     if (!call.has(SearchOption))
         return true;
-    const auto numbers = ListArgument(call.value(SearchOption), FirstLoco, LastLoco);
+    const QString range = call.value(SearchOption);
+    if (range.contains(u',')) {
+        UsageFault(QStringLiteral("--loks-suchen %1: hier muss ein Bereich stehen, zum Beispiel 1-999.").arg(range));
+        return false;
+    }
+    const auto numbers = ListArgument(range, FirstLoco, LastLoco);
     if (!numbers)
         return false;
     selection.lokSuche = true;
@@ -115,7 +121,9 @@ Exit Run(const Call &call)
             Tell(QStringLiteral("Was gelesen wurde, steht in %1.").arg(QDir::toNativeSeparators(part)));
     }
     const bool sound = outcome.doubtful.empty() && outcome.unread.empty();
-    if (outcome.end != JobEnd::Complete || !sound)
+    if (BoxesAreSilent() && !outcome.written)
+        Tell(QStringLiteral("Die Datensicherung wurde abgebrochen; es wurde keine Datei geschrieben."));
+    else if (outcome.end != JobEnd::Complete || !sound)
         ReportBackup(outcome);
     PrintSaved(call, outcome);
     if (outcome.end == JobEnd::Complete && sound && !outcome.written)
@@ -141,5 +149,8 @@ Command BackupCommand()
             {AccessoryListOption, QStringLiteral("die Magnetartikelliste")},
             {GoOnOption, QStringLiteral("setzt eine abgebrochene Sicherung fort")},
             {KeepOption, QStringLiteral("behält auch von einer abgebrochenen, was schon gelesen ist")}},
-        Run};
+        Run,
+        QStringLiteral(
+            "LISTE: Nummern und Bereiche, zum Beispiel 1-5,8. Eine vorhandene Datei wird ersetzt; nur wenn die neue\n"
+            "zweifelhaft oder unvollständig ist, wird vorher gefragt.")};
 }

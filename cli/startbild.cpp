@@ -23,5 +23,6 @@ Exit Run(const Call &call)
 Command StartImageCommand()
 {
     return {QStringLiteral("startbild"), {QStringLiteral("lesen|schreiben"), QStringLiteral("DATEI")},
-        QStringLiteral("das Startbild in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run};
+        QStringLiteral("das Startbild in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run,
+        QStringLiteral("Größe: 80 x 26 Punkte.")};
 }

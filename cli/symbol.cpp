@@ -90,5 +90,8 @@ Command SymbolCommand()
     return {QStringLiteral("symbol"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("lok|funktion|magnet"), QStringLiteral("NUMMER"),
             QStringLiteral("[ein|aus|gruen|rot]"), QStringLiteral("DATEI")},
-        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run};
+        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run,
+        QStringLiteral("NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
+                       "aus, bei magnet\n"
+                       "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14.")};
 }

@@ -72,6 +72,10 @@ Exit WriteFrom(const Call &call, int kind, const QString &fileName)
     auto table = ReadTable(kind, exit);
     if (!table)
         return exit;
+    if (InterruptTaken()) { // while the table was read, which was finished
+        Tell(QStringLiteral("Abgebrochen: Es wurde nichts geschrieben."));
+        return Exit::Stopped;
+    }
     changes.apply(*table);
     return PrintReport(call, RunOne(StepKind::Write, kind, *table), QStringLiteral("In den Handregler geschrieben:"),
         QStringLiteral("geschrieben"));
@@ -97,5 +101,9 @@ Command TableCommand()
     return {QStringLiteral("tabelle"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("fahrstrassen|zuordnung|magliste"),
             QStringLiteral("DATEI.csv")},
-        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"), {}, Run};
+        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"), {}, Run,
+        QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt. Spalten:\n"
+                       "  fahrstrassen  Fahrstraße;Rückmelder;Auslösung (frei oder besetzt)\n"
+                       "  zuordnung     Adresse;Symbol\n"
+                       "  magliste      Platz;Adresse;Bezeichnung;Symbol")};
 }

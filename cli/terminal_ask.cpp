@@ -61,7 +61,8 @@ bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
     hideProgress();
     if (BoxesAreSilent())
         return false;
-    if (manner.yes) {
+    if (manner.yes && box.text != lastYes) { // asked again at once, Ja did not help and never will
+        lastYes = box.text;
         if (!manner.quiet)
             Tell(LineText(box) + QStringLiteral(" Ja (--ja)"));
         return true;

@@ -9,7 +9,7 @@ class TerminalAsk : public Ask
 {
 public:
     struct Manner {
-        bool yes = false;   // every question is answered with Ja
+        bool yes = false;   // every question is answered with Ja, but not the same one twice running
         bool quiet = false; // no progress and no messages that are only for information
     };
 
@@ -38,4 +38,5 @@ private:
     QString text;
     QString amountText;
     bool visible = false;
+    QString lastYes; // the question that --ja has answered last
 };

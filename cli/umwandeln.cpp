@@ -60,5 +60,6 @@ Exit Run(const Call &call)
 Command ConvertCommand()
 {
     return {QStringLiteral("umwandeln"), {QStringLiteral("EIN"), QStringLiteral("AUS")},
-        QStringLiteral("wandelt Loks zwischen .dds, .csv und .json um, ohne Handregler"), {}, Run};
+        QStringLiteral("wandelt Loks zwischen .dds, .csv und .json um, ohne Handregler"), {}, Run,
+        QStringLiteral("Eine vorhandene Datei AUS wird ersetzt. Aus einer Sicherung werden nur die Loks genommen.")};
 }

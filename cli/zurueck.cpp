@@ -25,5 +25,7 @@ Command RestoreCommand()
 {
     return {QStringLiteral("zurueck"), {QStringLiteral("DATEI.dds")},
         QStringLiteral("schreibt eine Datensicherung in den Handregler zurück (fragt vorher)"),
-        CarefulOptions(Keeps::Journal), Run};
+        CarefulOptions(Keeps::Journal), Run,
+        QStringLiteral(
+            "Die Datei wird zuerst ganz geprüft. Was der Handregler unter diesen Nummern hat, wird überschrieben.")};
 }

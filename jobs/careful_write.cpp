@@ -27,6 +27,24 @@ Plan ReadingPlan(const std::vector<RecordId> &ids)
     return plan;
 }
 
+/// Reads the records; one without a sure answer is read once more before it is given up.
+Report ReadSurely(const std::vector<RecordId> &ids)
+{
+    Report report = RunJob(ReadingPlan(ids));
+    std::vector<RecordId> again;
+    for (const JobEntry &entry : report.entries) {
+        if (entry.state == RecordState::Doubtful && !entry.outcome.ok())
+            again.push_back(entry.step.id);
+    }
+    if (report.end != JobEnd::Complete || again.empty())
+        return report;
+    const Report second = RunJob(ReadingPlan(again));
+    report.end = second.end;
+    for (const JobEntry &entry : second.entries)
+        *std::ranges::find(report.entries, entry.step.id, [](const JobEntry &old) { return old.step.id; }) = entry;
+    return report;
+}
+
 /// Records that are written together: those of one page.
 using Group = std::vector<RecordChange>;
 
@@ -98,7 +116,7 @@ private:
         }
         std::vector<RecordId> unknown(ids.begin(), ids.end());
         std::erase_if(unknown, [this](const RecordId &id) { return knownValue(id).has_value(); });
-        const Report read = RunJob(ReadingPlan(unknown));
+        const Report read = ReadSurely(unknown);
         report.end = read.end;
         if (read.end != JobEnd::Complete)
             return false;
@@ -127,8 +145,10 @@ private:
 
     static void leaveOutDoubtfulPages(std::vector<RecordChange> &wanted, const Report &read)
     {
-        for (const RecordId &doubtful : IdsOf(read, RecordState::Doubtful)) {
-            const int page = PageAddressOf(doubtful);
+        for (const JobEntry &entry : read.entries) {
+            if (entry.state != RecordState::Doubtful || entry.outcome.ok())
+                continue; // what was read well and is not understood stays in the page that is loaded
+            const int page = PageAddressOf(entry.step.id);
             std::erase_if(wanted, [page](const RecordChange &change) { return PageAddressOf(change.id) == page; });
         }
     }
@@ -272,7 +292,7 @@ Look LookAt(const std::vector<Step> &steps)
         ids.push_back(steps.at(i).id);
         once.push_back(steps.at(i));
     }
-    const Report read = RunJob(ReadingPlan(ids));
+    const Report read = ReadSurely(ids);
     return {read.end, ChangesOf(once, read)};
 }
 

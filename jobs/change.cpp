@@ -107,6 +107,13 @@ std::optional<RecordValue> SoundValue(const JobEntry &entry)
     return entry.state == RecordState::Done ? entry.value : std::nullopt;
 }
 
+/// What was read well and not understood can be overwritten and deleted, but nothing can be merged into it.
+std::optional<RecordValue> PresentFor(const Step &step, const JobEntry &entry)
+{
+    const bool strange = entry.state == RecordState::Doubtful && entry.outcome.ok();
+    return strange && step.kind != StepKind::Merge ? entry.value : SoundValue(entry);
+}
+
 } // namespace
 
 QString ChangeText(Change change)
@@ -206,7 +213,7 @@ std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report
     std::vector<RecordChange> changes;
     for (const Step &step : steps) {
         const JobEntry *entry = entries.contains(step.id) ? entries.at(step.id) : nullptr;
-        const auto value = entry != nullptr ? SoundValue(*entry) : std::nullopt;
+        const auto value = entry != nullptr ? PresentFor(step, *entry) : std::nullopt;
         const auto wanted = WantedBy(step, value);
         const Change unwanted = value ? Change::Nameless : Change::Unknown;
         changes.push_back({step.id, wanted ? ChangeOf(value, *wanted) : unwanted, wanted.value_or(step.value), value,

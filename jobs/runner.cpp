@@ -65,6 +65,10 @@ void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience 
 void Merge(SpiImage &image, JobEntry &entry, Patience patience)
 {
     Read(image, entry);
+    if (entry.outcome.timedOut() && patience == Patience::Job)
+        Read(image, entry); // as a job tries a page once more
+    if (entry.state == RecordState::Doubtful && !entry.outcome.ok())
+        entry.state = RecordState::Untouched; // nothing is written
     if (entry.state == RecordState::Empty && entry.step.fillsEmpty)
         return Write(image, entry, entry.step.value, patience);
     if (entry.state != RecordState::Done)

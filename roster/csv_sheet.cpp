@@ -179,6 +179,12 @@ void CsvSheet::checkColumns(const QStringList &needed, const QStringList &known)
             && std::ranges::none_of(known, [&](const QString &name) { return UpperLatin1(name) == heading; }))
             faults.push_back({1, heading, QStringLiteral("diese Spalte ist nicht bekannt")});
     }
+    for (const CsvRow &row : content) {
+        const QStringList beyond = row.cells.mid(headings.size());
+        if (!beyond.join(QString()).isEmpty())
+            faults.push_back({row.line, {},
+                QStringLiteral("mehr Zellen als Spalten (Text mit Trennzeichen gehört in Anführungszeichen)")});
+    }
 }
 
 QString CsvCell(const QString &text)

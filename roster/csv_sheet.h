@@ -44,7 +44,7 @@ public:
     /// The number in a cell. A cell that is empty or holds none of low..high is a fault.
     std::optional<int> number(const CsvRow &row, const QString &column, int low, int high);
 
-    /// Faults: each name of `needed` that no column has, and columns that are not among `known`.
+    /// Faults: each name of `needed` that no column has, columns that are not among `known`, rows longer than the heading.
     void checkColumns(const QStringList &needed, const QStringList &known);
 
     std::vector<FileFault> faults;

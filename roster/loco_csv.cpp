@@ -53,12 +53,13 @@ std::optional<QString> NameIn(CsvSheet &sheet, const CsvRow &row)
     return name;
 }
 
-std::optional<std::array<int, FunctionCount>> ModesIn(CsvSheet &sheet, const CsvRow &row)
+std::array<std::optional<int>, FunctionCount> ModesIn(CsvSheet &sheet, const CsvRow &row)
 {
     const std::optional<QString> text = sheet.cell(row, MomentaryColumn);
     if (!text)
         return {};
-    std::array<int, FunctionCount> modes{};
+    std::array<std::optional<int>, FunctionCount> modes{};
+    modes.fill(0); // the cell lists all that are momentary
     for (const QString &entry : text->split(u' ', Qt::SkipEmptyParts)) {
         bool isNumber = false;
         const uint function = entry.toUInt(&isNumber);
@@ -161,9 +162,11 @@ LocoList ReadLocoCsv(const QByteArray &file)
 ListedLoco Listed(const RosterLoco &loco)
 {
     ListedLoco listed{loco.address, 0, WithoutTrailingBlanks(loco.record.name), loco.record.locoSymbol,
-        loco.record.multiUni, {}, loco.record.modes};
+        loco.record.multiUni, {}, {}};
     for (size_t f = 1; f < FunctionCount; ++f)
         listed.symbols.at(f) = loco.record.symbols.at(f);
+    for (size_t f = 0; f < FunctionCount; ++f)
+        listed.modes.at(f) = loco.record.modes.at(f);
     return listed;
 }
 
@@ -176,7 +179,8 @@ LocoRecord Applied(const ListedLoco &listed, const LocoRecord &present)
     record.multiUni = listed.multiUni.value_or(record.multiUni);
     for (size_t f = 1; f < FunctionCount; ++f)
         record.symbols.at(f) = listed.symbols.at(f).value_or(record.symbols.at(f));
-    record.modes = listed.modes.value_or(record.modes);
+    for (size_t f = 0; f < FunctionCount; ++f)
+        record.modes.at(f) = listed.modes.at(f).value_or(record.modes.at(f));
     return record;
 }
 

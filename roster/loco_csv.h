@@ -49,7 +49,7 @@ struct ListedLoco {
     std::optional<int> symbol;
     std::optional<int> multiUni;
     std::array<std::optional<int>, FunctionCount> symbols{};
-    std::optional<std::array<int, FunctionCount>> modes;
+    std::array<std::optional<int>, FunctionCount> modes{};
 };
 
 struct LocoList {

@@ -91,11 +91,8 @@ void TakeFunction(ListedLoco &loco, ObjectReader &reader)
     const auto f = static_cast<size_t>(*number);
     if (reader.has(SymbolKey) && f > 0)
         loco.symbols.at(f) = reader.number(SymbolKey, 0, HighestByte);
-    if (!reader.has(MomentaryKey))
-        return;
-    if (!loco.modes)
-        loco.modes.emplace();
-    loco.modes->at(f) = reader.flag(MomentaryKey).value_or(false) ? 1 : 0;
+    if (reader.has(MomentaryKey))
+        loco.modes.at(f) = reader.flag(MomentaryKey).value_or(false) ? 1 : 0;
 }
 
 ListedLoco LocoIn(ObjectReader &reader, const QString &place, std::vector<FileFault> &faults)

@@ -19,6 +19,7 @@ namespace
 {
 
 constexpr int InputDescriptor = 0;
+constexpr int ErrorDescriptor = 2;
 
 #ifdef _WIN32
 bool IsTerminal(int descriptor, const char *)
@@ -59,8 +60,19 @@ QString NextLine()
 
 } // namespace
 
+void OccupyClosedStreams()
+{
+#ifndef _WIN32
+    // The lowest free descriptors are taken, which are the closed ones; they stay open as long as the program runs.
+    // Only for reading: who prints to a closed output is told.
+    for (int descriptor = 0; descriptor <= ErrorDescriptor; ++descriptor)
+        static_cast<void>(std::fopen("/dev/null", "r"));
+#endif
+}
+
 Console::Console()
-    : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin")), errorTerminal(IsTerminal(2, "/dev/stderr"))
+    : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin"))
+    , errorTerminal(IsTerminal(ErrorDescriptor, "/dev/stderr"))
 {
     PrepareOutput();
 }

@@ -9,6 +9,10 @@
 
 class QSocketNotifier;
 
+/// Gives the standard streams that the caller has closed to nothing, so that no port or file that is opened later takes
+/// their place and is written to as if it were the output. To be called first.
+void OccupyClosedStreams();
+
 class Console
 {
 public:

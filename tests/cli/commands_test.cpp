@@ -113,6 +113,29 @@ TEST_F(Terminal, AColumnThatIsMissingKeepsWhatTheRecordHas)
     EXPECT_EQ(flashBytes(LocoRecordAddress(5), 64), QByteArray(64, '\xFF'));
 }
 
+TEST_F(Terminal, AJsonListChangesOnlyWhatItNames)
+{
+    flash().setBytes(LocoRecordAddress(3) + 28, QByteArray(4, '\x55')); // every second function is momentary
+    const QByteArray before = flashBytes(LocoRecordAddress(3), 64);
+    user.acceptAnyBox();
+    strike(&sim::Faults::lostAck, 2); // of the flash read, which is repeated
+    const QString file = fileWith(QStringLiteral("a.json"), R"([{"adresse":3,"funktionen":[{"nr":1,"tast":true}]}])");
+    ASSERT_EQ(run(QStringLiteral("schreiben"), {file}), Exit::Done);
+    QByteArray wanted = before;
+    wanted[28] = '\x57';
+    wanted[31] = '\x01'; // bits behind f24 mean nothing and become 0
+    EXPECT_EQ(flashBytes(LocoRecordAddress(3), 64), wanted);
+}
+
+TEST_F(Terminal, CtrlCWhileATableIsReadWritesNothing)
+{
+    const QString file = fileWith(QStringLiteral("a.csv"), "Adresse;Symbol\n1;7\n");
+    const auto before = flash().state.memory;
+    events.after(2'000'000, [] { TakeInterrupt(); });
+    EXPECT_EQ(run(QStringLiteral("tabelle schreiben zuordnung"), {file}), Exit::Stopped);
+    EXPECT_EQ(flash().state.memory, before);
+}
+
 TEST_F(Terminal, FaultyFilesAreRefusedWithPlaceAndReasonBeforeAnythingIsWritten)
 {
     struct Row {
@@ -129,6 +152,7 @@ TEST_F(Terminal, FaultyFilesAreRefusedWithPlaceAndReasonBeforeAnythingIsWritten)
         {QStringLiteral("a.csv"), "Adresse;Tast\n3;1 25\n", QStringLiteral("Zeile 2, Spalte Tast: \"25\"")},
         {QStringLiteral("a.csv"), "Adresse;Tast\n3;\n3;\n", QStringLiteral("schon in Zeile 2")},
         {QStringLiteral("a.csv"), "Adresse;Farbe\n3;1\n", QStringLiteral("FARBE: diese Spalte ist nicht bekannt")},
+        {QStringLiteral("a.csv"), "Adresse;Name\n3;A;B\n", QStringLiteral("Zeile 2: mehr Zellen als Spalten")},
         {QStringLiteral("a.csv"), many, QStringLiteral("... und 9981 weitere Fehler")},
         {QStringLiteral("a.json"), "[{\"adresse\":3,\"symbol\":300}]",
             QStringLiteral("Lok Nr. 1 der Liste, \"symbol\"")},
@@ -146,9 +170,10 @@ TEST_F(Terminal, FaultyFilesAreRefusedWithPlaceAndReasonBeforeAnythingIsWritten)
 
 TEST_F(Terminal, WrongCallsAreToldAndChangeNothing)
 {
-    for (const char *words : {"", "quatsch", "lesen", "lesen 0", "lesen 3-x", "lesen 3 4", "lesen 3 --csv",
-             "symbol lesen lok 64 a.png", "symbol lesen funktion 1 rot a.png", "symbol lesen lok 1 a.gif",
-             "tabelle lesen quatsch a.csv", "sichern a.dds", "schreiben nix.csv"}) {
+    for (const char *words :
+        {"", "quatsch", "lesen", "lesen 0", "lesen 3-x", "lesen 3 4", "lesen 3 --csv", "symbol lesen lok 64 a.png",
+            "symbol lesen funktion 1 rot a.png", "symbol lesen lok 1 a.gif", "tabelle lesen quatsch a.csv",
+            "sichern a.dds", "sichern --loks-suchen 1,9 a.dds", "schreiben nix.csv"}) {
         EXPECT_EQ(run(QString::fromLatin1(words)), Exit::Usage) << words;
         EXPECT_FALSE(messages.isEmpty()) << words;
     }
@@ -169,6 +194,7 @@ TEST_F(Terminal, ExitStatusSaysHowItEnded)
     strike(&sim::Faults::lostAck, 2); // of the flash read
     EXPECT_EQ(run(QStringLiteral("lesen 3")), Exit::Incomplete);
     EXPECT_TRUE(messages.contains(QStringLiteral("Unsicher gelesen")));
+    EXPECT_TRUE(out.isEmpty()) << "what is printed is taken for true";
     layout().faults.set({});
     handheld().settings.present = false;
     EXPECT_EQ(run(QStringLiteral("lesen 3")), Exit::NoHandheld);
