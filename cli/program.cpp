@@ -58,9 +58,9 @@ QString CommandWord(const QStringList &words)
 QString Overview()
 {
     QString text = QStringLiteral("Aufruf: handregler [Optionen] BEFEHL ...\n"
-                                  "Liest, schreibt und sichert, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
+                                  "Liest, schreibt, sichert und vergleicht, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
     for (const Command &command : AllCommands())
-        text += QStringLiteral("  ") + command.name.leftJustified(11) + command.summary + u'\n';
+        text += QStringLiteral("  ") + command.name.leftJustified(15) + command.summary + u'\n';
     return text
         + QStringLiteral("\nEine LISTE sind Nummern und Bereiche: 1-5,8\n"
                          "Hilfe zu einem Befehl: handregler BEFEHL --help\n\n");
