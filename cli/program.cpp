@@ -57,8 +57,9 @@ QString CommandWord(const QStringList &words)
 
 QString Overview()
 {
-    QString text = QStringLiteral("Aufruf: handregler [Optionen] BEFEHL ...\n"
-                                  "Liest, schreibt, sichert und vergleicht, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
+    QString text = QStringLiteral(
+        "Aufruf: handregler [Optionen] BEFEHL ...\n"
+        "Liest, schreibt, sichert und vergleicht, was ein LocoNet-Handregler speichert.\n\nBefehle:\n");
     for (const Command &command : AllCommands())
         text += QStringLiteral("  ") + command.name.leftJustified(15) + command.summary + u'\n';
     return text
