@@ -32,9 +32,11 @@ constexpr int LastReadableIndex = MaxSliceStart + SliceSize - 1;
 constexpr int LoadRepeats = 2;                   // after the first load
 constexpr int StatusLooks = 5;                   // until the chip is ready; it compares in less than a millisecond
 constexpr int JobRepeats = 1;                    // of a whole page sequence
+constexpr int VerifiedRepeats = 3;               // the same; one of them at most after a page that differs
 constexpr double RestAfterProgramSeconds = 0.06; // in the fast cadence; at three ticks a message it comes by itself
 
 int quietSteps = 0; // QuietStep objects alive
+int silentJobs = 0; // SilentTransfers objects alive
 
 /// A try that is repeated when it fails: it ends at its first failure and tells nobody.
 class QuietStep
@@ -55,7 +57,7 @@ Outcome Quietly(const std::function<Outcome()> &step)
 /// A quiet try whose first failure is enough.
 bool HasFailed(const Outcome &outcome)
 {
-    return quietSteps > 0 && !outcome.ok();
+    return quietSteps + silentJobs > 0 && !outcome.ok();
 }
 
 void LayStartIndex(Request &request, int start)
@@ -87,7 +89,7 @@ Outcome Told(const Outcome &outcome, const QString &command)
     if (outcome.ok())
         return outcome;
     if (outcome.timedOut()) {
-        if (!BoxesAreSilent() && quietSteps == 0)
+        if (!BoxesAreSilent() && quietSteps + silentJobs == 0)
             TheAsk().showBox({QStringLiteral("Timeout"), command, BoxIcon::Critical});
         AbandonPageSequence();
     }
@@ -250,12 +252,14 @@ bool HasProgrammed(const Outcome &outcome)
 Outcome ProgramAsJob(SpiImage &image, const PageWrite &page, bool verify)
 {
     Outcome outcome;
-    for (int repeat = 0; repeat <= JobRepeats; ++repeat) {
+    int differed = 0;
+    for (int repeat = 0; repeat <= (verify ? VerifiedRepeats : JobRepeats); ++repeat) {
         const Outcome tried = TryPage(image, page, verify);
+        differed += tried.how() == End::Differs ? 1 : 0;
         // Once a page program was sent and not answered the record stays doubtful, unless a later try succeeds.
         const bool programSent = repeat > 0 && HasProgrammed(outcome);
         outcome = tried.how() == End::GivenUp && programSent ? outcome : tried;
-        const bool again = tried.timedOut() || tried.how() == End::Differs;
+        const bool again = tried.timedOut() || (tried.how() == End::Differs && differed <= JobRepeats);
         if (!again || (tried.how() == End::GivenUp && tried.at() == PageCommandName()))
             break;
     }
@@ -263,6 +267,16 @@ Outcome ProgramAsJob(SpiImage &image, const PageWrite &page, bool verify)
 }
 
 } // namespace
+
+SilentTransfers::SilentTransfers()
+{
+    ++silentJobs;
+}
+
+SilentTransfers::~SilentTransfers()
+{
+    --silentJobs;
+}
 
 Outcome read_flash_to_spibuf(int address, int count)
 {

@@ -41,9 +41,20 @@ constexpr int MaxSliceStart = 127;
 
 /// What happens after a time-out inside a page sequence. A single command of the user tells him and goes on with its
 /// remaining steps, as agreed. A job tries the whole sequence again and gives up before a page is programmed from
-/// a doubtful buffer. A verified job also has the chip compare page and buffer after each program (3 messages): what
-/// differs is programmed once more, and then ends with the outcome Differs.
+/// a doubtful buffer. A verified job tries more often, and has the chip compare page and buffer after each program (3
+/// messages): what differs is programmed once more, and then ends with the outcome Differs.
 enum class Patience { Agreed, Job, Verified };
+
+/// While one lives, time-outs show no box, and a step ends at its first failure instead of going on: its owner tries
+/// again and tells the user at the end.
+class SilentTransfers
+{
+public:
+    SilentTransfers();
+    ~SilentTransfers();
+    SilentTransfers(const SilentTransfers &) = delete;
+    SilentTransfers &operator=(const SilentTransfers &) = delete;
+};
 
 constexpr int LongestRead = 139; // flash bytes of one read that read-backs can reach
 

@@ -182,11 +182,11 @@ QString KeptText(const BackupOutcome &outcome)
         .arg(RecordCount(outcome.kept));
 }
 
-void ReportBrokenOff(const BackupOutcome &outcome)
+BoxText BrokenOffBox(const BackupOutcome &outcome)
 {
     const QString file = outcome.fileExisted ? QStringLiteral("Die vorhandene Datei %1 ist unverändert.")
                                              : QStringLiteral("Die Datei %1 wurde nicht angelegt.");
-    ShowEndBox(outcome.end,
+    return EndBox(outcome.end,
         EndText(outcome.end, QStringLiteral("Die Datensicherung wurde abgebrochen."))
             + QStringLiteral("\rEs wurde kein Datensatz gesichert.\r") + file.arg(Shown(outcome.fileName))
             + KeptText(outcome));
@@ -341,10 +341,20 @@ QString KeepPart(const QString &fileName)
     return WriteFile(name, file) ? name : QString();
 }
 
+std::optional<BoxText> PartQuestion(const BackupOutcome &outcome)
+{
+    if (!EndedEarly(outcome.end) || outcome.kept == 0)
+        return {};
+    BoxText box = BrokenOffBox(outcome);
+    box.text += QStringLiteral("\rSoll es auch als eigene Datei %1 gespeichert werden?")
+                    .arg(Shown(IncompleteName(outcome.fileName)));
+    return box;
+}
+
 void ReportBackup(const BackupOutcome &outcome)
 {
     if (EndedEarly(outcome.end))
-        ReportBrokenOff(outcome);
+        TheAsk().showBox(BrokenOffBox(outcome));
     else if (outcome.end == JobEnd::Complete && !(outcome.doubtful.empty() && outcome.unread.empty()))
         ReportDoubtful(outcome);
     else if (outcome.written)

@@ -54,5 +54,9 @@ Plan BackupPlan(const BackupSelection &selection);
 [[nodiscard]] BackupOutcome Backup(
     const QString &fileName, const BackupSelection &selection, const std::optional<BackupMemory> &memory = {});
 
+/// The report on a broken-off backup as the question whether its part is to be kept (KeepPart). Nothing when there is no
+/// part.
+std::optional<BoxText> PartQuestion(const BackupOutcome &outcome);
+
 /// Tells the user what was saved and where, or what went differently: stop, lost port, doubtful records.
 void ReportBackup(const BackupOutcome &outcome);

@@ -14,6 +14,7 @@ namespace
 {
 
 constexpr int WriteRepeats = 1; // of what reads back differently
+constexpr int MostReads = 5;    // of a record without a sure answer
 
 Plan ReadingPlan(const std::vector<RecordId> &ids)
 {
@@ -27,21 +28,33 @@ Plan ReadingPlan(const std::vector<RecordId> &ids)
     return plan;
 }
 
-/// Reads the records; one without a sure answer is read once more before it is given up.
+bool IsUnsure(const JobEntry &entry)
+{
+    return entry.state == RecordState::Doubtful && !entry.outcome.ok();
+}
+
+/// Reads the records; those without a sure answer are read again before they are given up. When so many in a row had
+/// none, nobody is there any more.
 Report ReadSurely(const std::vector<RecordId> &ids)
 {
-    Report report = RunJob(ReadingPlan(ids));
-    std::vector<RecordId> again;
-    for (const JobEntry &entry : report.entries) {
-        if (entry.state == RecordState::Doubtful && !entry.outcome.ok())
-            again.push_back(entry.step.id);
+    int unsureInRow = 0;
+    const Watcher watcher{{}, [&](const JobEntry &entry) { unsureInRow = IsUnsure(entry) ? unsureInRow + 1 : 0; },
+        [&] { return unsureInRow < MostReads; }};
+    Report report = RunJob(ReadingPlan(ids), watcher);
+    for (int repeat = 1; repeat < MostReads && report.end == JobEnd::Complete; ++repeat) {
+        std::vector<RecordId> again;
+        for (const JobEntry &entry : report.entries) {
+            if (IsUnsure(entry))
+                again.push_back(entry.step.id);
+        }
+        const Report read = RunJob(ReadingPlan(again), watcher);
+        report.end = read.end;
+        for (const JobEntry &entry : read.entries)
+            *std::ranges::find(report.entries, entry.step.id, [](const JobEntry &old) { return old.step.id; }) =
+                entry;
     }
-    if (report.end != JobEnd::Complete || again.empty())
-        return report;
-    const Report second = RunJob(ReadingPlan(again));
-    report.end = second.end;
-    for (const JobEntry &entry : second.entries)
-        *std::ranges::find(report.entries, entry.step.id, [](const JobEntry &old) { return old.step.id; }) = entry;
+    if (report.end == JobEnd::Stopped && unsureInRow >= MostReads)
+        report.end = JobEnd::NoAnswer;
     return report;
 }
 
@@ -180,6 +193,17 @@ private:
             journal->pageBegins(page);
         if (!journalSound())
             return false;
+        const Outcome outcome = programSurely(group);
+        if (outcome.ok() || outcome.how() == End::Differs) {
+            noteInJournal(group, page);
+            return journalSound() && !TransferBrokenOff();
+        }
+        report.end = outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
+        return false;
+    }
+
+    Outcome programSurely(const Group &group)
+    {
         Outcome outcome;
         for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
             outcome = program(group);
@@ -187,12 +211,7 @@ private:
             if (!outcome.ok() || !wish.verify || !readBackDiffers(group))
                 break;
         }
-        if (outcome.ok() || outcome.how() == End::Differs) {
-            noteInJournal(group, page);
-            return journalSound() && !TransferBrokenOff();
-        }
-        report.end = outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
-        return false;
+        return outcome;
     }
 
     Outcome program(const Group &group)
@@ -292,6 +311,7 @@ Look LookAt(const std::vector<Step> &steps)
         ids.push_back(steps.at(i).id);
         once.push_back(steps.at(i));
     }
+    const SilentTransfers silent;
     const Report read = ReadSurely(ids);
     return {read.end, ChangesOf(once, read)};
 }
@@ -299,6 +319,7 @@ Look LookAt(const std::vector<Step> &steps)
 Report WriteCarefully(
     const std::vector<RecordChange> &changes, const CarefulWish &wish, Journal *journal, bool alreadySaved)
 {
+    const SilentTransfers silent;
     return Writer(changes, wish, journal).run(alreadySaved);
 }
 

@@ -76,6 +76,11 @@ QString LocoCount(size_t count)
     return QString::number(count) + (count == 1 ? QStringLiteral(" Lok") : QStringLiteral(" Loks"));
 }
 
+QString PageCount(size_t count)
+{
+    return count == 1 ? QStringLiteral("1 Speicherseite") : QStringLiteral("%1 Speicherseiten").arg(count);
+}
+
 bool EndedEarly(JobEnd end)
 {
     return end == JobEnd::Stopped || end == JobEnd::PortLost || end == JobEnd::NoAnswer;
@@ -93,9 +98,14 @@ QString EndText(JobEnd end, const QString &stopped)
     }
 }
 
-void ShowEndBox(JobEnd end, const QString &text)
+BoxText EndBox(JobEnd end, const QString &text)
 {
     const bool stopped = end == JobEnd::Stopped;
-    TheAsk().showBox({text, stopped ? QStringLiteral("Achtung!") : QStringLiteral("Fehler!"),
-        stopped ? BoxIcon::Information : BoxIcon::Critical});
+    return {text, stopped ? QStringLiteral("Achtung!") : QStringLiteral("Fehler!"),
+        stopped ? BoxIcon::Information : BoxIcon::Critical};
+}
+
+void ShowEndBox(JobEnd end, const QString &text)
+{
+    TheAsk().showBox(EndBox(end, text));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "jobs/runner.h"
+#include "program/ask.h"
 
 /// The records by kind, one line (ended by CR) each: "Lokdatensätze: 1-5,8", "Fahrstraßen". "keine" when there are
 /// none.
@@ -10,6 +11,9 @@ QString RecordsText(const std::vector<RecordId> &records);
 /// "1 Datensatz", "7 Datensätze"; "1 Lok", "7 Loks".
 QString RecordCount(size_t count);
 QString LocoCount(size_t count);
+
+/// "1 Speicherseite", "4 Speicherseiten".
+QString PageCount(size_t count);
 
 /// True when a job ended before its last record because of this.
 bool EndedEarly(JobEnd end);
@@ -23,5 +27,6 @@ QString ContentText(const std::vector<RecordId> &records);
 /// Shows what a job did that came to its end.
 void ShowDoneBox(const QString &text, const QString &title);
 
-/// Shows a report on a job that ended early, with the icon and title that fit the reason.
+/// A report on a job that ended early, with the icon and title that fit the reason; and shows it.
+BoxText EndBox(JobEnd end, const QString &text);
 void ShowEndBox(JobEnd end, const QString &text);

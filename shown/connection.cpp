@@ -17,6 +17,11 @@ void ShowHandheld(const HandheldInfo &info)
     HandheldKind = info.kind;
 }
 
+HandheldInfo ShownHandheld()
+{
+    return {HandheldVersion, HandheldDate, HandheldType, HandheldKind};
+}
+
 QString TitleWithHandheld()
 {
     const QString front = TheBranding().windowTitle + QStringLiteral(" : Vers: ");

@@ -17,6 +17,9 @@ extern bool SelectionAwaited;
 
 void ShowHandheld(const HandheldInfo &info);
 
+/// What the last search found, as it was shown.
+HandheldInfo ShownHandheld();
+
 /// The main window's title with what is known: "... : Vers: 1.2 vom 14.3.8 Type: 51201", or "unbekannt".
 QString TitleWithHandheld();
 

@@ -8,6 +8,7 @@
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
+#include "ui/compare/compare_commands.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/guide_win.h"
 #include "ui/help_win.h"
@@ -104,6 +105,7 @@ MainWindow::~MainWindow()
     ResetEditors();
     ResetPickers();
     ResetPixelEditor();
+    ResetCompareWindow();
     ResetBackupWindows();
     ResetImportWindow();
     ResetSymbolPictures();
@@ -129,6 +131,8 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("zeichen_menu"), [this] { infoZeichensatz->present(); }},
         {QStringLiteral("help_menu"), [this] { helpWin->load(); }},
         {QStringLiteral("proginfo_menu"), ShowProgramInfo},
+        {QStringLiteral("vergleichen_menu"), CompareBackup},
+        {QStringLiteral("zuruecknehmen_menu"), TakeBackLastChange},
     };
 }
 

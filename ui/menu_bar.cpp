@@ -58,6 +58,9 @@ std::vector<Menu> Menus()
         {"info_menu", QStringLiteral("Info"), Qt::Key_I,
             {{"zeichen_menu", QStringLiteral("Zeichensatz")}, {"help_menu", QStringLiteral("Hilfe")},
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
+        {"werkzeuge_menu", QStringLiteral("Werkzeuge"), Qt::Key_W,
+            {{"vergleichen_menu", QStringLiteral("Vergleichen…")},
+                {"zuruecknehmen_menu", QStringLiteral("Letzte Änderung zurücknehmen…")}}},
     };
 }
 

@@ -4,6 +4,7 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
+#include "ui/compare/compare_commands.h"
 #include "ui/main_window.h"
 #include "ui/selection/zentrale_form.h"
 #include "ui/widgets/progress_window.h"
@@ -292,6 +293,11 @@ void QtFrontend::raiseMainWindow()
 void QtFrontend::setMainWindowEnabled(bool enabled)
 {
     mainWindow->enable(enabled);
+}
+
+void QtFrontend::compareWithHandheld(const QString &fileName)
+{
+    CompareBackupWithHandheld(fileName);
 }
 
 void QtFrontend::setMainWindowTitle(const QString &title)

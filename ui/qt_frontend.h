@@ -47,6 +47,7 @@ public:
     void setMainWindowEnabled(bool enabled) override;
     void setMainWindowTitle(const QString &title) override;
     void setLokDataMenuVisible(bool visible) override;
+    void compareWithHandheld(const QString &fileName) override;
 
     /// Opens the selection window from the menu; nobody waits for its answer.
     void openSelectionFromMenu();

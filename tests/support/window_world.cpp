@@ -11,6 +11,7 @@
 #include "sim/demo_content.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
+#include "ui/compare/compare_commands.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/qt_frontend.h"
 #include "ui/symbols/pixel_editor.h"
@@ -42,6 +43,11 @@ QString ScriptedUser::saveFileName(const QString &boxTitle, const QString &filte
 {
     proposal = proposed;
     return answerTo(filter, boxTitle);
+}
+
+void ScriptedUser::compareWithHandheld(const QString &fileName)
+{
+    CompareBackupWithHandheld(fileName);
 }
 
 void ScriptedUser::showSelectionWindow()

@@ -26,6 +26,7 @@ public:
     void setMainWindowEnabled(bool enabled) override { mainEnabled = enabled; }
     void setMainWindowTitle(const QString &text) override { title = text; }
     void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
+    void compareWithHandheld(const QString &fileName) override;
 
     QString title;
     QString proposal;                  // of the last save dialog

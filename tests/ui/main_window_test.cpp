@@ -70,7 +70,8 @@ TEST_F(MainWindowTest, ControlsAndMenusCarryTheirNamesAndCaptions)
             QStringLiteral(" Fahrstraßendaten ändern"), QStringLiteral(" Startbild ändern"),
             QStringLiteral("Zentralen"), QStringLiteral(" Zentrale auswählen"),
             u' ' + TheBranding().lokDataMenuCaption, QStringLiteral("Info"), QStringLiteral(" Zeichensatz"),
-            QStringLiteral(" Hilfe"), QStringLiteral(" Programminfo")}
+            QStringLiteral(" Hilfe"), QStringLiteral(" Programminfo"), QStringLiteral("Werkzeuge"),
+            QStringLiteral(" Vergleichen…"), QStringLiteral(" Letzte Änderung zurücknehmen…")}
                 .join(u'\n')));
 }
 

@@ -1,14 +1,18 @@
 #include "ui/backup/backup_commands.h"
 
 #include "jobs/backup.h"
+#include "jobs/report.h"
 #include "jobs/restore.h"
 #include "program/branding.h"
 #include "program/recent_files.h"
+#include "shown/connection.h"
 #include "ui/backup/backup_viewer.h"
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
 #include "ui/common/command.h"
 #include "ui/common/windows.h"
+
+#include <QDir>
 
 namespace
 {
@@ -16,6 +20,21 @@ namespace
 QString Filter()
 {
     return QStringLiteral("*.dds");
+}
+
+void TellOutcome(const BackupOutcome &outcome)
+{
+    const auto question = PartQuestion(outcome);
+    if (!question) {
+        ReportBackup(outcome);
+        return;
+    }
+    const QString part = TheAsk().askYesNo(*question, false) ? KeepPart(outcome.fileName) : QString();
+    if (part.isEmpty())
+        return; // not wanted, or the fault has been told
+    NoteRecentFile(part);
+    ShowDoneBox(QStringLiteral("Was gelesen wurde, steht in %1.").arg(QDir::toNativeSeparators(part)),
+        QStringLiteral("Datensicherung"));
 }
 
 } // namespace
@@ -33,10 +52,15 @@ void SaveHandheldData()
     WriteSelection(selection);
     if (!command.connected())
         return;
-    const BackupOutcome outcome = Backup(fileName, selection);
+    const QString handheld = HandheldName(ShownHandheld());
+    const auto question = GoOnQuestion(fileName, BackupHead(selection, handheld));
+    const bool goesOn = question && TheAsk().askYesNo(*question, true);
+    if (question && !command.connected()) // the port may have gone while the question was open
+        return;
+    const BackupOutcome outcome = Backup(fileName, selection, BackupMemory{handheld, goesOn});
     if (outcome.written)
         NoteRecentFile(outcome.fileName);
-    ReportBackup(outcome);
+    TellOutcome(outcome);
     const bool worthShowing = outcome.end == JobEnd::Complete || !outcome.found.empty();
     if (selection.lokSuche && worthShowing && !BoxesAreSilent())
         ShowFoundAddresses(outcome.found);

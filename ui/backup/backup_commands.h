@@ -2,7 +2,7 @@
 #pragma once
 
 /// "Daten eines Handreglers sichern": file dialog, selection window, connection guard, backup; after a search the
-/// window of the addresses found.
+/// window of the addresses found. The same backup that was broken off before is offered to be continued.
 void SaveHandheldData();
 
 /// "Datensicherung (Lokdatensätze) anzeigen": file dialog and viewer; nobody waits for the viewer.

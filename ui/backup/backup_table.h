@@ -2,6 +2,7 @@
 #pragma once
 
 #include "roster/loco_csv.h"
+#include "ui/widgets/picture_delegate.h"
 
 #include <QAbstractTableModel>
 #include <QPixmap>
@@ -14,7 +15,7 @@ public:
     enum Column { AddressColumn, NameColumn, SymbolColumn, MultiUniColumn, FirstFunctionColumn };
 
     /// Beside the texts: the picture of a cell, what to sort by, and (first column) what the filter looks at.
-    static constexpr int PictureRole = Qt::UserRole + 1;
+    static constexpr int PictureRole = PictureDelegate::PictureRole;
     static constexpr int SortRole = Qt::UserRole + 2;
     static constexpr int FilterRole = Qt::UserRole + 3;
 

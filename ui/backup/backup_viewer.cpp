@@ -8,7 +8,7 @@
 #include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
-#include "ui/widgets/crisp_picture.h"
+#include "ui/widgets/picture_delegate.h"
 #include "ui/widgets/window_keys.h"
 
 #include <QAction>
@@ -18,18 +18,15 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QScreen>
 #include <QSortFilterProxyModel>
-#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 
 #include <memory>
-#include <utility>
 
 /// Address or name contain the filter's text, or a word of the loco symbol begins with it.
 class LocoFilter : public QSortFilterProxyModel
@@ -62,34 +59,8 @@ constexpr int RowHeight = 24;
 constexpr int FunctionWidth = 32;
 constexpr int PictureColumnWidth = 68;
 constexpr int NameCharacters = 24;
-constexpr int CaptionMargin = 28; // room for the sort arrow
-constexpr int MarkMargin = 4;
+constexpr int CaptionMargin = 28;     // room for the sort arrow
 constexpr QSize StartSize(1240, 620); // all columns
-
-/// Paints a cell's picture, and its text behind it or, without a picture, in the middle.
-class PictureDelegate : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override
-    {
-        const auto picture = index.data(BackupTable::PictureRole).value<QPixmap>();
-        if (picture.isNull()) {
-            QStyledItemDelegate::paint(painter, option, index);
-            return;
-        }
-        QStyleOptionViewItem cell = option;
-        initStyleOption(&cell, index);
-        const QString mark = std::exchange(cell.text, QString());
-        cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
-        const int markWidth = mark.isEmpty() ? 0 : cell.fontMetrics.horizontalAdvance(mark) + MarkMargin;
-        DrawCrisp(*painter, cell.rect.adjusted(0, 0, -markWidth, 0), picture, cell.palette);
-        const bool selected = (cell.state & QStyle::State_Selected) != 0;
-        painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
-        painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);
-    }
-};
 
 /// The text after the last backslash; all of it where there is none.
 QString WithoutFolder(const QString &fileName)
@@ -200,10 +171,14 @@ void BackupViewer::buildLayout()
     auto *csvBut = NamedButton(QStringLiteral("CsvBut"), QStringLiteral("Als CSV speichern"), this);
     auto *pdfBut = NamedButton(QStringLiteral("PdfBut"), QStringLiteral("Als PDF speichern"), this);
     auto *printBut = NamedButton(QStringLiteral("DruckenBut"), QStringLiteral("Drucken"), this);
+    auto *compareBut =
+        NamedButton(QStringLiteral("VergleichenBut"), QStringLiteral("Mit dem Handregler vergleichen…"), this);
     auto *okButton = NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this);
     auto *buttonRow = new QHBoxLayout;
     for (QPushButton *button : {csvBut, pdfBut, printBut})
         buttonRow->addWidget(button);
+    buttonRow->addStretch();
+    buttonRow->addWidget(compareBut);
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
     summaryLbl->setWordWrap(true);
@@ -227,16 +202,19 @@ void BackupViewer::buildLayout()
     AltKey(csvBut, Qt::Key_C);
     AltKey(pdfBut, Qt::Key_P);
     AltKey(printBut, Qt::Key_D);
+    AltKey(compareBut, Qt::Key_H);
     AltKey(okButton, Qt::Key_O);
     connect(csvBut, &QPushButton::clicked, this, &BackupViewer::exportCsv);
     connect(pdfBut, &QPushButton::clicked, this, &BackupViewer::exportPdf);
     connect(printBut, &QPushButton::clicked, this, &BackupViewer::print);
+    connect(compareBut, &QPushButton::clicked, this, &BackupViewer::compare);
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
     setDefaultButton(okButton);
 }
 
 void BackupViewer::load(const QString &fileName, const DdsContent &content)
 {
+    shownFile = fileName;
     setWindowTitle(WindowTitle(fileName));
     documentName = QFileInfo(fileName).completeBaseName(); // a printer to a file makes a file name of it
     model->setLocos(LocosIn(content));
@@ -334,6 +312,11 @@ void BackupViewer::print()
     if (dialog.result() == QDialog::Accepted && !PrintTable(printer, windowTitle(), shownLocos()))
         TheAsk().showBox({QStringLiteral("Die Tabelle kann nicht gedruckt werden!"), QStringLiteral("Fehler!"),
             BoxIcon::Critical});
+}
+
+void BackupViewer::compare()
+{
+    TheWindows().compareWithHandheld(shownFile);
 }
 
 void OpenBackupViewer(const QString &fileName)

@@ -37,7 +37,9 @@ private:
     void exportCsv();
     void exportPdf();
     void print();
+    void compare();
 
+    QString shownFile;
     BackupTable *model;
     LocoFilter *shown;
     QTableView *table;

@@ -29,6 +29,9 @@ public:
     virtual void setMainWindowEnabled(bool enabled) = 0;
     virtual void setMainWindowTitle(const QString &title) = 0;
 
+    /// Opens the comparison of a backup file with the handheld.
+    virtual void compareWithHandheld(const QString &fileName) = 0;
+
     /// Shows or hides the menu item of the command-station download (offered with interface kind 3 only).
     virtual void setLokDataMenuVisible(bool visible) = 0;
 };

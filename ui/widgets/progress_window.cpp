@@ -46,6 +46,7 @@ ProgressWindow::ProgressWindow()
     ausgabeLbl->setAccessibleName(QStringLiteral("Fortschritt"));
     bar->setObjectName(QStringLiteral("FortschrittBar"));
     bar->setAccessibleName(QStringLiteral("Fortschritt"));
+    bar->setFormat(QStringLiteral("%v von %m")); // the percentage stands in the title
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
     for (QWidget *control : std::initializer_list<QWidget *>{ausgabeLbl, bar, restzeitLbl, hinweisLbl})
