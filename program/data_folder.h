@@ -6,6 +6,8 @@
 //   Linux     ~/.local/share/handregler-tool
 //   Windows   C:\Users\NAME\AppData\Local\handregler-tool
 //
+// A file named installiert beside the program says that it is installed, also to an administrator, who could write there.
+//
 // That folder is filled from the installed konf. konf\.geliefert lists what was put there, a line each: SHA-256, blank,
 // name. A file that the user has changed, or made himself, is never overwritten by an update; what he left as it was is
 // replaced, and new files are added. What he has deleted stays deleted.
