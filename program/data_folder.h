@@ -1,12 +1,11 @@
 // Where the user's data live: the konf folder (settings, symbols, saved states) and the simulated handheld.
 //
 // A program folder whose konf folder can be written keeps them beside the program: a copied folder, as on a stick. An
-// installed program, which its user must not change, keeps them in the user's own data folder:
+// installed program keeps them in the user's own data folder, because its user must not change the program folder, or
+// because a set-up has laid the file installiert.txt there, so that an update or uninstalling touches no data:
 //
 //   Linux     ~/.local/share/handregler-tool
 //   Windows   C:\Users\NAME\AppData\Local\handregler-tool
-//
-// A file named installiert beside the program says that it is installed, also to an administrator, who could write there.
 //
 // That folder is filled from the installed konf. konf\.geliefert lists what was put there, a line each: SHA-256, blank,
 // name. A file that the user has changed, or made himself, is never overwritten by an update; what he left as it was is
