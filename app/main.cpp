@@ -22,6 +22,7 @@
 #include <QIcon>
 #include <QTranslator>
 
+#include <algorithm>
 #include <csignal>
 
 namespace
@@ -72,6 +73,30 @@ Arguments ReadArguments()
     return {parser.isSet(fast), parser.positionalArguments().value(0)};
 }
 
+void SpeakGerman(QTranslator &german)
+{
+    if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
+        QCoreApplication::installTranslator(&german);
+}
+
+bool IsQuestion(const char *word)
+{
+    static const QStringList questions{QStringLiteral("-v"), QStringLiteral("--version"), QStringLiteral("-h"),
+        QStringLiteral("--help"), QStringLiteral("--help-all")};
+    return questions.contains(QString::fromLocal8Bit(word));
+}
+
+/// Version and options are told also where there is no display.
+void AnswerWithoutDisplay(int argc, char *argv[])
+{
+    if (std::none_of(argv, argv + argc, IsQuestion))
+        return;
+    const QCoreApplication application(argc, argv);
+    QTranslator german;
+    SpeakGerman(german);
+    static_cast<void>(ReadArguments()); // ends the program
+}
+
 /// Sends the handheld back and ends; runs once, when no command runs any more.
 void EndProgram(QtFrontend &frontend)
 {
@@ -87,13 +112,13 @@ void EndProgram(QtFrontend &frontend)
 
 int main(int argc, char *argv[])
 {
+    QCoreApplication::setApplicationVersion(QStringLiteral(HR_VERSION));
+    AnswerWithoutDisplay(argc, argv);
     QApplication application(argc, argv);
-    QApplication::setApplicationVersion(QStringLiteral(HR_VERSION));
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(ProgramIcon());
     QTranslator german;
-    if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
-        QApplication::installTranslator(&german);
+    SpeakGerman(german);
     const Arguments arguments = ReadArguments();
     UseDataFolder(QApplication::applicationDirPath());
 

@@ -66,7 +66,7 @@ void OccupyClosedStreams()
     // The lowest free descriptors are taken, which are the closed ones; they stay open as long as the program runs.
     // Only for reading: who prints to a closed output is told.
     for (int descriptor = 0; descriptor <= ErrorDescriptor; ++descriptor)
-        static_cast<void>(std::fopen("/dev/null", "r"));
+        [[maybe_unused]] const auto *stream = std::fopen("/dev/null", "r");
 #endif
 }
 

@@ -61,6 +61,7 @@ const std::array Options{
     Option{"seed", "Startwert der Zufallsfehler.", "Zahl", "1"},
     Option{"no-station", "Keine Zentrale am Bus.", nullptr, ""},
     Option{"help", "Diese Hilfe anzeigen.", nullptr, ""},
+    Option{"version", "Version des Programms.", nullptr, ""},
     Option{"log", "Alle Meldungen auf dem Bus ausgeben.", nullptr, ""},
 };
 
@@ -193,6 +194,10 @@ int main(int argc, char *argv[])
         return Fail(QStringLiteral("Unbekannte Option oder fehlender Wert; Hilfe: handregler-sim --help"));
     if (parser.isSet(QStringLiteral("help"))) {
         PrintHelp();
+        return 0;
+    }
+    if (parser.isSet(QStringLiteral("version"))) {
+        sim::Print(QStringLiteral("handregler-sim " HR_VERSION));
         return 0;
     }
     QtEvents events;
