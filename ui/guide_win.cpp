@@ -55,6 +55,7 @@ const std::map<QString, QString> &Chapters()
         {QStringLiteral("LokSucheWin"), backups},
         {QStringLiteral("DatenAnzeigeWin"), backups},
         {QStringLiteral("Fortschritt"), backups},
+        {QStringLiteral("VergleichWin"), QStringLiteral("vergleichen-und-vorsichtig-schreiben")},
         {QStringLiteral("LokImportWin"), QStringLiteral("lokdaten-einer-zentrale")},
     };
     return chapters;

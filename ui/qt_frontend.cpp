@@ -44,9 +44,8 @@ QMessageBox::Icon QtIcon(BoxIcon icon)
     }
 }
 
-void BelongTo(QDialog &dialog, QWidget *mainWindow)
+void BelongTo(QDialog &dialog, const QWidget *front)
 {
-    QWidget *front = QApplication::activeWindow() != nullptr ? QApplication::activeWindow() : mainWindow;
     dialog.winId(); // makes the window that is told
     if (front != nullptr && front->windowHandle() != nullptr)
         dialog.windowHandle()->setTransientParent(front->windowHandle());
@@ -106,7 +105,7 @@ std::unique_ptr<QMessageBox> QtFrontend::makeBox(const BoxText &box)
     widget->setIcon(QtIcon(box.icon));
     widget->setWindowModality(Qt::ApplicationModal);
     FitWidth(*widget);
-    BelongTo(*widget, mainWindow);
+    BelongTo(*widget, front());
     return widget;
 }
 
@@ -152,7 +151,7 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
     dialog.setLabelText(prompt);
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
-    BelongTo(dialog, mainWindow);
+    BelongTo(dialog, front());
     WaitForDialog(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
 }
@@ -173,7 +172,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
         dialog.selectFile(*proposal);
     else if (const QString last = lastFiles.value(filter); !forSaving && QFileInfo(last).isFile())
         dialog.selectFile(last);
-    BelongTo(dialog, mainWindow);
+    BelongTo(dialog, front());
     while (!BoxesAreSilent()) {
         WaitForDialog(dialog);
         const QStringList chosen = dialog.selectedFiles();
@@ -218,13 +217,25 @@ void QtFrontend::showProgress(const QString &text)
     if (BoxesAreSilent())
         return;
     const bool appears = !progress->isVisible();
-    QWidget *front = QApplication::activeWindow();
-    const bool usable = front != nullptr && front != progress.get();
+    const QWidget *behind = front();
     progress->showText(text, JobCanBeStopped());
     if (!appears)
         return;
     progress->adjustSize();
-    progress->move((usable ? front : mainWindow)->frameGeometry().center() - progress->rect().center());
+    progress->move(behind->frameGeometry().center() - progress->rect().center());
+}
+
+/// The window that the user works in, also when the progress window has just gone and none is active: a box over another
+/// one would bring that to the front.
+QWidget *QtFrontend::front()
+{
+    QWidget *active = QApplication::activeWindow();
+    if (active != nullptr && active != progress.get()) {
+        if (qobject_cast<QDialog *>(active) != nullptr)
+            return active;
+        worksIn = active;
+    }
+    return worksIn != nullptr && worksIn->isVisible() ? worksIn.data() : mainWindow;
 }
 
 void QtFrontend::showAmount(const Amount &amount)

@@ -8,6 +8,7 @@
 #include "ui/common/windows.h"
 
 #include <QMap>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -67,9 +68,11 @@ private:
     QString fileName(const QString &title, const QString &filter, const QString *proposal);
     bool fileAccepted(const QString &name, bool forSaving);
     std::unique_ptr<QMessageBox> makeBox(const BoxText &box);
+    [[nodiscard]] QWidget *front();
     void askToStop(bool andEnd);
 
     MainWindow *mainWindow = nullptr;
+    QPointer<QWidget> worksIn; // the last active window that is neither box nor progress
     std::unique_ptr<ProgressWindow> progress;
     std::unique_ptr<ZentraleForm> zentraleForm;
     std::vector<std::unique_ptr<QMessageBox>> postedBoxes;

@@ -178,7 +178,7 @@ void CompareWindow::buildTable()
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
     const int letter = table->fontMetrics().averageCharWidth();
-    for (const auto &[column, letters] : {std::pair(ChangeTable::RecordColumn, 26), {ChangeTable::ChangeColumn, 26},
+    for (const auto &[column, letters] : {std::pair(ChangeTable::RecordColumn, 26), {ChangeTable::ChangeColumn, 31},
              {ChangeTable::OldNameColumn, 22}, {ChangeTable::NewNameColumn, 22}})
         table->setColumnWidth(column, letter * letters);
     for (const int column : {ChangeTable::OldPictureColumn, ChangeTable::NewPictureColumn})

@@ -28,6 +28,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <array>
+
 namespace
 {
 
@@ -179,7 +181,11 @@ SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
     setObjectName(look.frameName);
     buildLayout();
     connectControls();
-    AltKey(numberTxt, static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(look.kind)));
+    const int row = static_cast<int>(look.kind);
+    AltKey(numberTxt, static_cast<Qt::Key>(Qt::Key_1 + row));
+    AltKey(readBut, static_cast<Qt::Key>(Qt::Key_4 + row));
+    AltKey(writeBut, static_cast<Qt::Key>(Qt::Key_7 + row));
+    AltKey(editBut, std::array{Qt::Key_K, Qt::Key_U, Qt::Key_G}.at(static_cast<size_t>(row)));
     numberChanged();
 }
 

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace
@@ -38,6 +39,7 @@ ProgressWindow::ProgressWindow()
     , bar(new QProgressBar(this))
     , restzeitLbl(NamedLabel(QStringLiteral("RestzeitLbl"), QString(), this))
     , hinweisLbl(NamedLabel(QStringLiteral("LaeuftLbl"), QString(), this))
+    , stopBut(NamedButton(QStringLiteral("AnhaltenBut"), QStringLiteral("Anhalten…"), this))
 {
     setObjectName(QStringLiteral("Fortschritt"));
     setWindowTitle(Title());
@@ -51,8 +53,11 @@ ProgressWindow::ProgressWindow()
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
     for (QWidget *control : std::initializer_list<QWidget *>{ausgabeLbl, bar, restzeitLbl, hinweisLbl})
         layout->addWidget(control);
-    for (QWidget *control : std::initializer_list<QWidget *>{bar, restzeitLbl, hinweisLbl})
+    layout->addWidget(stopBut, 0, Qt::AlignRight);
+    for (QWidget *control : std::initializer_list<QWidget *>{bar, restzeitLbl, hinweisLbl, stopBut})
         control->hide();
+    stopBut->setFocusPolicy(Qt::TabFocus); // a key that was meant for another window must not press it
+    connect(stopBut, &QPushButton::clicked, this, &QWidget::close);
     layout->setSizeConstraint(QLayout::SetMinAndMaxSize);
 }
 
@@ -74,6 +79,7 @@ void ProgressWindow::showAmount(int done, int all, double secondsLeft)
     bar->show();
     restzeitLbl->setText(secondsLeft < 0 ? QString() : TimeText(secondsLeft));
     restzeitLbl->show();
+    stopBut->setVisible((windowFlags() & Qt::WindowCloseButtonHint) != 0);
     setWindowTitle(Title() + QStringLiteral(" %1 %").arg(static_cast<int>(100.0 * done / all)));
     if (appears)
         activateWindow();
@@ -105,6 +111,7 @@ void ProgressWindow::hideEvent(QHideEvent *event)
     setWindowTitle(Title());
     bar->hide();
     restzeitLbl->hide();
+    stopBut->hide();
     showHint(QString());
     QWidget::hideEvent(event);
 }

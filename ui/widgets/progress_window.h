@@ -1,5 +1,5 @@
 // The small window "Fortschritt:" with one line of text that names the running operation. For long jobs a bar and the
-// remaining time stand below it, and the title shows the percentage.
+// remaining time stand below it, with a button that stops it, and the title shows the percentage.
 #pragma once
 
 #include <QWidget>
@@ -8,6 +8,7 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 class ProgressWindow : public QWidget
 {
@@ -40,4 +41,5 @@ private:
     QProgressBar *bar;
     QLabel *restzeitLbl;
     QLabel *hinweisLbl;
+    QPushButton *stopBut; // of a long job that can be stopped
 };
