@@ -15,6 +15,7 @@ namespace
 const auto FolderName = QStringLiteral("handregler-tool");
 const auto ListName = QStringLiteral("/.geliefert");
 const auto Konf = QStringLiteral("/konf");
+const auto InstalledMark = QStringLiteral("/installiert.txt");
 
 /// Tried, because rights alone do not tell (a read-only disk, a folder of the system).
 bool CanBeWritten(const QString &folder)
@@ -83,7 +84,8 @@ void UseDataFolder(const QString &programFolder)
 QString ChooseDataFolder(const QString &programFolder, const QString &ownFolder)
 {
     const bool hasKonf = QDir(programFolder + Konf).exists();
-    if (CanBeWritten(hasKonf ? programFolder + Konf : programFolder))
+    const bool installed = FileExists(programFolder + InstalledMark);
+    if (!installed && CanBeWritten(hasKonf ? programFolder + Konf : programFolder))
         return programFolder;
     return FillDataFolder(programFolder, ownFolder) ? ownFolder : programFolder;
 }

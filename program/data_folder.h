@@ -1,7 +1,8 @@
 // Where the user's data live: the konf folder (settings, symbols, saved states) and the simulated handheld.
 //
 // A program folder whose konf folder can be written keeps them beside the program: a copied folder, as on a stick. An
-// installed program, which its user must not change, keeps them in the user's own data folder:
+// installed program keeps them in the user's own data folder, because its user must not change the program folder, or
+// because a set-up has laid the file installiert.txt there, so that an update or uninstalling touches no data:
 //
 //   Linux     ~/.local/share/handregler-tool
 //   Windows   C:\Users\NAME\AppData\Local\handregler-tool

@@ -40,6 +40,13 @@ TEST_F(DataFolders, AFolderThatCanBeWrittenKeepsItsData)
     EXPECT_FALSE(QDir(path(QStringLiteral("own"))).exists());
 }
 
+TEST_F(DataFolders, WhatASetUpHasInstalledKeepsThemElsewhere)
+{
+    put(QStringLiteral("prog/installiert.txt"), "");
+    EXPECT_EQ(choose(), path(QStringLiteral("own")));
+    EXPECT_EQ(own(QStringLiteral("lok/a.bmp")), "A");
+}
+
 TEST_F(DataFolders, AnUpdateReplacesOnlyWhatTheUserLeftAsItWas)
 {
     const QString installed = path(QStringLiteral("prog"));
