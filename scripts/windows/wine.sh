@@ -18,6 +18,10 @@ startWine() {
     mkdir -p "$(dirname "$WINEPREFIX")"
     stopPrefix # an old server may still hold a pseudo-terminal that is gone
     wine wineboot -u > /dev/null 2>&1
+    wineserver -w # the making of a prefix goes on behind the command
+    wine winecfg -v win10 > /dev/null 2>&1
+    wineserver -w
+    wineserver -p > /dev/null 2>&1 # it stays until it is stopped, so that starts are warm
 }
 
 # Ends every Windows program of this prefix.
@@ -40,7 +44,8 @@ portsAre() {
     for port in "$@"; do
         wine reg add 'HKLM\Software\Wine\Ports' /v "${port%%=*}" /d "${port#*=}" /f > /dev/null
     done
-    wineserver -w
+    stopPrefix
+    wineserver -p > /dev/null 2>&1
 }
 
 # waitWindow TITLE [SECONDS]: waits for a window whose title matches and prints its number. (xdotool's own --sync breaks off
