@@ -1,5 +1,5 @@
 ; The set-up for Windows: per user, without administrator rights. scripts/package-windows calls makensis with
-;   VERSION, SOURCE (what is installed), LISTS (folder with the generated install.nsh and uninstall.nsh), ICON, OUTPUT
+;   VERSION, SOURCE (what is installed), LISTS (folder with the generated install.nsh and uninstall.nsh), ICON, PICTURE, OUTPUT
 ;
 ; Silent: handregler-tool-...-setup.exe /S [/PROGRAMM=veska|arvelo|beide] [/D=folder, last and without quotes]
 ; It ends with 2 when the folder holds a copied program with data, with 3 when the program is running.
@@ -40,6 +40,8 @@ VIAddVersionKey /LANG=1031 "LegalCopyright" "MIT License"
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${PICTURE}"
+!define MUI_UNWELCOMEFINISHPAGE_BITMAP "${PICTURE}"
 !define MUI_ABORTWARNING
 !define MUI_COMPONENTSPAGE_SMALLDESC
 !define MUI_WELCOMEPAGE_TEXT "Das Programm liest, ändert und sichert, was ein Funk-Handregler am LocoNet gespeichert hat.$\r$\n$\r$\n\

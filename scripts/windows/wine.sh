@@ -1,12 +1,16 @@
 # A virtual display and a Wine prefix of their own, for trials of the Windows programs. Sourced.
 # What is started here ends here: startWine PREFIX, endWine (also on exit), and what the trials need in between.
 
+failures=0
+pictures=0
+started=() # what ends with the trial
+
 # startWine PREFIX: makes the prefix when it is new.
 startWine() {
     local numberFile
     numberFile=$(mktemp)
     Xvfb -displayfd 3 -screen 0 1366x900x24 3> "$numberFile" > /dev/null 2>&1 &
-    displayServer=$!
+    started+=($!)
     trap endWine EXIT
     for _ in $(seq 100); do [ -s "$numberFile" ] && break; sleep 0.1; done
     DISPLAY=:$(cat "$numberFile")
@@ -20,6 +24,9 @@ startWine() {
     wine wineboot -u > /dev/null 2>&1
     wineserver -w # the making of a prefix goes on behind the command
     wine winecfg -v win10 > /dev/null 2>&1
+    for font in Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2"; do # Windows' own are not here
+        wine reg add 'HKCU\Software\Wine\Fonts\Replacements' /v "$font" /d "DejaVu Sans" /f > /dev/null 2>&1
+    done
     wineserver -w
     wineserver -p > /dev/null 2>&1 # it stays until it is stopped, so that starts are warm
 }
@@ -33,8 +40,23 @@ stopPrefix() {
 endWine() {
     trap - EXIT
     stopPrefix
-    kill "$displayServer" 2> /dev/null || true
-    wait "$displayServer" 2> /dev/null || true
+    kill "${started[@]}" 2> /dev/null || true
+    wait "${started[@]}" 2> /dev/null || true
+}
+
+# startSimulator NAME: a simulated handheld behind a pseudo-terminal; the files NAME.port, NAME.bin, NAME.log. It reads
+# its commands from descriptor `simulator`.
+startSimulator() {
+    rm -f "$1.port"
+    exec {simulator}> >(exec build/windows-tools/bin/handregler-sim --link "$1.port" --flash "$1.bin" > "$1.log" 2>&1)
+    started+=($!)
+    for _ in $(seq 50); do [ -e "$1.port" ] && break; sleep 0.1; done
+}
+
+endSimulator() {
+    echo quit >&"$simulator"
+    exec {simulator}>&-
+    sleep 0.5 # its memory is written
 }
 
 # portsAre NAME=DEVICE...: the serial ports of the prefix. Wine reads them when its server starts.
@@ -42,23 +64,40 @@ portsAre() {
     local port
     wine reg delete 'HKLM\Software\Wine\Ports' /f > /dev/null 2>&1 || true
     for port in "$@"; do
-        wine reg add 'HKLM\Software\Wine\Ports' /v "${port%%=*}" /d "${port#*=}" /f > /dev/null
+        wine reg add 'HKLM\Software\Wine\Ports' /v "${port%%=*}" /d "${port#*=}" /f > /dev/null 2>&1
     done
     stopPrefix
     wineserver -p > /dev/null 2>&1
 }
 
-# waitWindow TITLE [SECONDS]: waits for a window whose title matches and prints its number. (xdotool's own --sync breaks off
+# waitWindow TITLE [SECONDS]: waits for a window whose title matches and gives it the keys. (xdotool's own --sync breaks off
 # when a window goes away while it looks, and Wine makes and removes several.)
 waitWindow() {
-    local found
     for _ in $(seq $((${2:-60} * 20))); do
-        found=$(xdotool search --onlyvisible --name "$1" 2> /dev/null | head -n 1) || true
-        [ -z "$found" ] || { echo "$found"; return 0; }
+        window=$(xdotool search --onlyvisible --name "$1" 2> /dev/null | head -n 1) || true
+        if [ -n "$window" ]; then
+            xdotool windowfocus "$window" 2> /dev/null || true
+            return 0
+        fi
         sleep 0.05
     done
-    echo "no window '$1'" >&2
+    echo "no window '$1'; there are:" >&2
+    xdotool search --onlyvisible --name . 2> /dev/null | while read -r other; do xdotool getwindowname "$other" >&2; done
     return 1
 }
 
+# Keys one after the other, as a person presses them.
+keys() { for key in "$@"; do sleep 0.3; xdotool key "$key"; done; }
+types() { sleep 0.3; xdotool key ctrl+a; sleep 0.3; xdotool type --delay 30 "$1"; }
+
 milliseconds() { echo $(($(date +%s%N) / 1000000)); }
+
+fails() { ! "$@"; }
+picture() { import -window root "$trial/$((++pictures))-$1.png"; }
+
+# check TEXT COMMAND...: says whether the command did.
+check() {
+    local text=$1
+    shift
+    if "$@" > /dev/null 2>&1; then echo "ok    $text"; else echo "FAILED $text"; failures=$((failures + 1)); fi
+}
