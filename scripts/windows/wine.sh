@@ -19,7 +19,8 @@ startWine() {
     export DISPLAY WINEPREFIX=$1 WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
     export WINEDLLOVERRIDES="mscoree=d;mshtml=d;winemenubuilder.exe=d"
     export LANG=C.UTF-8 LC_ALL=C.UTF-8 # without UTF-8 Wine does not see file names with umlauts
-    mkdir -p "$(dirname "$WINEPREFIX")"
+    export HOME=$WINEPREFIX-home # Wine's desktop and documents are links to there
+    mkdir -p "$HOME"
     stopPrefix # an old server may still hold a pseudo-terminal that is gone
     wine wineboot -u > /dev/null 2>&1
     wineserver -w # the making of a prefix goes on behind the command
