@@ -71,6 +71,22 @@ portsAre() {
     wineserver -p > /dev/null 2>&1
 }
 
+# describe PORT TEXT: an adapter of this name behind the port, as its driver enters it under Windows.
+describe() {
+    local guid='{86E0D1E0-8089-11D0-9CE4-08003E301F73}' system='HKLM\System\CurrentControlSet'
+    local bus=FTDIBUS number=VID_0403+PID_6001+A1
+    local device="$system\\Enum\\$bus\\$number\\0000"
+    local class="$system\\Control\\DeviceClasses\\$guid\\##?#$bus#$number#0000#$guid"
+    {
+        wine reg add "$device" /v DeviceDesc /d "$2" /f
+        wine reg add "$device" /v ClassGUID /d '{4D36E978-E325-11CE-BFC1-08002BE10318}' /f
+        wine reg add "$device\\Device Parameters" /v PortName /d "$1" /f
+        wine reg add "$class" /v DeviceInstance /d "$bus\\$number\\0000" /f
+        wine reg add "$class\\#" /v SymbolicLink /d "\\\\?\\$bus#$number#0000#$guid" /f
+        wine reg add "$class\\#\\Control" /v Linked /t REG_DWORD /d 1 /f
+    } > /dev/null 2>&1
+}
+
 # waitWindow TITLE [SECONDS]: waits for a window whose title matches and gives it the keys. (xdotool's own --sync breaks off
 # when a window goes away while it looks, and Wine makes and removes several.)
 waitWindow() {
