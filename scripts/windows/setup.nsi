@@ -91,6 +91,7 @@ Es wird nur für Sie eingerichtet; Administratorrechte sind nicht nötig. Ihre D
 !macro MenuEntries file title
   SetOutPath "$INSTDIR"
   File "${SOURCE}\${file}"
+  SetOutPath "$DOCUMENTS" ; where the programs start, and so where they propose to save
   CreateDirectory "$SMPROGRAMS\${title}"
   CreateShortcut "$SMPROGRAMS\${title}\${title}.lnk" "$INSTDIR\${file}"
   CreateShortcut "$SMPROGRAMS\${title}\Benutzerhandbuch.lnk" "$INSTDIR\handbuch\Benutzerhandbuch.html"
@@ -134,6 +135,7 @@ Section /o "Arvelo TOOL" SecArvelo
 SectionEnd
 
 Section "Verknüpfung auf dem Desktop" SecDesktop
+  SetOutPath "$DOCUMENTS"
   ${If} ${FileExists} "$INSTDIR\veska.exe"
     CreateShortcut "$DESKTOP\VESKA II TOOL.lnk" "$INSTDIR\veska.exe"
   ${EndIf}
@@ -209,6 +211,7 @@ Function CheckFolder
 FunctionEnd
 
 Function StartProgram
+  SetOutPath "$DOCUMENTS"
   ${If} ${SectionIsSelected} ${SecVeska}
     Exec '"$INSTDIR\veska.exe"'
   ${Else}
