@@ -1,5 +1,6 @@
 ; The set-up for Windows: per user, without administrator rights. scripts/package-windows calls makensis with
-;   VERSION, SOURCE (what is installed), LISTS (folder with the generated install.nsh and uninstall.nsh), ICON, PICTURE, OUTPUT
+;   VERSION, SOURCE (what is installed), LISTS (folder with the generated install.nsh and uninstall.nsh), ICON,
+;   PICTURE, OUTPUT
 ;
 ; Silent: handregler-tool-...-setup.exe /S [/PROGRAMM=veska|arvelo|beide] [/D=folder, last and without quotes]
 ; It ends with 2 when the folder holds a copied program with data, with 3 when the program is running.
