@@ -60,6 +60,7 @@ int main(int argc, char *argv[])
 {
     OccupyClosedStreams();
     QCoreApplication application(argc, argv);
+    Console console;
     QCoreApplication::setApplicationName(QStringLiteral("handregler"));
     QCoreApplication::setApplicationVersion(QStringLiteral(HR_VERSION));
     QTranslator german;
@@ -79,7 +80,6 @@ int main(int argc, char *argv[])
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     InstallWorld({&events, &port});
-    Console console;
     TerminalAsk ask(console, wish->manner);
     InstallAsk(&ask);
     const LinkDriver driver;

@@ -28,8 +28,9 @@ bool IsTerminal(int descriptor, const char *)
 }
 
 /// Bytes go out as they are written: UTF-8, lines ended by LF.
-void PrepareOutput()
+unsigned PrepareOutput()
 {
+    const unsigned before = GetConsoleOutputCP();
     SetConsoleOutputCP(CP_UTF8);
     const HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
     DWORD mode = 0;
@@ -37,9 +38,20 @@ void PrepareOutput()
         SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
     _setmode(1, _O_BINARY);
     _setmode(2, _O_BINARY);
+    return before;
+}
+
+void RestoreOutput(unsigned before)
+{
+    SetConsoleOutputCP(before); // the next program in this window may count on it
 }
 #else
-void PrepareOutput() { }
+unsigned PrepareOutput()
+{
+    return 0;
+}
+
+void RestoreOutput(unsigned) { }
 
 /// The only character devices that are no terminals and that a program is called with are those that swallow or give
 /// nothing.
@@ -73,11 +85,16 @@ void OccupyClosedStreams()
 Console::Console()
     : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin"))
     , errorTerminal(IsTerminal(ErrorDescriptor, "/dev/stderr"))
+    , outputBefore(PrepareOutput())
 {
-    PrepareOutput();
 }
 
-Console::~Console() = default;
+Console::~Console()
+{
+    std::fflush(stdout);
+    std::fflush(stderr);
+    RestoreOutput(outputBefore);
+}
 
 void Console::readLine(std::function<void(const QString &)> take)
 {

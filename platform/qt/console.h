@@ -13,6 +13,7 @@ class QSocketNotifier;
 /// their place and is written to as if it were the output. To be called first.
 void OccupyClosedStreams();
 
+/// While it lives, umlauts come out well on the system's terminal window.
 class Console
 {
 public:
@@ -34,5 +35,6 @@ public:
 private:
     bool inputTerminal;
     bool errorTerminal;
+    unsigned outputBefore; // character set that the window of the terminal had (Windows)
     std::unique_ptr<QSocketNotifier> notifier;
 };

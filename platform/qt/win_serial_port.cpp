@@ -57,6 +57,16 @@ QString PortNameOf(HDEVINFO devices, SP_DEVINFO_DATA &device)
     return status == ERROR_SUCCESS ? QString::fromWCharArray(name.data()) : QString();
 }
 
+/// Whether a device on this bus ("USB", "FTDIBUS", ...) was plugged in: not the lines of the board and of its cards, and
+/// not the two ports that Windows makes for each paired radio device.
+bool IsPlugBus(const QString &bus)
+{
+    constexpr std::array<QLatin1String, 6> others{QLatin1String("ACPI"), QLatin1String("PCI"), QLatin1String("MF"),
+        QLatin1String("ISAPNP"), QLatin1String("ROOT"), QLatin1String("BTH")};
+    return std::none_of(others.begin(), others.end(),
+        [&bus](QLatin1String other) { return bus.startsWith(other, Qt::CaseInsensitive); });
+}
+
 /// What the system knows of its serial ports, by their names.
 QMap<QString, PortEntry> DescribedPorts()
 {
@@ -70,9 +80,8 @@ QMap<QString, PortEntry> DescribedPorts()
     device.cbSize = sizeof device;
     for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device) != FALSE; ++i) {
         const QString name = PortNameOf(devices, device);
-        const bool usb = DeviceText(devices, device, SPDRP_HARDWAREID).startsWith(QStringLiteral("USB"))
-            || DeviceText(devices, device, SPDRP_ENUMERATOR_NAME) != QStringLiteral("ACPI");
-        ports.insert(name, {name, DeviceText(devices, device, SPDRP_DEVICEDESC), usb});
+        const bool pluggedIn = IsPlugBus(DeviceText(devices, device, SPDRP_ENUMERATOR_NAME));
+        ports.insert(name, {name, DeviceText(devices, device, SPDRP_DEVICEDESC), pluggedIn});
     }
     SetupDiDestroyDeviceInfoList(devices);
     return ports;

@@ -9,6 +9,7 @@
 #include "sim/demo_content.h"
 #include "tests/support/virtual_world.h"
 
+#include <QDir>
 #include <QFile>
 
 #include <set>
@@ -40,6 +41,7 @@ protected:
     }
 
     QString path(const char *name = "test.dds") { return folder.path() + u'/' + QString::fromUtf8(name); }
+    QString shown(const char *name = "test.dds") { return QDir::toNativeSeparators(path(name)); }
 
     QByteArray content(const char *name = "test.dds")
     {
@@ -183,7 +185,7 @@ TEST_F(BackupTest, ABrokenOffBackupLeavesTheOldFile)
     EXPECT_EQ(outcome.end, JobEnd::Stopped);
     user.expect(QStringLiteral("Die Datensicherung wurde abgebrochen.\rEs wurde kein Datensatz gesichert.\r"
                                "Die vorhandene Datei %1 ist unverändert.")
-                    .arg(path()),
+                    .arg(shown()),
         QStringLiteral("Achtung!"));
     ReportBackup(outcome);
 
@@ -219,7 +221,7 @@ TEST_F(BackupTest, DoubtfulRecordsAreInTheFileAndNamed)
     EXPECT_EQ(ReadDds(content()).records.size(), 3U);
     user.expect(QStringLiteral("Der Handregler hat nicht immer geantwortet.\r\r"
                                "1 Datensatz in der Datei zweifelhaft:\rLokdatensätze: 3\r\rGespeichert in %1.")
-                    .arg(path()),
+                    .arg(shown()),
         QStringLiteral("Achtung!"));
     ReportBackup(outcome);
 
@@ -227,7 +229,7 @@ TEST_F(BackupTest, DoubtfulRecordsAreInTheFileAndNamed)
     user.expect(QStringLiteral("Nicht alles, was vom Handregler kam, ist eindeutig.\r\r"
                                "1 Datensatz als leer gelesen und nicht in der Datei, ebenfalls zweifelhaft:\r"
                                "Lokdatensätze: 4000\r\rGespeichert in %1.")
-                    .arg(path("strange.dds")),
+                    .arg(shown("strange.dds")),
         QStringLiteral("Achtung!"));
     ReportBackup(Backup(path("strange.dds"), listOf(LokDatenList, "3-4,4000")));
 }
@@ -239,7 +241,7 @@ TEST_F(BackupTest, ADoubtfulBackupReplacesAGoodOneOnlyWhenTheUserSaysSo)
     const QString question = QStringLiteral("Die neue Datensicherung ist unvollständig oder zweifelhaft.\r"
                                             "Soll sie die vorhandene Datei %1 trotzdem ersetzen?\r"
                                             "(Nein: sie wird als %2 gespeichert)")
-                                 .arg(path(), beside);
+                                 .arg(shown(), QDir::toNativeSeparators(beside));
     for (const char *answer : {"Nein", "Ja"}) {
         lay("old");
         QFile::remove(beside);
@@ -258,7 +260,7 @@ TEST_F(BackupTest, ADoubtfulBackupReplacesAGoodOneOnlyWhenTheUserSaysSo)
     lay("old");
     user.expect(
         QStringLiteral("Es wurde kein Datensatz gelesen.\rSoll sie die vorhandene Datei %1 trotzdem ersetzen?")
-            .arg(path()),
+            .arg(shown()),
         title, QStringLiteral("Nein"));
     EXPECT_EQ(Backup(path(), listOf(LokDatenList, "4000-4003")).end, JobEnd::NothingDone);
     EXPECT_EQ(content(), "old");
@@ -290,7 +292,7 @@ TEST_F(BackupTest, TheOfferNamesWhatTheFileHoldsAndTheEndWhatWasWritten)
         QStringLiteral("Die Datei %1 enthält:\r3 Lokdatensätze: 1-2, 8; 1 Loksymbole; Fahrstraßen.\r\r"
                        "Was der Handregler davon schon hat, wird überschrieben.\rDauer: höchstens 1 Minute.\r\r"
                        "Soll die Datensicherung in den Handregler geschrieben werden?")
-            .arg(path()));
+            .arg(shown()));
     user.expect(QStringLiteral("In den Handregler geschrieben:\r3 Lokdatensätze: 1-2, 8; 1 Loksymbole; Fahrstraßen"),
         QStringLiteral("Datensicherung zurückschreiben"));
     ReportRestore(Restore(offer->records));
@@ -298,7 +300,7 @@ TEST_F(BackupTest, TheOfferNamesWhatTheFileHoldsAndTheEndWhatWasWritten)
     EXPECT_LT(user.amounts.front().secondsLeft, 0);
     EXPECT_EQ(user.amounts.back().done, 4U);
     EXPECT_NEAR(user.amounts.back().secondsLeft, 0.95, 0.2);
-    user.expect(QStringLiteral("Gesichert in %1:\r1 Lokdatensatz: 1; Fahrstraßen").arg(path("b.dds")),
+    user.expect(QStringLiteral("Gesichert in %1:\r1 Lokdatensatz: 1; Fahrstraßen").arg(shown("b.dds")),
         QStringLiteral("Datensicherung"));
     BackupSelection selection = listOf(LokDatenList, "1");
     selection.fsDaten = true;
@@ -310,7 +312,7 @@ TEST_F(BackupTest, ADamagedFileIsCheckedBeforeAnythingIsWritten)
     const QByteArray good = locoFile(1, 2);
     const auto question = [&](int record, int position, const char *reason) {
         return QStringLiteral("Die Datei %1 ist beschädigt!\rDatensatz %2, Byteposition %3: %4.\r\r")
-            .arg(path())
+            .arg(shown())
             .arg(record)
             .arg(position)
             .arg(QString::fromUtf8(reason));
@@ -334,10 +336,10 @@ TEST_F(BackupTest, ADamagedFileIsCheckedBeforeAnythingIsWritten)
         QStringLiteral("Fehler!"));
     EXPECT_FALSE(OfferRestore(path()));
     lay(QByteArray());
-    user.expect(QStringLiteral("Die Datei %1 enthält keine Daten!").arg(path()), QStringLiteral("Achtung!"));
+    user.expect(QStringLiteral("Die Datei %1 enthält keine Daten!").arg(shown()), QStringLiteral("Achtung!"));
     EXPECT_FALSE(OfferRestore(path()));
     user.expect(
-        QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(path("none.dds")), QStringLiteral("Fehler!"));
+        QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(shown("none.dds")), QStringLiteral("Fehler!"));
     EXPECT_FALSE(OfferRestore(path("none.dds")));
     EXPECT_EQ(programs(), 2);
 }
