@@ -122,7 +122,7 @@ protected:
         std::vector<RecordChange> changes;
         measure({"8 neighbours, look", [&] { changes = LookAt(steps).changes; }});
         const auto write = [&](const CarefulWish &wish) {
-            return [&changes, wish] { static_cast<void>(WriteCarefully(changes, wish, nullptr, false)); };
+            return [&changes, wish] { static_cast<void>(WriteCarefully(changes, wish, nullptr, {})); };
         };
         measure({"8 neighbours, write", write({false, false, false})});
         measure({"8 neighbours, verify", write({false, true, false})});

@@ -93,33 +93,26 @@ Begin HowToBegin(const Call &call, const CarefulJob &job, const JournalHead &hea
     return Begin::Anew;
 }
 
-CarefulWish WishOf(const Call &call)
+CarefulWish WishOf(const Call &call, const CarefulJob &job)
 {
-    return {call.has(OnlyChangesOption), !call.has(NoVerifyOption), !call.has(NoSavingOption)};
-}
-
-bool IsFinished(const Report &report)
-{
-    return ExitOf(report) == Exit::Done;
+    return {call.has(OnlyChangesOption) || job.takesBack, !call.has(NoVerifyOption), !call.has(NoSavingOption),
+        job.takesBack};
 }
 
 Exit Write(const Call &call, const CarefulJob &job, const JournalHead &head, const std::vector<RecordChange> &changes,
-    Begin begin, const JournalContent &earlier)
+    const EarlierWork &earlier)
 {
     std::optional<Journal> journal;
     if (!job.fileName.isEmpty()) {
         journal.emplace(job.fileName);
-        const bool keep = begin == Begin::GoOn || !earlier.savedBefore.isEmpty();
-        if (!(keep ? journal->goOn() : journal->begin(head)))
+        if (!OpenJournal(*journal, head, earlier))
             return Exit::Usage;
     }
-    CarefulWish wish = WishOf(call);
-    const Report report =
-        WriteCarefully(changes, wish, journal ? &*journal : nullptr, !earlier.savedBefore.isEmpty());
-    if (journal && IsFinished(report))
+    const Report report = WriteCarefully(changes, WishOf(call, job), journal ? &*journal : nullptr, earlier);
+    if (journal && IsSettled(report))
         journal->remove();
     const Exit exit = PrintReport(call, report, job.heading, job.key);
-    if (journal && !IsFinished(report))
+    if (journal && !IsSettled(report))
         Tell(QStringLiteral("Was noch fehlt, schreibt derselbe Befehl mit --fortsetzen."));
     return exit;
 }
@@ -145,17 +138,18 @@ Exit RunCarefully(const Call &call, const CarefulJob &job)
     if (!service.ready())
         return service.failure();
     const JournalHead head{JobName(QStringLiteral("schreiben"), job.about), HandheldName(service.handheld())};
-    JournalContent earlier;
-    const Begin begin = call.has(ProbeOption) ? Begin::Anew : HowToBegin(call, job, head, earlier);
+    JournalContent found;
+    const Begin begin = call.has(ProbeOption) ? Begin::Anew : HowToBegin(call, job, head, found);
     if (begin == Begin::Refused)
         return Exit::Usage;
+    const EarlierWork earlier = EarlierWorkOf(found);
     const Look look = LookAt(StepsLeft(job.steps, earlier));
     if (look.end != JobEnd::Complete) {
         Tell(EndText(look.end, QStringLiteral("Abgebrochen.")) + QStringLiteral(" Es wurde nichts geschrieben."));
         return ExitOf(look.end, true);
     }
     if (!call.has(ProbeOption))
-        return Write(call, job, head, look.changes, begin, earlier);
+        return Write(call, job, head, look.changes, earlier);
     PrintChanges(call, look.changes, Shown::All);
     return Exit::Done;
 }

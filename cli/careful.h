@@ -12,8 +12,9 @@ struct CarefulJob {
     QString fileName; // beside which the journal lies; empty: there is none
     QByteArray about; // what the job is about: another content is another job
     std::vector<Step> steps;
-    QString heading; // of what was done: "In den Handregler geschrieben:"
-    QString key;     // the same in JSON
+    QString heading;        // of what was done: "In den Handregler geschrieben:"
+    QString key;            // the same in JSON
+    bool takesBack = false; // writes back what stood there: only what differs
 };
 
 /// Calls the handheld and carries the job out, or only shows what it would do (--probe).

@@ -22,7 +22,7 @@ Exit Run(const Call &call)
         return Exit::Usage;
     const DdsContent content = ReadDds(*file);
     std::vector<RecordId> ids;
-    CarefulJob job{{}, *file, {}, QStringLiteral("Zurückgenommen:"), QStringLiteral("geschrieben")};
+    CarefulJob job{{}, *file, {}, QStringLiteral("Zurückgenommen:"), QStringLiteral("geschrieben"), true};
     for (const DdsRecord &record : content.records) {
         ids.push_back(record.id);
         job.steps.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});

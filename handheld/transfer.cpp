@@ -329,6 +329,8 @@ Result<bool> PageEqualsBuffer1(int address)
         return {false, asked};
     for (int look = 0; look < StatusLooks; ++look) {
         const Result<int> status = ReadStatus();
+        if (status.outcome.how() == End::Damaged)
+            continue; // looking once more harms nobody
         if (!status.ok())
             return {false, status.outcome};
         if ((status.value & StatusReady) != 0)

@@ -3,9 +3,11 @@
 #include "handheld/backup/dds_file.h"
 #include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
+#include "jobs/careful_write.h"
 #include "jobs/report.h"
 #include "platform/files.h"
 #include "program/ask.h"
+#include "program/run_control.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -210,14 +212,22 @@ void ReportDoubtful(const BackupOutcome &outcome)
 }
 
 /// Begins a journal or goes on with the one that fits. False after a box.
-bool OpenJournal(Journal &journal, const QString &fileName, const BackupSelection &selection,
+bool OpenBackupJournal(Journal &journal, const QString &fileName, const BackupSelection &selection,
     const BackupMemory &memory, JournalContent &earlier)
 {
     const JournalHead head = BackupHead(selection, memory.handheld);
-    const auto found = memory.goOn ? ReadJournal(fileName) : std::nullopt;
-    if (!found || found->head != head)
+    JournalContent content;
+    const Earlier found = EarlierPart(fileName, head, content);
+    if (BoxesAreSilent())
+        return false; // nobody said that what is there may go
+    if (const QString fault = EarlierFault(found, fileName); !fault.isEmpty()) {
+        const BoxText question{fault + QStringLiteral("\rSoll er verworfen und von vorn begonnen werden?"),
+            QStringLiteral("Datensicherung"), BoxIcon::Critical};
+        return TheAsk().askYesNo(question, false) && journal.begin(head);
+    }
+    if (found == Earlier::None || !memory.goOn)
         return journal.begin(head);
-    earlier = *found;
+    earlier = content;
     return journal.goOn();
 }
 
@@ -295,7 +305,7 @@ BackupOutcome Backup(
     }
     std::optional<Journal> journal;
     JournalContent earlier;
-    if (memory && !OpenJournal(journal.emplace(fileName), fileName, selection, *memory, earlier)) {
+    if (memory && !OpenBackupJournal(journal.emplace(fileName), fileName, selection, *memory, earlier)) {
         outcome.end = JobEnd::NothingDone;
         return outcome;
     }

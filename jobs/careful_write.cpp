@@ -7,6 +7,7 @@
 #include "program/run_control.h"
 
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 
@@ -85,8 +86,8 @@ LocoBytes Beneath(const RecordChange &change)
 class Writer
 {
 public:
-    Writer(const std::vector<RecordChange> &all, const CarefulWish &wanted, Journal *keeper)
-        : changes(all), wish(wanted), journal(keeper)
+    Writer(const std::vector<RecordChange> &all, const CarefulWish &wanted, Journal *keeper, const EarlierWork &work)
+        : changes(all), wish(wanted), journal(keeper), earlier(work)
     {
         for (const RecordChange &change : changes) {
             JobEntry entry{{StepKind::Write, change.id, change.wanted, {}}, RecordState::Untouched, {}, {}, {}};
@@ -99,11 +100,11 @@ public:
         }
     }
 
-    Report run(bool alreadySaved)
+    Report run()
     {
         std::vector<RecordChange> wanted = ToBeWritten(changes, wish.onlyChanges);
         std::erase_if(wanted, [](const RecordChange &change) { return change.change == Change::Unknown; });
-        if (wish.saveBefore && !alreadySaved && !wanted.empty() && !save(wanted))
+        if (wish.saveBefore && !wanted.empty() && !save(wanted))
             return std::move(report);
         writeAll(wanted);
         TheAsk().hideProgress();
@@ -113,8 +114,11 @@ public:
 private:
     JobEntry &entryOf(const RecordId &id) { return report.entries.at(places.at(id)); }
 
+    /// What stood there before: before the earlier part where that has touched the page.
     std::optional<RecordValue> knownValue(const RecordId &id) const
     {
+        if (const auto saved = earlier.saved.find(id); saved != earlier.saved.end())
+            return saved->second;
         const auto found = places.find(id);
         return found != places.end() ? changes.at(found->second).present : std::nullopt;
     }
@@ -123,6 +127,8 @@ private:
     bool save(std::vector<RecordChange> &wanted)
     {
         std::set<RecordId> ids;
+        for (const auto &[id, value] : earlier.saved)
+            ids.insert(id);
         for (const RecordChange &change : wanted) {
             for (const RecordId &id : RecordsOfPage(change.id))
                 ids.insert(id);
@@ -137,12 +143,16 @@ private:
         for (const RecordId &id : ids)
             file += packed(id, read);
         leaveOutDoubtfulPages(wanted, read);
-        const QString name = SaveBefore(file);
+        const QString name = SaveBefore(file, wish.takesBack);
         if (name.isEmpty())
             report.end = JobEnd::NothingDone;
         else if (journal != nullptr)
             journal->savedBefore(name);
-        return !name.isEmpty();
+        if (name.isEmpty() || !journalSound())
+            return false;
+        if (!earlier.savedBefore.isEmpty())
+            QFile::remove(earlier.savedBefore); // all of it is in the new one
+        return true;
     }
 
     QByteArray packed(const RecordId &id, const Report &read) const
@@ -196,6 +206,8 @@ private:
         const Outcome outcome = programSurely(group);
         if (outcome.ok() || outcome.how() == End::Differs) {
             noteInJournal(group, page);
+            if (TransferBrokenOff() && !IsSettled(report))
+                report.end = WhyJobBrokeOff();
             return journalSound() && !TransferBrokenOff();
         }
         report.end = outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
@@ -207,6 +219,8 @@ private:
         Outcome outcome;
         for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
             outcome = program(group);
+            if (repeat > 0 && outcome.how() == End::GivenUp)
+                outcome = Outcome(End::NoAnswer, outcome.at()); // it was programmed before
             note(group, outcome);
             if (!outcome.ok() || !wish.verify || !readBackDiffers(group))
                 break;
@@ -292,6 +306,7 @@ private:
     const std::vector<RecordChange> &changes;
     const CarefulWish wish;
     Journal *journal;
+    const EarlierWork &earlier;
     std::map<RecordId, size_t> places; // of the changes and of the report's entries
     Report report;
 };
@@ -311,16 +326,64 @@ Look LookAt(const std::vector<Step> &steps)
         ids.push_back(steps.at(i).id);
         once.push_back(steps.at(i));
     }
+    const StoppableJob stoppable;
     const SilentTransfers silent;
     const Report read = ReadSurely(ids);
     return {read.end, ChangesOf(once, read)};
 }
 
 Report WriteCarefully(
-    const std::vector<RecordChange> &changes, const CarefulWish &wish, Journal *journal, bool alreadySaved)
+    const std::vector<RecordChange> &changes, const CarefulWish &wish, Journal *journal, const EarlierWork &earlier)
 {
+    const StoppableJob stoppable; // one for reading and writing: a stop between them counts
     const SilentTransfers silent;
-    return Writer(changes, wish, journal).run(alreadySaved);
+    return Writer(changes, wish, journal, earlier).run();
+}
+
+bool OpenJournal(Journal &journal, const JournalHead &head, const EarlierWork &earlier)
+{
+    if (earlier.finished.empty() && earlier.openPages.empty() && earlier.savedBefore.isEmpty())
+        return journal.begin(head);
+    if (!journal.goOn())
+        return false;
+    if (earlier.finished.empty())
+        journal.beginsAnew();
+    return true;
+}
+
+bool IsSettled(const Report &report)
+{
+    return report.end == JobEnd::Complete && std::ranges::all_of(report.entries, [](const JobEntry &entry) {
+        return entry.state == RecordState::Done || entry.state == RecordState::Unchanged
+            || entry.state == RecordState::Empty;
+    });
+}
+
+EarlierWork EarlierWorkOf(const JournalContent &content)
+{
+    EarlierWork work{content.finished, content.openPages, content.savedBefore, {}};
+    if (content.savedBefore.isEmpty())
+        return work;
+    std::vector<DdsRecord> records;
+    const SavedState state = LoadSavedBefore(content.savedBefore, records);
+    if (state == SavedState::Gone && !content.openPages.empty())
+        TheAsk().showBox(
+            {QStringLiteral("Die Datei %1 kann nicht gelesen werden.\rDie Nachbarn der Speicherseite, bei der "
+                            "der Auftrag abbrach, können nicht\rwiederhergestellt werden. Bitte prüfen Sie sie.")
+                    .arg(QDir::toNativeSeparators(content.savedBefore)),
+                QStringLiteral("Achtung!"), BoxIcon::Critical});
+    if (state == SavedState::TakenBack)
+        return {};
+    if (state == SavedState::Gone)
+        return {{}, content.openPages, {}, {}};
+    std::set<int> touched = content.openPages;
+    for (const RecordId &id : content.finished)
+        touched.insert(PageAddressOf(id));
+    for (const DdsRecord &record : records) {
+        if (touched.contains(PageAddressOf(record.id)))
+            work.saved.insert_or_assign(record.id, UnpackRecord(record));
+    }
+    return work;
 }
 
 Earlier EarlierPart(const QString &fileName, const JournalHead &head, JournalContent &content)
@@ -351,19 +414,37 @@ QString EarlierFault(Earlier earlier, const QString &fileName)
         .arg(QDir::toNativeSeparators(JournalName(fileName)), reason);
 }
 
-std::vector<Step> StepsLeft(const std::vector<Step> &steps, const JournalContent &earlier)
+namespace
+{
+
+/// On a page that may be destroyed a step is merged with what stood there before.
+Step Settled(const Step &step, const EarlierWork &earlier)
+{
+    const auto saved = earlier.saved.find(step.id);
+    if (step.kind != StepKind::Merge || saved == earlier.saved.end())
+        return step;
+    const auto *loco = std::get_if<LocoRecord>(&saved->second);
+    if (loco != nullptr && IsEmptyName(loco->name))
+        return {StepKind::Write, step.id, step.fillsEmpty ? step.value : saved->second, {}};
+    return {StepKind::Write, step.id, step.merge(saved->second), {}};
+}
+
+} // namespace
+
+std::vector<Step> StepsLeft(const std::vector<Step> &steps, const EarlierWork &earlier)
 {
     const std::set<RecordId> finished(earlier.finished.begin(), earlier.finished.end());
     const auto isOpen = [&](const RecordId &id) { return earlier.openPages.contains(PageAddressOf(id)); };
     std::vector<Step> left;
-    const auto before = earlier.savedBefore.isEmpty() ? std::nullopt : LoadDds(earlier.savedBefore);
-    for (const DdsRecord &record : before ? ReadDds(*before).records : std::vector<DdsRecord>()) {
-        const bool ours = std::ranges::any_of(steps, [&](const Step &step) { return step.id == record.id; });
-        if (isOpen(record.id) && !ours)
-            left.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
+    for (const auto &[id, value] : earlier.saved) {
+        const bool ours = std::ranges::any_of(steps, [&](const Step &step) { return step.id == id; });
+        if (isOpen(id) && !ours)
+            left.push_back({StepKind::Write, id, value, {}});
     }
     for (const Step &step : steps) {
-        if (isOpen(step.id) || !finished.contains(step.id))
+        if (isOpen(step.id))
+            left.push_back(Settled(step, earlier));
+        else if (!finished.contains(step.id))
             left.push_back(step);
     }
     return left;

@@ -246,6 +246,8 @@ std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const
         const auto after = valueIn(right, id);
         if (before && after)
             changes.push_back({id, ChangeOf(before, *after), *after, before, {}});
+        else
+            changes.push_back({id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}});
     }
     return changes;
 }

@@ -54,8 +54,7 @@ Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wa
 std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present);
 
 /// Two files side by side: the records of both, each once, in the order of the first and then of the second. `present` is
-/// the first one's, `wanted` the second one's; a loco that only the first one has is Emptied, any other record that only
-/// one has is left out.
+/// the first one's, `wanted` the second one's. What only the second one has is New, what only the first one has is Emptied.
 std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const std::vector<DdsRecord> &second);
 
 /// The pages that would be programmed, and about how long that takes at the measured speed.

@@ -18,6 +18,7 @@ const auto PageEndWord = QStringLiteral("seitenende");
 const auto FinishedWord = QStringLiteral("fertig");
 const auto DataWord = QStringLiteral("daten");
 const auto EmptyWord = QStringLiteral("leer");
+const auto AnewWord = QStringLiteral("neu");
 
 constexpr qint64 LargestJournal = 64 * 1024 * 1024;
 
@@ -66,6 +67,10 @@ bool TakeLine(JournalContent &content, const QString &line)
 {
     const QString word = line.section(u' ', 0, 0);
     const QString rest = line.section(u' ', 1);
+    if (line == AnewWord) {
+        content.finished.clear();
+        return true;
+    }
     if (word == BeforeWord) {
         content.savedBefore = rest;
         return true;
@@ -182,6 +187,11 @@ void Journal::line(const QString &text)
 {
     const QByteArray bytes = text.toUtf8() + '\n';
     writes = writes && file.write(bytes) == bytes.size() && file.flush();
+}
+
+void Journal::beginsAnew()
+{
+    line(AnewWord);
 }
 
 void Journal::savedBefore(const QString &beforeFile)

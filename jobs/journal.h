@@ -13,6 +13,7 @@
 //   fertig <kind> <number>    this record is written, and verified where that was wanted
 //   daten <hex>               this record is read: its bytes as in a backup file
 //   leer <kind> <number>      this record was read and is empty
+//   neu                       from here on all is done anew: what is finished above does not count any more
 //
 // A lock file beside it keeps two programs off one journal.
 #pragma once
@@ -68,6 +69,7 @@ public:
     [[nodiscard]] bool begin(const JournalHead &head);
     [[nodiscard]] bool goOn();
 
+    void beginsAnew();
     void savedBefore(const QString &beforeFile);
     void pageBegins(int address);
     void pageEnds(int address);

@@ -19,13 +19,18 @@ QString Folder()
 }
 
 /// Named so that the order of the names is the order in time.
-QString NewName()
+QString NewName(const QString &ending)
 {
     const QString front = Folder() + u'/' + TheEvents().now().toString(QStringLiteral("yyyy-MM-dd-HHmmss"));
-    QString name = front + BeforeEnding;
+    QString name = front + ending;
     for (int n = 2; QFile::exists(name); ++n)
-        name = front + u'-' + QString::number(n) + BeforeEnding;
+        name = front + u'-' + QString::number(n) + ending;
     return name;
+}
+
+QString TakenBackName(QString fileName)
+{
+    return fileName.replace(BeforeEnding, TakenBackEnding);
 }
 
 void RemoveOldest()
@@ -38,16 +43,27 @@ void RemoveOldest()
 
 } // namespace
 
-QString SaveBefore(const QByteArray &records)
+QString SaveBefore(const QByteArray &records, bool takesBack)
 {
     QDir().mkpath(Folder());
-    const QString name = NewName();
+    const QString name = NewName(takesBack ? TakenBackEnding : BeforeEnding);
     if (!ReplaceFile(name, records)) {
         ReportFileUnwritable(name);
         return {};
     }
     RemoveOldest();
     return name;
+}
+
+SavedState LoadSavedBefore(const QString &fileName, std::vector<DdsRecord> &records)
+{
+    const auto file = LoadDds(fileName);
+    const DdsContent content = file ? ReadDds(*file) : DdsContent();
+    if (file && !content.fault) {
+        records = content.records;
+        return SavedState::Sound;
+    }
+    return !file && FileExists(TakenBackName(fileName)) ? SavedState::TakenBack : SavedState::Gone;
 }
 
 QString LastSavedBefore()
@@ -58,6 +74,5 @@ QString LastSavedBefore()
 
 void MarkAsTakenBack(const QString &fileName)
 {
-    QString taken = fileName;
-    QFile::rename(fileName, taken.replace(BeforeEnding, TakenBackEnding));
+    QFile::rename(fileName, TakenBackName(fileName));
 }

@@ -128,8 +128,8 @@ MustFinish::~MustFinish()
 
 StoppableJob::StoppableJob()
 {
-    ++state.jobs;
-    state.stopConfirmed = false;
+    if (state.jobs++ == 0)
+        state.stopConfirmed = false; // a job inside another one does not forget its stop
 }
 
 StoppableJob::~StoppableJob()

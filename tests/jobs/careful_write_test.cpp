@@ -91,15 +91,16 @@ protected:
     /// One run of the job as a face would make it, from its journal if there is one.
     Report run(const std::vector<Step> &steps, const CarefulWish &wish)
     {
-        JournalContent earlier;
-        const Earlier found = EarlierPart(file(), head(), earlier);
+        JournalContent content;
+        static_cast<void>(EarlierPart(file(), head(), content));
+        const EarlierWork earlier = EarlierWorkOf(content);
         const Look look = LookAt(StepsLeft(steps, earlier));
         if (look.end != JobEnd::Complete)
             return {look.end, {}};
         Journal journal(file());
-        EXPECT_TRUE(found == Earlier::Fits ? journal.goOn() : journal.begin(head()));
-        Report report = WriteCarefully(look.changes, wish, &journal, !earlier.savedBefore.isEmpty());
-        if (report.end == JobEnd::Complete)
+        EXPECT_TRUE(OpenJournal(journal, head(), earlier));
+        Report report = WriteCarefully(look.changes, wish, &journal, earlier);
+        if (IsSettled(report))
             journal.remove();
         return report;
     }
@@ -209,13 +210,13 @@ TEST_F(CarefulWrites, WhatStoodThereComesBack)
     for (const DdsRecord &record : ReadDds(*ReadWholeFile(LastSavedBefore())).records)
         back.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
     const Look look = LookAt(back);
-    EXPECT_EQ(WriteCarefully(look.changes, {true, true, false}, nullptr, false).end, JobEnd::Complete);
+    EXPECT_EQ(WriteCarefully(look.changes, {true, true, false}, nullptr, {}).end, JobEnd::Complete);
     EXPECT_TRUE(flashIs({})) << "the neighbours that the power cut destroyed too";
     MarkAsTakenBack(LastSavedBefore());
     EXPECT_TRUE(LastSavedBefore().isEmpty());
     for (int i = 0; i < 25; ++i) {
         events.run(1);
-        EXPECT_FALSE(SaveBefore("x").isEmpty());
+        EXPECT_FALSE(SaveBefore("x", false).isEmpty());
     }
     EXPECT_EQ(
         QDir(folder.filePath(QStringLiteral("konf/Sicherungen"))).entryList(QDir::Files).size(), MostSavedBefore);
@@ -279,4 +280,74 @@ TEST_F(CarefulWrites, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)
         QFile::remove(file());
         events.run(10);
     }
+}
+
+TEST_F(CarefulWrites, WhatHappenedSinceTheEarlierPartCounts)
+{
+    user.acceptAnyBox();
+    const CarefulWish wish{true, true, true};
+    afterNextProgram(RequestEnd);
+    run(fourWrites(), wish);
+    ASSERT_TRUE(QFile::exists(JournalName(file())));
+    reconnect();
+    events.run(10);
+    ASSERT_NE(flash().state.memory, original);
+    // A record of a page not written yet changes: the second part saves what stands there now.
+    const LocoRecord edited{FitLocoName(QStringLiteral("MITTWOCH")), {}, {}, 0, 1};
+    LocoBytes beneath{};
+    beneath.fill(EmptyByte);
+    QByteArray bytes;
+    for (const int byte : EncodeLoco(edited, beneath))
+        bytes.append(static_cast<char>(byte));
+    flash().setBytes(LocoRecordAddress(21), bytes);
+    EXPECT_EQ(run(fourWrites(), wish).end, JobEnd::Complete);
+    std::map<int, RecordValue> saved;
+    for (const DdsRecord &record : ReadDds(*ReadWholeFile(LastSavedBefore())).records)
+        saved.insert_or_assign(record.id.number, UnpackRecord(record));
+    EXPECT_TRUE(SameContent(saved.at(21), edited));
+    EXPECT_TRUE(SameContent(saved.at(2), originals.at(2))) << "as it was before the first part";
+    // When the earlier part was taken back, nothing of it counts as finished.
+    flash().state.memory = original;
+    afterNextProgram(RequestEnd);
+    run(fourWrites(), wish);
+    reconnect();
+    events.run(10);
+    ASSERT_NE(flash().state.memory, original);
+    flash().state.memory = original;
+    MarkAsTakenBack(LastSavedBefore());
+    EXPECT_EQ(run(fourWrites(), wish).end, JobEnd::Complete);
+    EXPECT_TRUE(flashIs(fourWrites()));
+}
+
+TEST_F(CarefulWrites, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
+{
+    user.acceptAnyBox();
+    Step merge{
+        StepKind::Merge, {KindLoco, 2}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1}, {}, true};
+    merge.merge = [](const RecordValue &present) {
+        LocoRecord loco = std::get<LocoRecord>(present);
+        loco.name = FitLocoName(QStringLiteral("NEU"));
+        return RecordValue(loco);
+    };
+    strike(&sim::Faults::powerCut, 1);
+    EXPECT_EQ(run({merge}, {true, true, true}).end, JobEnd::NoAnswer);
+    reconnect();
+    EXPECT_EQ(run({merge}, {true, true, true}).end, JobEnd::Complete);
+    EXPECT_TRUE(flashIs({{StepKind::Write, merge.id, merge.merge(originals.at(2)), {}}}));
+}
+
+TEST_F(CarefulWrites, ABackupLeavesAJournalThatIsNotItsOwn)
+{
+    {
+        Journal journal(file());
+        ASSERT_TRUE(journal.begin(head()));
+        journal.pageBegins(512);
+    }
+    const QByteArray before = *ReadWholeFile(JournalName(file()));
+    BackupSelection selection;
+    selection.numbered.at(FktSymbolList) = {true, false, QStringLiteral("0")};
+    user.acceptAnyBox(); // No to all questions
+    EXPECT_EQ(Backup(file(), selection, BackupMemory{QStringLiteral("51201 1.2"), false}).end, JobEnd::NothingDone);
+    EXPECT_EQ(user.boxes.size(), 1);
+    EXPECT_EQ(*ReadWholeFile(JournalName(file())), before);
 }

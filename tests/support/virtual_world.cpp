@@ -210,6 +210,11 @@ void VirtualWorld::strike(sim::Fault sim::Faults::*fault, int nth)
     layout().faults.set(faults);
 }
 
+void VirtualWorld::afterProgram(int count, const std::function<void()> &what)
+{
+    events.after(10'000, [this, count, what] { executed(0x83) >= count ? what() : afterProgram(count, what); });
+}
+
 int VirtualWorld::messagesOnBus(int opcode)
 {
     int count = 0;

@@ -125,9 +125,16 @@ protected:
     /// How often the chip has executed an opcode.
     int executed(int opcode) { return flash().state.executed.at(static_cast<size_t>(opcode)); }
 
+    /// Does it soon after the next page program.
+    void afterNextProgram(const std::function<void()> &what) { afterProgram(executed(0x83) + 1, what); }
+
     /// Messages of this opcode on the bus so far.
     int messagesOnBus(int opcode);
 
+private:
+    void afterProgram(int count, const std::function<void()> &what);
+
+protected:
     QTemporaryDir folder; // the program folder, with an empty konf
     VirtualEvents events;
     sim::SimPort port{events};

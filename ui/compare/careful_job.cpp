@@ -15,47 +15,31 @@ BoxText Question(const QString &text, const QString &title)
 }
 
 /// The earlier part of a job; nothing when the job is not to begin. What is gone on with stays in the content.
-std::optional<JournalContent> EarlierOf(const CarefulJob &job, const JournalHead &head)
+std::optional<EarlierWork> EarlierOf(const CarefulJob &job, const JournalHead &head)
 {
     JournalContent earlier;
     const Earlier found = job.fileName.isEmpty() ? Earlier::None : EarlierPart(job.fileName, head, earlier);
     if (found == Earlier::None)
-        return JournalContent();
+        return EarlierWork();
     if (const QString fault = EarlierFault(found, job.fileName); !fault.isEmpty()) {
         const BoxText question{fault + QStringLiteral("\rSoll er verworfen und von vorn begonnen werden?"), job.title,
             BoxIcon::Critical};
-        return TheAsk().askYesNo(question, false) ? std::optional(JournalContent()) : std::nullopt;
+        return TheAsk().askYesNo(question, false) ? std::optional(EarlierWork()) : std::nullopt;
     }
-    const QString mended = earlier.openPages.empty()
+    EarlierWork work = EarlierWorkOf(earlier);
+    if (work.finished.empty() && work.openPages.empty())
+        return work;
+    const QString mended = work.openPages.empty()
         ? QString()
         : QStringLiteral("\rDie Speicherseite, bei der er abbrach, wird dabei wiederhergestellt.");
     if (!TheAsk().askYesNo(
             Question(QStringLiteral("Dieser Auftrag wurde abgebrochen; erledigt: %1.\rSoll er fortgesetzt werden?")
-                         .arg(RecordCount(earlier.finished.size()))
+                         .arg(RecordCount(work.finished.size()))
                     + mended,
                 job.title),
             true))
-        earlier.finished.clear();
-    return earlier;
-}
-
-/// True when the earlier part has saved the pages of all steps.
-bool SavedAll(const JournalContent &earlier, const std::vector<Step> &steps)
-{
-    const auto file = earlier.savedBefore.isEmpty() ? std::nullopt : LoadDds(earlier.savedBefore);
-    if (!file)
-        return false;
-    std::set<RecordId> saved;
-    for (const DdsRecord &record : ReadDds(*file).records)
-        saved.insert(record.id);
-    return std::ranges::all_of(steps, [&](const Step &step) { return saved.contains(step.id); });
-}
-
-bool IsSound(const Report &report)
-{
-    return report.end == JobEnd::Complete && std::ranges::all_of(report.entries, [](const JobEntry &entry) {
-        return entry.state == RecordState::Done || entry.state == RecordState::Unchanged;
-    });
+        work.finished.clear(); // an interrupted page is made good in any case
+    return work;
 }
 
 void TellNothingDone(JobEnd end)
@@ -64,28 +48,6 @@ void TellNothingDone(JobEnd end)
         ShowEndBox(end,
             EndText(end, QStringLiteral("Das Lesen wurde abgebrochen."))
                 + QStringLiteral("\rEs wurde nichts geschrieben."));
-}
-
-/// The pages that an earlier part left half programmed, as they stood before it. False when that did not work; the user
-/// has been told.
-bool Mend(const CarefulJob &job, const JournalContent &earlier)
-{
-    const std::vector<Step> steps = StepsLeft({}, earlier);
-    if (steps.empty())
-        return true;
-    const Look look = LookAt(steps);
-    Journal journal(job.fileName);
-    if (look.end != JobEnd::Complete || !journal.goOn()) {
-        TellNothingDone(look.end);
-        return false;
-    }
-    const Report report = WriteCarefully(look.changes, {true, true, false}, &journal, true);
-    if (!IsSound(report))
-        ShowEndBox(report.end,
-            EndText(report.end, QStringLiteral("Abgebrochen."))
-                + QStringLiteral("\rEine Speicherseite ist noch nicht wiederhergestellt:\r")
-                + RecordsText(IdsOf(report, RecordState::Untouched)));
-    return IsSound(report);
 }
 
 bool MayWrite(const Command &command, const CarefulJob &job, const Look &look)
@@ -130,12 +92,12 @@ void ShowReport(const CarefulJob &job, const Report &report)
     if (report.end == JobEnd::NothingDone && IdsOf(report, RecordState::Done).empty())
         return; // the reason has been told
     QString text = ReportText(report);
-    if (!IsSound(report) && !job.fileName.isEmpty())
+    if (!IsSettled(report) && !job.fileName.isEmpty())
         text += QStringLiteral("\r\rWas noch fehlt, wird beim nächsten Schreiben dieser Datei fortgesetzt.");
     if (EndedEarly(report.end))
         ShowEndBox(report.end,
             EndText(report.end, QStringLiteral("Das Schreiben wurde abgebrochen.")) + QStringLiteral("\r\r") + text);
-    else if (IsSound(report))
+    else if (IsSettled(report))
         ShowDoneBox(text, job.title);
     else
         TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
@@ -158,18 +120,27 @@ std::vector<RecordChange> AfterWriting(std::vector<RecordChange> changes, const 
     return changes;
 }
 
-Report Write(const CarefulJob &job, const JournalHead &head, const Look &look, const JournalContent &earlier)
+Report Write(const CarefulJob &job, const JournalHead &head, const Look &look, const EarlierWork &earlier)
 {
-    const bool goesOn = earlier.head == head && !(earlier.finished.empty() && earlier.savedBefore.isEmpty());
     if (job.fileName.isEmpty())
-        return WriteCarefully(look.changes, job.wish, nullptr, false);
+        return WriteCarefully(look.changes, job.wish, nullptr, earlier);
     Journal journal(job.fileName);
-    if (!(goesOn ? journal.goOn() : journal.begin(head)))
+    if (!OpenJournal(journal, head, earlier))
         return {JobEnd::NothingDone, {}};
-    Report report = WriteCarefully(look.changes, job.wish, &journal, !earlier.savedBefore.isEmpty());
-    if (IsSound(report))
+    Report report = WriteCarefully(look.changes, job.wish, &journal, earlier);
+    if (IsSettled(report))
         journal.remove();
     return report;
+}
+
+/// The guard may have found another handheld while the question was open: what was looked at is not its content.
+bool IsStill(const JournalHead &head, const CarefulJob &job)
+{
+    if (HandheldName(ShownHandheld()) == head.handheld)
+        return true;
+    TheAsk().showBox({QStringLiteral("Jetzt ist ein anderer Handregler verbunden.\rEs wurde nichts geschrieben."),
+        job.title, BoxIcon::Critical});
+    return false;
 }
 
 } // namespace
@@ -177,28 +148,19 @@ Report Write(const CarefulJob &job, const JournalHead &head, const Look &look, c
 CarefulEnd RunCarefully(const Command &command, const CarefulJob &job)
 {
     const JournalHead head{JobName(QStringLiteral("schreiben"), job.about), HandheldName(ShownHandheld())};
-    auto earlier = EarlierOf(job, head);
-    if (!earlier || !command.connected())
+    const auto earlier = EarlierOf(job, head);
+    if (!earlier || !command.connected() || !IsStill(head, job))
         return {};
-    std::vector<Step> left = StepsLeft(job.steps, *earlier);
-    if (!earlier->savedBefore.isEmpty() && !SavedAll(*earlier, left)) {
-        // Other records than in the earlier part: its pages first, then a job of its own.
-        if (!Mend(job, *earlier))
-            return {};
-        earlier->openPages.clear();
-        left = StepsLeft(job.steps, *earlier);
-        *earlier = {};
-    }
-    const Look look = LookAt(left);
+    const Look look = LookAt(StepsLeft(job.steps, *earlier));
     if (look.end != JobEnd::Complete) {
         TellNothingDone(look.end);
         return {};
     }
-    if (!MayWrite(command, job, look))
+    if (!MayWrite(command, job, look) || !IsStill(head, job))
         return {false, look.changes};
     const Report report = Write(job, head, look, *earlier);
     ShowReport(job, report);
     if (report.entries.size() != look.changes.size())
         return {false, look.changes};
-    return {IsSound(report), AfterWriting(look.changes, report)};
+    return {IsSettled(report), AfterWriting(look.changes, report)};
 }

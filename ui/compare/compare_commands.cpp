@@ -83,7 +83,8 @@ void TakeBackLastChange()
     const auto file = LoadBackupFile(fileName);
     if (!file || !command.connected())
         return;
-    const CarefulJob job{{}, {}, RestorePlan(file->records).steps, {true, true, false}, title, TakeBackLead(*file)};
+    const CarefulJob job{
+        {}, {}, RestorePlan(file->records).steps, {true, true, true, true}, title, TakeBackLead(*file)};
     if (RunCarefully(command, job).complete)
         MarkAsTakenBack(fileName);
 }

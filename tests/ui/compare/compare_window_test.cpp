@@ -179,7 +179,7 @@ TEST_F(CompareTest, ABrokenWriteGoesOnFromTheWindow)
         openOnHandheld();
         user.onBox = [this, &strikes] {
             if (user.boxes.constLast().contains(u"Soll geschrieben werden?"))
-                events.after(400'000, strikes);
+                afterNextProgram(strikes);
         };
         answer(QStringLiteral("Ja"));
         answerBox();
