@@ -306,7 +306,7 @@ BackupOutcome Backup(
     std::optional<Journal> journal;
     JournalContent earlier;
     if (memory && !OpenBackupJournal(journal.emplace(fileName), fileName, selection, *memory, earlier)) {
-        outcome.end = JobEnd::NothingDone;
+        outcome.end = BoxesAreSilent() ? JobEnd::ProgramEnds : JobEnd::NothingDone;
         return outcome;
     }
     const Report report = ReadAll(BackupPlan(selection), earlier, journal ? &*journal : nullptr);

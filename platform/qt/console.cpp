@@ -2,6 +2,7 @@
 
 #include <QSocketNotifier>
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -53,13 +54,15 @@ unsigned PrepareOutput()
 
 void RestoreOutput(unsigned) { }
 
-/// The only character devices that are no terminals and that a program is called with are those that swallow or give
-/// nothing.
+/// Of the character devices that a program is called with only these are no terminals.
 bool IsTerminal(int, const char *device)
 {
     std::error_code error;
-    const bool character = std::filesystem::is_character_file(device, error);
-    return character && !error && !std::filesystem::equivalent(device, "/dev/null", error) && !error;
+    if (!std::filesystem::is_character_file(device, error) || error)
+        return false;
+    const std::string real = std::filesystem::canonical(device, error).string();
+    const auto devices = {"/dev/null", "/dev/zero", "/dev/full", "/dev/random", "/dev/urandom"};
+    return !error && std::ranges::find(devices, real) == devices.end();
 }
 #endif
 
