@@ -89,7 +89,7 @@ Begin HowToBegin(const Call &call, const CarefulJob &job, const JournalHead &hea
         {}, BoxIcon::None};
     if (call.has(GoOnOption) || TheAsk().askYesNo(question, true))
         return Begin::GoOn;
-    earlier.finished.clear(); // an interrupted page is made good in any case
+    earlier.finished.clear(); // an interrupted page is made good in any case, and what was saved stays
     return Begin::Anew;
 }
 

@@ -143,6 +143,8 @@ private:
         for (const RecordId &id : ids)
             file += packed(id, read);
         leaveOutDoubtfulPages(wanted, read);
+        if (!saveNewerEdits(wanted))
+            return false;
         const QString name = SaveBefore(file, wish.takesBack);
         if (name.isEmpty())
             report.end = JobEnd::NothingDone;
@@ -153,6 +155,22 @@ private:
         if (!earlier.savedBefore.isEmpty())
             QFile::remove(earlier.savedBefore); // all of it is in the new one
         return true;
+    }
+
+    /// What was changed on a half written page since the earlier part is about to be overwritten: it gets a file of its own.
+    bool saveNewerEdits(const std::vector<RecordChange> &wanted)
+    {
+        QByteArray newer;
+        for (const RecordChange &change : wanted) {
+            const auto saved = earlier.saved.find(change.id);
+            const bool other = saved != earlier.saved.end() && change.present
+                && !SameContent(*change.present, saved->second) && !SameContent(*change.present, change.wanted);
+            newer += other ? PackRecord(change.id, *change.present) : QByteArray();
+        }
+        if (newer.isEmpty() || !SaveBefore(newer, true).isEmpty())
+            return true;
+        report.end = JobEnd::NothingDone;
+        return false;
     }
 
     QByteArray packed(const RecordId &id, const Report &read) const
@@ -262,7 +280,9 @@ private:
         bool differs = false;
         for (const RecordChange &change : group) {
             SpiImage image{};
-            const auto read = ReadRecord(image, change.id, [](int) {});
+            auto read = ReadRecord(image, change.id, [](int) {});
+            for (int repeat = 1; repeat < MostReads && read.outcome.timedOut() && !TransferBrokenOff(); ++repeat)
+                read = ReadRecord(image, change.id, [](int) {});
             JobEntry &entry = entryOf(change.id);
             if (!read.ok()) {
                 entry.state = RecordState::Doubtful;
@@ -376,11 +396,8 @@ EarlierWork EarlierWorkOf(const JournalContent &content)
         return {};
     if (state == SavedState::Gone)
         return {{}, content.openPages, {}, {}};
-    std::set<int> touched = content.openPages;
-    for (const RecordId &id : content.finished)
-        touched.insert(PageAddressOf(id));
     for (const DdsRecord &record : records) {
-        if (touched.contains(PageAddressOf(record.id)))
+        if (content.touchedPages.contains(PageAddressOf(record.id)))
             work.saved.insert_or_assign(record.id, UnpackRecord(record));
     }
     return work;

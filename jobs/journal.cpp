@@ -56,6 +56,7 @@ bool TakePage(JournalContent &content, const QString &word, const QString &rest)
 {
     bool isNumber = false;
     const int address = rest.toInt(&isNumber);
+    content.touchedPages.insert(address);
     if (word == PageWord)
         content.openPages.insert(address);
     else

@@ -44,7 +44,8 @@ QString HandheldName(const HandheldInfo &info);
 struct JournalContent {
     JournalHead head;
     QString savedBefore;
-    std::set<int> openPages; // programmed perhaps, perhaps destroyed
+    std::set<int> openPages;    // programmed perhaps, perhaps destroyed
+    std::set<int> touchedPages; // programmed ever since the job began, also before it was done anew
     std::vector<RecordId> finished;
     std::vector<RecordId> empty;
     std::vector<DdsRecord> read;

@@ -1,7 +1,8 @@
 // What stood in the handheld before a job overwrote it: backup files in konf\Sicherungen, the last 20.
 //
 //   konf\Sicherungen\2026-11-23-101530-vorher.dds            can be written back
-//   konf\Sicherungen\2026-11-23-101530-zurueckgenommen.dds   has been written back, or stood there before that was done
+//   konf\Sicherungen\2026-11-23-101530-zurueckgenommen.dds   has been written back, or stood there before that was done,
+//                                                            or was changed while a job was broken off
 //
 // They hold whole pages: all records of each page that the job was to program, because a power cut in the middle of a
 // program destroys the neighbours too. An empty loco record stands in them with its empty name, so that writing it back

@@ -89,11 +89,13 @@ protected:
     JournalHead head() { return {QStringLiteral("schreiben x"), QStringLiteral("51201 1.2")}; }
 
     /// One run of the job as a face would make it, from its journal if there is one.
-    Report run(const std::vector<Step> &steps, const CarefulWish &wish)
+    Report run(const std::vector<Step> &steps, const CarefulWish &wish, bool anew = false)
     {
         JournalContent content;
         static_cast<void>(EarlierPart(file(), head(), content));
-        const EarlierWork earlier = EarlierWorkOf(content);
+        EarlierWork earlier = EarlierWorkOf(content);
+        if (anew)
+            earlier.finished.clear();
         const Look look = LookAt(StepsLeft(steps, earlier));
         if (look.end != JobEnd::Complete)
             return {look.end, {}};
@@ -317,6 +319,26 @@ TEST_F(CarefulWrites, WhatHappenedSinceTheEarlierPartCounts)
     MarkAsTakenBack(LastSavedBefore());
     EXPECT_EQ(run(fourWrites(), wish).end, JobEnd::Complete);
     EXPECT_TRUE(flashIs(fourWrites()));
+}
+
+TEST_F(CarefulWrites, BegunAnewTwiceWhatStoodThereFirstIsKept)
+{
+    user.acceptAnyBox();
+    const CarefulWish wish{true, true, true};
+    for (const auto &steps :
+        {std::vector<Step>{writeStep(9, 1), writeStep(22, 1)}, {writeStep(22, 2), writeStep(9, 2)}}) {
+        afterNextProgram(ConfirmStop); // the page in work is finished
+        run(steps, wish, true);
+        reconnect();
+        events.run(10);
+    }
+    ASSERT_FALSE(SameContent(stored(9), originals.at(9)));
+    EXPECT_EQ(run({writeStep(9, 3), writeStep(22, 3)}, wish, true).end, JobEnd::Complete);
+    std::map<int, RecordValue> saved;
+    for (const DdsRecord &record : ReadDds(*ReadWholeFile(LastSavedBefore())).records)
+        saved.insert_or_assign(record.id.number, UnpackRecord(record));
+    EXPECT_TRUE(SameContent(saved.at(9), originals.at(9)));
+    EXPECT_TRUE(SameContent(saved.at(22), originals.at(22)));
 }
 
 TEST_F(CarefulWrites, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
