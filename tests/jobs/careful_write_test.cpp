@@ -310,7 +310,7 @@ TEST_F(CarefulWrites, WhatHappenedSinceTheEarlierPartCounts)
     EXPECT_TRUE(SameContent(saved.at(2), originals.at(2))) << "as it was before the first part";
     // When the earlier part was taken back, nothing of it counts as finished.
     flash().state.memory = original;
-    afterNextProgram(RequestEnd);
+    afterNextProgram(ConfirmStop); // the page in work is finished
     run(fourWrites(), wish);
     reconnect();
     events.run(10);
@@ -345,7 +345,7 @@ TEST_F(CarefulWrites, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
 {
     user.acceptAnyBox();
     Step merge{
-        StepKind::Merge, {KindLoco, 2}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1}, {}, true};
+        StepKind::Merge, {KindLoco, 7}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1}, {}, true};
     merge.merge = [](const RecordValue &present) {
         LocoRecord loco = std::get<LocoRecord>(present);
         loco.name = FitLocoName(QStringLiteral("NEU"));
@@ -355,7 +355,7 @@ TEST_F(CarefulWrites, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
     EXPECT_EQ(run({merge}, {true, true, true}).end, JobEnd::NoAnswer);
     reconnect();
     EXPECT_EQ(run({merge}, {true, true, true}).end, JobEnd::Complete);
-    EXPECT_TRUE(flashIs({{StepKind::Write, merge.id, merge.merge(originals.at(2)), {}}}));
+    EXPECT_TRUE(flashIs({{StepKind::Write, merge.id, merge.merge(originals.at(7)), {}}}));
 }
 
 TEST_F(CarefulWrites, ABackupLeavesAJournalThatIsNotItsOwn)
