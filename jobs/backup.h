@@ -4,7 +4,7 @@
 // routes, assignment, accessory list. An empty loco record gives none. A number that is listed twice is read once.
 #pragma once
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "jobs/journal.h"
 #include "jobs/runner.h"
 #include "program/ask.h"

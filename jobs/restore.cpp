@@ -1,6 +1,6 @@
 #include "jobs/restore.h"
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "jobs/report.h"
 #include "link/cadence.h"
 
