@@ -3,7 +3,7 @@
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "jobs/careful_write.h"
 #include "jobs/report.h"
 #include "program/ask.h"

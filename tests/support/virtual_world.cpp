@@ -1,6 +1,6 @@
 #include "tests/support/virtual_world.h"
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "handheld/discovery.h"
 #include "link/cadence.h"
 #include "link/exchange.h"

@@ -1,6 +1,6 @@
 #include "ui/compare/careful_job.h"
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "jobs/report.h"
 #include "shown/connection.h"
 

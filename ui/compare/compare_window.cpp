@@ -1,6 +1,6 @@
 #include "ui/compare/compare_window.h"
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "jobs/report.h"
 #include "jobs/restore.h"
 #include "platform/files.h"
