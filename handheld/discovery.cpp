@@ -32,7 +32,7 @@ QString Decimal(int byte)
     return QString::number(byte);
 }
 
-QString TypeNumber(const std::array<int, 20> &answer)
+QString TypeNumber(const std::array<quint8, 20> &answer)
 {
     QString type;
     for (size_t i = TypeIndex; i < TypeIndex + TypeLength; ++i) {
@@ -129,7 +129,7 @@ Result<HandheldInfo> ReadHandheldInfo()
 {
     Request request = Request::toHandheld();
     request.bytes.at(10) = 0x30;
-    Result<std::array<int, 20>> answer;
+    Result<std::array<quint8, 20>> answer;
     answer.outcome = RunStep([&] {
         answer = ExchangeForReadBack(request);
         return answer.outcome;

@@ -117,7 +117,7 @@ Outcome AwaitAck()
     return outcome.how() == End::NoAnswer && LastAckCode != 0 ? Outcome(End::Refused) : outcome;
 }
 
-Result<std::array<int, 20>> ExchangeForReadBack(const Request &request)
+Result<std::array<quint8, 20>> ExchangeForReadBack(const Request &request)
 {
     const double start = NowSeconds();
     if (Outcome laid = LayWhenFree(Packed(request), TransferLastIndex); !laid.ok())

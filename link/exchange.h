@@ -32,7 +32,7 @@ void RestLine(double seconds);
 
 /// Sends a request and awaits 20 bytes of the handheld's buffer. After a failure the value is not to be used,
 /// except with the outcome Damaged: then it is what came, with a wrong checksum.
-Result<std::array<int, 20>> ExchangeForReadBack(const Request &request);
+Result<std::array<quint8, 20>> ExchangeForReadBack(const Request &request);
 
 /// The two halves of ExchangeForAck: done as soon as the request is laid, and the wait for its acknowledge.
 Outcome SendOnly(const Request &request);

@@ -37,7 +37,7 @@ std::array<int, 5> RawReplyHead{};
 bool SpiReadWanted = false;
 int SpiReadDone = 0;
 bool SpiReadSound = false;
-std::array<int, 20> SpiReadData{};
+std::array<quint8, 20> SpiReadData{};
 
 std::function<void(const LocoNetMessage &)> DownloadAnswerCheck;
 bool PortInTextMode = false;

@@ -67,10 +67,10 @@ extern std::array<int, 25> RawReply; // five collectors, then D1..D20, as receiv
 extern std::array<int, 5> RawReplyHead; // bytes 0..4 of the message in RawReply: who sent it
 
 /// The read-back that is awaited. Only an answer that can belong to it is taken; all others are late or foreign.
-extern bool SpiReadWanted;              // set when the request is laid, cleared by its answer and when it is given up
-extern int SpiReadDone;                 // 1 when the answer has come
-extern bool SpiReadSound;               // its checksum was right
-extern std::array<int, 20> SpiReadData; // its bytes D1..D20 with their bit 7
+extern bool SpiReadWanted; // set when the request is laid, cleared by its answer and when it is given up
+extern int SpiReadDone;    // 1 when the answer has come
+extern bool SpiReadSound;  // its checksum was right
+extern std::array<quint8, 20> SpiReadData; // its bytes D1..D20 with their bit 7
 
 /// Receives each 0xE5 message while HandheldMode is false (the command-station download registers itself).
 extern std::function<void(const LocoNetMessage &)> DownloadAnswerCheck;
