@@ -112,7 +112,8 @@ Exit Fault(const QString &text, const Command *command)
 
 std::optional<Options> OptionsOf(const QCommandLineParser &parser)
 {
-    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption)};
+    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption),
+        parser.isSet(YesOption), parser.isSet(QuietOption)};
     if (!parser.isSet(InterfaceOption))
         return options;
     const QString kind = parser.value(InterfaceOption);
@@ -156,7 +157,8 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
         exit = Fault(fault, command);
         return {};
     }
-    return Wish{command, {given, *options, &parser}, {parser.isSet(YesOption), parser.isSet(QuietOption)}};
+    return Wish{command, {given, *options, &parser, parser.positionalArguments().join(u' ')},
+        {parser.isSet(YesOption), parser.isSet(QuietOption)}};
 }
 
 bool InterruptTaken()

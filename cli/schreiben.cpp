@@ -15,7 +15,7 @@ const auto OnlyOption = QStringLiteral("nur");
 /// is filled when the file gives a name.
 Step WriteStep(const ListedLoco &loco)
 {
-    Step step{StepKind::Merge, {KindLoco, loco.address}, Applied(loco, {}),
+    Step step{StepKind::Merge, {RecordKind::Loco, loco.address}, Applied(loco, {}),
         [loco](const RecordValue &present) { return Applied(loco, std::get<LocoRecord>(present)); }};
     step.fillsEmpty = loco.name.has_value();
     return step;
@@ -47,9 +47,10 @@ Exit Run(const Call &call)
     }
     if (!NamesAccepted(*locos))
         return Exit::Stopped;
-    CarefulJob job{fileName, ReadWholeFile(fileName).value_or(QByteArray()), {},
-        QStringLiteral("In den Handregler geschrieben:"), QStringLiteral("geschrieben")};
-    job.about += call.value(OnlyOption).toUtf8();
+    CarefulJob job = JobOf(call);
+    job.fileName = fileName;
+    job.about = ReadWholeFile(fileName).value_or(QByteArray());
+    job.asks = false; // overwriting is what the command is for
     for (const ListedLoco &loco : *locos)
         job.steps.push_back(WriteStep(loco));
     return RunCarefully(call, job);

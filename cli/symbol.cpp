@@ -1,3 +1,4 @@
+#include "cli/careful.h"
 #include "cli/picture_files.h"
 #include "cli/results.h"
 #include "handheld/symbol_storage.h"
@@ -6,6 +7,8 @@
 
 namespace
 {
+
+const auto BuiltInOption = QStringLiteral("auch-eingebaute");
 
 /// What the arguments say after "lesen" or "schreiben".
 struct Wanted {
@@ -66,6 +69,17 @@ std::optional<Wanted> WantedOf(const QStringList &words)
     return wanted;
 }
 
+Exit Write(const Call &call, const Wanted &wanted)
+{
+    if (wanted.number <= LastBuiltInSymbol(wanted.kind) && !call.has(BuiltInOption))
+        return UsageFault(QStringLiteral("Das Symbol %1 ist eingebaut (0 bis %2). Mit --auch-eingebaute wird es "
+                                         "überschrieben.")
+                              .arg(wanted.number)
+                              .arg(LastBuiltInSymbol(wanted.kind)));
+    const RecordId id{RecordKindOf(wanted.kind, wanted.half), wanted.number};
+    return WritePictureFrom(call, wanted.fileName, id, EmptyPicture(wanted.kind));
+}
+
 Exit Run(const Call &call)
 {
     const QString verb = call.arguments.value(0);
@@ -74,13 +88,11 @@ Exit Run(const Call &call)
     const auto wanted = WantedOf(call.arguments);
     if (!wanted)
         return Exit::Usage;
+    if (verb == u"schreiben")
+        return Write(call, *wanted);
     SpiImage image{};
-    return MovePicture(
-        call, wanted->fileName, verb == u"schreiben", EmptyPicture(wanted->kind),
-        [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); },
-        [&](const Picture &picture) {
-            return WritePicture(image, wanted->kind, wanted->number, wanted->half, picture, Patience::Job);
-        });
+    return ReadPictureInto(call, wanted->fileName,
+        [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); });
 }
 
 } // namespace
@@ -90,8 +102,12 @@ Command SymbolCommand()
     return {QStringLiteral("symbol"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("lok|funktion|magnet"), QStringLiteral("NUMMER"),
             QStringLiteral("[ein|aus|gruen|rot]"), QStringLiteral("DATEI")},
-        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run,
+        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"),
+        CarefulOptions(Keeps::Nothing) << QCommandLineOption(
+            BuiltInOption, QStringLiteral("überschreibt auch Symbole, die der Handregler mitbringt")),
+        Run,
         QStringLiteral("NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
                        "aus, bei magnet\n"
-                       "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14.")};
+                       "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14. Beim Schreiben wird\n"
+                       "vorher gefragt; eingebaut sind die Funktionssymbole 0 bis 163 und die Magnetartikelsymbole 0 bis 27.")};
 }

@@ -1,3 +1,4 @@
+#include "cli/careful.h"
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
@@ -7,40 +8,37 @@
 namespace
 {
 
-std::optional<int> KindOfWord(const QString &word)
+std::optional<RecordKind> KindOfWord(const QString &word)
 {
     if (word == u"fahrstrassen")
-        return KindRoutes;
+        return RecordKind::RouteTable;
     if (word == u"zuordnung")
-        return KindMagZuordnung;
+        return RecordKind::AssignmentTable;
     if (word == u"magliste")
-        return KindMagListe;
+        return RecordKind::PlaceTable;
     UsageFault(QStringLiteral("\"%1\": hier muss fahrstrassen, zuordnung oder magliste stehen.").arg(word));
     return {};
 }
 
-Report RunOne(StepKind step, int kind, const RecordValue &value)
+/// The table as the handheld has it; nothing (after a message) when that is not sure.
+std::optional<RecordValue> ReadTable(RecordKind kind, Exit &exit)
 {
-    return RunJob({.steps = {{step, {kind, 0}, value, {}}},
+    const Report report = RunJob({.steps = {{StepKind::Read, {kind, 0}, {}, {}}},
         .progress = [](const Step &running) { return ProgressText(running.id); },
-        .patience = step == StepKind::Read ? Patience::Agreed : Patience::Job,
+        .patience = Patience::Agreed,
         .endsAtFailure = false,
         .ownerTellsPortLoss = true});
-}
-
-/// The table as the handheld has it; nothing (after a message) when that is not sure.
-std::optional<RecordValue> ReadTable(int kind, Exit &exit)
-{
-    const Report report = RunOne(StepKind::Read, kind, {});
     exit = ExitOf(report);
     if (exit == Exit::Done)
         return report.entries.front().value;
-    Tell(QStringLiteral("Die Tabelle wurde nicht sicher gelesen; es wird nichts geschrieben."));
+    Tell(QStringLiteral("Die Tabelle wurde nicht sicher gelesen; die Datei wird nicht geschrieben."));
     return {};
 }
 
-Exit ReadInto(const Call &call, int kind, const QString &fileName)
+Exit ReadInto(const Call &call, RecordKind kind, const QString &fileName)
 {
+    if (!ReadsOnly(call))
+        return Exit::Usage;
     const Service service(call);
     if (!service.ready())
         return service.failure();
@@ -53,11 +51,11 @@ Exit ReadInto(const Call &call, int kind, const QString &fileName)
     if (call.options.json)
         PrintJson(QJsonDocument(QJsonObject{{QStringLiteral("datei"), fileName}}));
     else
-        PrintLine(KindOf(kind).plural + QStringLiteral(" gelesen nach ") + fileName);
+        PrintLine(RowOf(kind).plural + QStringLiteral(" gelesen nach ") + fileName);
     return Exit::Done;
 }
 
-Exit WriteFrom(const Call &call, int kind, const QString &fileName)
+Exit WriteFrom(const Call &call, RecordKind kind, const QString &fileName)
 {
     const auto file = ReadFileArgument(fileName);
     if (!file)
@@ -65,20 +63,15 @@ Exit WriteFrom(const Call &call, int kind, const QString &fileName)
     const TableChanges changes = ReadTableCsv(*file, kind);
     if (!changes.faults.empty())
         return FileFaults(fileName, FaultsText(changes.faults));
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    Exit exit = Exit::Done;
-    auto table = ReadTable(kind, exit);
-    if (!table)
-        return exit;
-    if (InterruptTaken()) { // while the table was read, which was finished
-        Tell(QStringLiteral("Abgebrochen: Es wurde nichts geschrieben."));
-        return Exit::Stopped;
-    }
-    changes.apply(*table);
-    return PrintReport(call, RunOne(StepKind::Write, kind, *table), QStringLiteral("In den Handregler geschrieben:"),
-        QStringLiteral("geschrieben"));
+    CarefulJob job = JobOf(call);
+    job.about = *file;
+    job.steps = {{StepKind::Merge, {kind, 0}, {}, [changes](const RecordValue &present) {
+                      RecordValue table = present;
+                      changes.apply(table);
+                      return table;
+                  }}};
+    job.lead = RowOf(kind).plural + QStringLiteral(":\r");
+    return RunCarefully(call, job);
 }
 
 Exit Run(const Call &call)
@@ -101,8 +94,9 @@ Command TableCommand()
     return {QStringLiteral("tabelle"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("fahrstrassen|zuordnung|magliste"),
             QStringLiteral("DATEI.csv")},
-        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"), {}, Run,
-        QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt. Spalten:\n"
+        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"),
+        CarefulOptions(Keeps::Nothing), Run,
+        QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt; vorher wird gefragt. Spalten:\n"
                        "  fahrstrassen  Fahrstraße;Rückmelder;Auslösung (frei oder besetzt)\n"
                        "  zuordnung     Adresse;Symbol\n"
                        "  magliste      Platz;Adresse;Bezeichnung;Symbol")};

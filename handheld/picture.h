@@ -11,6 +11,8 @@
 // five bytes of the handheld's buffer behind the picture.
 #pragma once
 
+#include <QtGlobal>
+
 #include <vector>
 
 struct PictureGeometry {
@@ -46,7 +48,7 @@ constexpr int FlashBytesOf(PictureGeometry geometry)
 
 struct Picture {
     PictureGeometry geometry;
-    std::vector<int> bytes; // at least FlashBytesOf(geometry)
+    std::vector<quint8> bytes; // at least FlashBytesOf(geometry)
     bool operator==(const Picture &) const = default;
 };
 
@@ -58,6 +60,7 @@ constexpr int BackupBytesOf(SymbolKind kind)
 
 /// An all white picture with the right size bytes, as many bytes as a backup carries.
 Picture EmptyPicture(SymbolKind kind);
+Picture EmptyStartPicture();
 
 /// Writes the two size bytes that fit the geometry: a handheld that is given others shows rubbish.
 void LaySizeBytes(Picture &picture);

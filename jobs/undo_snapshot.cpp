@@ -5,6 +5,7 @@
 #include "platform/world.h"
 #include "program/ask.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -63,8 +64,8 @@ public:
     {
         const QStringList all = Stems(BeforeMark) + Stems(TakenBackMark);
         int number = 1;
-        for (const QString &stem : all)
-            number = std::max(number, NumberOf(stem) + 1);
+        for (const QString &taken : all)
+            number = std::max(number, NumberOf(taken) + 1);
         for (bool reserved = false; !reserved; ++number) {
             const QString front = QString::number(number).rightJustified(NumberDigits, u'0');
             reservation.setFileName(Folder() + u'/' + front + QStringLiteral(".nummer"));
@@ -134,7 +135,9 @@ LoadedSnapshot LoadOldSnapshot(const QString &fileName)
         const QByteArray bytes = SavedRecordOf(record.id, UnpackRecord(record), erased).bytes;
         loaded.state.before.insert_or_assign(record.id, bytes);
     }
-    loaded.state.time = QFileInfo(fileName).fileName().left(10);
+    const auto pattern = QStringLiteral("yyyy-MM-dd-HHmmss");
+    const auto time = QDateTime::fromString(QFileInfo(fileName).fileName().left(pattern.size()), pattern);
+    loaded.state.time = time.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
     return loaded;
 }
 
