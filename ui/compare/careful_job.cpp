@@ -2,6 +2,7 @@
 
 #include "jobs/journal.h"
 #include "jobs/report.h"
+#include "link/open_link.h"
 #include "shown/connection.h"
 
 namespace
