@@ -39,23 +39,25 @@ std::function<void()> Writing(const RecordId &id, const RecordValue &value)
 std::vector<Kind> Kinds()
 {
     constexpr auto agreed = Patience::Agreed;
-    const Picture start{StartImageGeometry, std::vector<int>(262, 0)};
+    const Picture start{StartImageGeometry, std::vector<quint8>(262, 0)};
     return {{"handheld search", [] { static_cast<void>(FindHandheld()); }},
-        {"read loco record", Reading({KindLoco, 3})}, {"write loco record", Writing({KindLoco, 3}, LocoRecord{})},
+        {"read loco record", Reading({RecordKind::Loco, 3})},
+        {"write loco record", Writing({RecordKind::Loco, 3}, LocoRecord{})},
         {"delete loco record", [] { static_cast<void>(DeleteLoco(image, 4, agreed)); }},
-        {"read loco symbol", Reading({KindLokSymbol, 1})},
-        {"write loco symbol", Writing({KindLokSymbol, 1}, EmptyPicture(SymbolKind::Loco))},
-        {"read symbol half", Reading({KindFktSymbolOn, 1})},
-        {"write symbol half", Writing({KindFktSymbolOn, 1}, EmptyPicture(SymbolKind::Function))},
+        {"read loco symbol", Reading({RecordKind::LocoSymbol, 1})},
+        {"write loco symbol", Writing({RecordKind::LocoSymbol, 1}, EmptyPicture(SymbolKind::Loco))},
+        {"read symbol half", Reading({RecordKind::FunctionOn, 1})},
+        {"write symbol half", Writing({RecordKind::FunctionOn, 1}, EmptyPicture(SymbolKind::Function))},
         {"read start image", [] { static_cast<void>(ReadStartPicture(image)); }},
         {"write start image", [start] { static_cast<void>(WriteStartPicture(image, start, agreed)); }},
         {"read settings", [] { static_cast<void>(ReadSettingsBlock(image)); }},
         {"write settings", [] { static_cast<void>(WriteSettingsBlock(image, {}, agreed)); }},
-        {"read routes", Reading({KindRoutes, 0})}, {"write routes", Writing({KindRoutes, 0}, Routes{})},
-        {"read assignment", Reading({KindMagZuordnung, 0})},
-        {"write assignment", Writing({KindMagZuordnung, 0}, Assignment{})},
-        {"read accessory list", Reading({KindMagListe, 0})},
-        {"write accessory list", Writing({KindMagListe, 0}, AccessoryList{})}};
+        {"read routes", Reading({RecordKind::RouteTable, 0})},
+        {"write routes", Writing({RecordKind::RouteTable, 0}, Routes{})},
+        {"read assignment", Reading({RecordKind::AssignmentTable, 0})},
+        {"write assignment", Writing({RecordKind::AssignmentTable, 0}, Assignment{})},
+        {"read accessory list", Reading({RecordKind::PlaceTable, 0})},
+        {"write accessory list", Writing({RecordKind::PlaceTable, 0}, AccessoryList{})}};
 }
 
 } // namespace
@@ -118,7 +120,7 @@ protected:
         std::vector<Step> steps;
         for (int n = 16; n < 24; ++n)
             steps.push_back(
-                {StepKind::Write, {KindLoco, n}, LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
+                {StepKind::Write, {RecordKind::Loco, n}, LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
         std::vector<RecordChange> changes;
         measure({"8 neighbours, look", [&] { changes = LookAt(steps).changes; }});
         const auto write = [&](const CarefulWish &wish) {

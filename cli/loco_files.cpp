@@ -52,7 +52,7 @@ QByteArray DdsOf(const std::vector<RosterLoco> &locos)
 {
     QByteArray file;
     for (const RosterLoco &loco : locos)
-        file += PackRecord({KindLoco, loco.address}, loco.record);
+        file += PackRecord({RecordKind::Loco, loco.address}, loco.record);
     return file;
 }
 

@@ -12,7 +12,7 @@ Plan ReadingPlan(const std::vector<int> &numbers, StepKind kind)
         .endsAtFailure = false,
         .ownerTellsPortLoss = true};
     for (const int n : numbers)
-        plan.steps.push_back({kind, {KindLoco, n}, {}, {}});
+        plan.steps.push_back({kind, {RecordKind::Loco, n}, {}, {}});
     return plan;
 }
 

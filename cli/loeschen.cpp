@@ -20,7 +20,7 @@ Exit Run(const Call &call)
         return Exit::Stopped;
     CarefulJob job{{}, {}, {}, QStringLiteral("Gelöscht:"), QStringLiteral("geloescht")};
     for (const int number : *numbers)
-        job.steps.push_back({StepKind::Delete, {KindLoco, number}, {}, {}});
+        job.steps.push_back({StepKind::Delete, {RecordKind::Loco, number}, {}, {}});
     return RunCarefully(call, job);
 }
 

@@ -15,7 +15,7 @@ const auto OnlyOption = QStringLiteral("nur");
 /// is filled when the file gives a name.
 Step WriteStep(const ListedLoco &loco)
 {
-    Step step{StepKind::Merge, {KindLoco, loco.address}, Applied(loco, {}),
+    Step step{StepKind::Merge, {RecordKind::Loco, loco.address}, Applied(loco, {}),
         [loco](const RecordValue &present) { return Applied(loco, std::get<LocoRecord>(present)); }};
     step.fillsEmpty = loco.name.has_value();
     return step;

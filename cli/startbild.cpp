@@ -10,7 +10,7 @@ Exit Run(const Call &call)
     const QString verb = call.arguments.value(0);
     if (verb != u"lesen" && verb != u"schreiben")
         return UsageFault(QStringLiteral("\"%1\": hier muss lesen oder schreiben stehen.").arg(verb));
-    Picture blank{StartImageGeometry, std::vector<int>(static_cast<size_t>(FlashBytesOf(StartImageGeometry)), 0)};
+    Picture blank{StartImageGeometry, std::vector<quint8>(static_cast<size_t>(FlashBytesOf(StartImageGeometry)), 0)};
     LaySizeBytes(blank);
     SpiImage image{};
     return MovePicture(

@@ -7,19 +7,19 @@
 namespace
 {
 
-std::optional<int> KindOfWord(const QString &word)
+std::optional<RecordKind> KindOfWord(const QString &word)
 {
     if (word == u"fahrstrassen")
-        return KindRoutes;
+        return RecordKind::RouteTable;
     if (word == u"zuordnung")
-        return KindMagZuordnung;
+        return RecordKind::AssignmentTable;
     if (word == u"magliste")
-        return KindMagListe;
+        return RecordKind::PlaceTable;
     UsageFault(QStringLiteral("\"%1\": hier muss fahrstrassen, zuordnung oder magliste stehen.").arg(word));
     return {};
 }
 
-Report RunOne(StepKind step, int kind, const RecordValue &value)
+Report RunOne(StepKind step, RecordKind kind, const RecordValue &value)
 {
     return RunJob({.steps = {{step, {kind, 0}, value, {}}},
         .progress = [](const Step &running) { return ProgressText(running.id); },
@@ -29,7 +29,7 @@ Report RunOne(StepKind step, int kind, const RecordValue &value)
 }
 
 /// The table as the handheld has it; nothing (after a message) when that is not sure.
-std::optional<RecordValue> ReadTable(int kind, Exit &exit)
+std::optional<RecordValue> ReadTable(RecordKind kind, Exit &exit)
 {
     const Report report = RunOne(StepKind::Read, kind, {});
     exit = ExitOf(report);
@@ -39,7 +39,7 @@ std::optional<RecordValue> ReadTable(int kind, Exit &exit)
     return {};
 }
 
-Exit ReadInto(const Call &call, int kind, const QString &fileName)
+Exit ReadInto(const Call &call, RecordKind kind, const QString &fileName)
 {
     const Service service(call);
     if (!service.ready())
@@ -53,11 +53,11 @@ Exit ReadInto(const Call &call, int kind, const QString &fileName)
     if (call.options.json)
         PrintJson(QJsonDocument(QJsonObject{{QStringLiteral("datei"), fileName}}));
     else
-        PrintLine(KindOf(kind).plural + QStringLiteral(" gelesen nach ") + fileName);
+        PrintLine(RowOf(kind).plural + QStringLiteral(" gelesen nach ") + fileName);
     return Exit::Done;
 }
 
-Exit WriteFrom(const Call &call, int kind, const QString &fileName)
+Exit WriteFrom(const Call &call, RecordKind kind, const QString &fileName)
 {
     const auto file = ReadFileArgument(fileName);
     if (!file)

@@ -15,7 +15,7 @@ void TellLeftOut(const QString &fileName)
     const DdsContent content = ReadDds(ReadWholeFile(fileName).value_or(QByteArray()));
     std::vector<RecordId> others;
     for (const DdsRecord &record : content.records) {
-        if (record.id.kind != KindLoco)
+        if (record.id.kind != RecordKind::Loco)
             others.push_back(record.id);
     }
     if (!others.empty())

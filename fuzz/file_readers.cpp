@@ -15,9 +15,9 @@ QByteArray PackedAgain(const DdsRecord &record)
 bool NumberIsPossible(const RecordId &id)
 {
     switch (id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         return id.number >= 1 && id.number <= 9999;
-    case KindLokSymbol:
+    case RecordKind::LocoSymbol:
         return id.number >= 0 && id.number <= 63;
     default:
         return id.number >= 0 && id.number <= 255;

@@ -37,20 +37,20 @@ constexpr int LastAccessoryAddress = 2048;
 template <size_t Size> class ByteTable
 {
 public:
-    [[nodiscard]] int &at(size_t index) { return bytes.at(index); }
-    [[nodiscard]] const int &at(size_t index) const { return bytes.at(index); }
+    [[nodiscard]] quint8 &at(size_t index) { return bytes.at(index); }
+    [[nodiscard]] const quint8 &at(size_t index) const { return bytes.at(index); }
     [[nodiscard]] auto begin() { return bytes.begin(); }
     [[nodiscard]] auto begin() const { return bytes.begin(); }
     [[nodiscard]] auto end() { return bytes.end(); }
     [[nodiscard]] auto end() const { return bytes.end(); }
-    [[nodiscard]] int *data() { return bytes.data(); }
-    [[nodiscard]] const int *data() const { return bytes.data(); }
+    [[nodiscard]] quint8 *data() { return bytes.data(); }
+    [[nodiscard]] const quint8 *data() const { return bytes.data(); }
     [[nodiscard]] static constexpr size_t size() { return Size; }
-    void fill(int value) { bytes.assign(Size, value); }
+    void fill(quint8 value) { bytes.assign(Size, value); }
     bool operator==(const ByteTable &) const = default;
 
 private:
-    std::vector<int> bytes = std::vector<int>(Size, 0);
+    std::vector<quint8> bytes = std::vector<quint8>(Size, 0);
 };
 
 using Routes = ByteTable<RouteCount * RouteSize>;

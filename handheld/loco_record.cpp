@@ -44,7 +44,7 @@ LocoBytes BytesAt(const SpiImage &image, int position)
 }
 
 /// Page load, buffer write, page program of a record's place.
-Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<int> data, int lastSlice, Patience patience)
+Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<quint8> data, int lastSlice, Patience patience)
 {
     const int address = LocoRecordAddress(locoNumber);
     const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
@@ -148,7 +148,7 @@ PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &ben
 
 Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
 {
-    Outcome outcome = ProgramRecord(image, locoNumber, std::vector<int>(NameLength, EmptyByte), 0, patience);
+    Outcome outcome = ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
     if (outcome.ok())
         NoteNoLoco(locoNumber);
     return outcome;

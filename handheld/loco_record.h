@@ -42,7 +42,7 @@ struct LocoRecord {
 };
 
 /// The 64 bytes of a record, one byte value each.
-using LocoBytes = std::array<int, LocoRecordSize>;
+using LocoBytes = std::array<quint8, LocoRecordSize>;
 
 /// The record that the bytes hold. An empty record has the empty name; its other fields are whatever stands there.
 LocoRecord DecodeLoco(const LocoBytes &bytes);

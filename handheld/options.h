@@ -6,7 +6,7 @@
 #include "handheld/transfer.h"
 
 constexpr int SettingsSize = 128;
-using SettingsBlock = std::array<int, SettingsSize>;
+using SettingsBlock = std::array<quint8, SettingsSize>;
 
 /// Reads the 128 bytes. Goes on after a time-out; the value then holds what the image held.
 Result<SettingsBlock> ReadSettingsBlock(SpiImage &image);

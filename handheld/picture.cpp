@@ -4,13 +4,13 @@
 
 Picture EmptyPicture(SymbolKind kind)
 {
-    Picture picture{GeometryOf(kind), std::vector<int>(static_cast<size_t>(BackupBytesOf(kind)), 0)};
+    Picture picture{GeometryOf(kind), std::vector<quint8>(static_cast<size_t>(BackupBytesOf(kind)), 0)};
     LaySizeBytes(picture);
     return picture;
 }
 
 void LaySizeBytes(Picture &picture)
 {
-    picture.bytes.at(0) = picture.geometry.width / 2 - 1;
-    picture.bytes.at(1) = picture.geometry.height - 1;
+    picture.bytes.at(0) = static_cast<quint8>(picture.geometry.width / 2 - 1);
+    picture.bytes.at(1) = static_cast<quint8>(picture.geometry.height - 1);
 }

@@ -11,6 +11,8 @@
 // five bytes of the handheld's buffer behind the picture.
 #pragma once
 
+#include <QtGlobal>
+
 #include <vector>
 
 struct PictureGeometry {
@@ -46,7 +48,7 @@ constexpr int FlashBytesOf(PictureGeometry geometry)
 
 struct Picture {
     PictureGeometry geometry;
-    std::vector<int> bytes; // at least FlashBytesOf(geometry)
+    std::vector<quint8> bytes; // at least FlashBytesOf(geometry)
     bool operator==(const Picture &) const = default;
 };
 

@@ -12,27 +12,29 @@ template <typename Value> Result<RecordValue> AsRecord(const Result<Value> &read
     return {read.value, read.outcome};
 }
 
-std::array<RecordKind, LastKind + 1> Table()
+using Rows = std::array<KindRow, AllKinds.size()>;
+
+/// In the order of AllKinds.
+Rows Table()
 {
-    const RecordKind function{true, 0, PairCount - 1, {}, QStringLiteral("Fkt.Symbol: "), 39, 3, 4};
-    const RecordKind accessory{true, 0, PairCount - 1, {}, QStringLiteral("Mag.Symbol: "), 39, 3, 4};
-    std::array<RecordKind, LastKind + 1> table{RecordKind{},
-        RecordKind{
-            true, FirstLoco, LastLoco, QStringLiteral("Lokdatensätze"), QStringLiteral("Lok-Daten: "), 76, 5, 6},
-        RecordKind{
-            true, 0, LokSymbolCount - 1, QStringLiteral("Loksymbole"), QStringLiteral("Lok.Symbol: "), 102, 7, 7},
-        function, function,
-        RecordKind{false, 0, 0, QStringLiteral("Fahrstraßen"), QStringLiteral("Fahrstraßen"), 321, 24, 21}, accessory,
-        accessory,
-        RecordKind{false, 0, 0, QStringLiteral("Mag.Art. Symbolzuordnung"), QStringLiteral("Mag.Art.Symbolzuordnung"),
-            2049, 160, 139},
-        RecordKind{
-            false, 0, 0, QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), 257, 20, 21}};
-    table.at(KindFktSymbolOn).plural = QStringLiteral("Funktionssymbole ON");
-    table.at(KindFktSymbolOn + 1).plural = QStringLiteral("Funktionssymbole OFF");
-    table.at(KindMagSymbolGreen).plural = QStringLiteral("Mag.Art. Symbole Grün");
-    table.at(KindMagSymbolGreen + 1).plural = QStringLiteral("Mag.Art. Symbole Rot");
-    return table;
+    const auto pair = [](SymbolKind symbol, int half, const QString &plural, const QString &progress) {
+        return KindRow{true, 0, PairCount - 1, symbol, half, plural, progress, 39, 3, 4};
+    };
+    const auto functions = QStringLiteral("Fkt.Symbol: ");
+    const auto accessories = QStringLiteral("Mag.Symbol: ");
+    return {KindRow{true, FirstLoco, LastLoco, {}, 0, QStringLiteral("Lokdatensätze"), QStringLiteral("Lok-Daten: "),
+                76, 5, 6},
+        KindRow{true, 0, LokSymbolCount - 1, SymbolKind::Loco, 0, QStringLiteral("Loksymbole"),
+            QStringLiteral("Lok.Symbol: "), 102, 7, 7},
+        pair(SymbolKind::Function, HalfOn, QStringLiteral("Funktionssymbole ON"), functions),
+        pair(SymbolKind::Function, HalfOff, QStringLiteral("Funktionssymbole OFF"), functions),
+        KindRow{false, 0, 0, {}, 0, QStringLiteral("Fahrstraßen"), QStringLiteral("Fahrstraßen"), 321, 24, 21},
+        pair(SymbolKind::Accessory, HalfOn, QStringLiteral("Mag.Art. Symbole Grün"), accessories),
+        pair(SymbolKind::Accessory, HalfOff, QStringLiteral("Mag.Art. Symbole Rot"), accessories),
+        KindRow{false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Symbolzuordnung"),
+            QStringLiteral("Mag.Art.Symbolzuordnung"), 2049, 160, 139},
+        KindRow{false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), 257, 20,
+            21}};
 }
 
 constexpr int SymbolsOfPage = 8;
@@ -52,61 +54,61 @@ bool SamePicture(const Picture &one, const Picture &other)
 
 } // namespace
 
-const RecordKind &KindOf(int kind)
+std::optional<RecordKind> KindOfByte(int byte)
 {
-    static const std::array<RecordKind, LastKind + 1> table = Table();
-    Q_ASSERT(kind >= KindLoco);
-    return table.at(static_cast<size_t>(kind));
+    const auto found = std::ranges::find(AllKinds, byte, ByteOfKind);
+    return found != AllKinds.end() ? std::optional(*found) : std::nullopt;
+}
+
+const KindRow &RowOf(RecordKind kind)
+{
+    static const Rows table = Table();
+    return table.at(static_cast<size_t>(std::ranges::find(AllKinds, kind) - AllKinds.begin()));
 }
 
 QString ProgressText(const RecordId &id)
 {
-    const RecordKind &kind = KindOf(id.kind);
-    return kind.numbered ? kind.progress + QString::number(id.number) : kind.progress;
+    const KindRow &row = RowOf(id.kind);
+    return row.numbered ? row.progress + QString::number(id.number) : row.progress;
 }
 
-bool IsTableKind(int kind)
+bool IsTableKind(RecordKind kind)
 {
-    return !KindOf(kind).numbered;
+    return !RowOf(kind).numbered;
 }
 
-SymbolKind SymbolKindOf(int kind)
+SymbolKind SymbolKindOf(RecordKind kind)
 {
-    if (kind == KindLokSymbol)
-        return SymbolKind::Loco;
-    return kind < KindRoutes ? SymbolKind::Function : SymbolKind::Accessory;
+    const std::optional<SymbolKind> symbol = RowOf(kind).symbol;
+    Q_ASSERT(symbol);
+    return *symbol;
 }
 
-int HalfOf(int kind)
+int HalfOf(RecordKind kind)
 {
-    if (kind <= KindLokSymbol || IsTableKind(kind))
-        return 0;
-    return kind - (kind < KindRoutes ? KindFktSymbolOn : KindMagSymbolGreen);
+    return RowOf(kind).half;
 }
 
-int RecordKindOf(SymbolKind symbol, int half)
+RecordKind RecordKindOf(SymbolKind symbol, int half)
 {
-    switch (symbol) {
-    case SymbolKind::Loco:
-        return KindLokSymbol;
-    case SymbolKind::Function:
-        return KindFktSymbolOn + half;
-    case SymbolKind::Accessory:
-        return KindMagSymbolGreen + half;
-    }
-    Q_UNREACHABLE();
+    const auto found = std::ranges::find_if(AllKinds, [=](RecordKind kind) {
+        const KindRow &row = RowOf(kind);
+        return row.symbol == symbol && (row.half == half || symbol == SymbolKind::Loco);
+    });
+    Q_ASSERT(found != AllKinds.end());
+    return *found;
 }
 
 Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup)
 {
     switch (id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         return AsRecord(ReadLoco(image, id.number));
-    case KindRoutes:
+    case RecordKind::RouteTable:
         return AsRecord(ReadRouteTable(image));
-    case KindMagZuordnung:
+    case RecordKind::AssignmentTable:
         return AsRecord(ReadAssignment(image, onGroup));
-    case KindMagListe:
+    case RecordKind::PlaceTable:
         return AsRecord(ReadAccessoryList(image));
     default:
         return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind)));
@@ -116,13 +118,13 @@ Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::f
 Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience)
 {
     switch (id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         return WriteLoco(image, id.number, std::get<LocoRecord>(value), patience);
-    case KindRoutes:
+    case RecordKind::RouteTable:
         return WriteRouteTable(image, std::get<Routes>(value), patience);
-    case KindMagZuordnung:
+    case RecordKind::AssignmentTable:
         return WriteAssignment(image, std::get<Assignment>(value), patience);
-    case KindMagListe:
+    case RecordKind::PlaceTable:
         return WriteAccessoryList(image, std::get<AccessoryList>(value), patience);
     default:
         return WritePicture(
@@ -130,25 +132,25 @@ Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &valu
     }
 }
 
-bool SharesPage(int kind)
+bool SharesPage(RecordKind kind)
 {
-    return kind == KindLoco || (KindOf(kind).numbered && kind != KindLokSymbol);
+    return RowOf(kind).numbered && kind != RecordKind::LocoSymbol;
 }
 
 int PageAddressOf(const RecordId &id)
 {
     int address = 0;
     switch (id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         address = LocoRecordAddress(id.number);
         break;
-    case KindRoutes:
+    case RecordKind::RouteTable:
         address = RoutesAddress;
         break;
-    case KindMagZuordnung:
+    case RecordKind::AssignmentTable:
         address = MagZuordAddress;
         break;
-    case KindMagListe:
+    case RecordKind::PlaceTable:
         address = MagListeAddress;
         break;
     default:
@@ -162,11 +164,11 @@ std::vector<RecordId> RecordsOfPage(const RecordId &id)
     if (!SharesPage(id.kind))
         return {id};
     std::vector<RecordId> records;
-    const RecordKind &kind = KindOf(id.kind);
+    const KindRow &row = RowOf(id.kind);
     const int first = id.number / SymbolsOfPage * SymbolsOfPage; // eight locos a page too
-    for (int n = std::max(first, kind.lowest); n <= std::min(first + SymbolsOfPage - 1, kind.highest); ++n) {
-        if (id.kind == KindLoco) {
-            records.push_back({KindLoco, n});
+    for (int n = std::max(first, row.lowest); n <= std::min(first + SymbolsOfPage - 1, row.highest); ++n) {
+        if (id.kind == RecordKind::Loco) {
+            records.push_back({RecordKind::Loco, n});
             continue;
         }
         for (int half = 0; half < 2; ++half)
@@ -177,7 +179,7 @@ std::vector<RecordId> RecordsOfPage(const RecordId &id)
 
 PagePart PartOf(const RecordId &id, const RecordValue &value, const LocoBytes &beneath)
 {
-    if (id.kind == KindLoco)
+    if (id.kind == RecordKind::Loco)
         return LocoPart(id.number, std::get<LocoRecord>(value), beneath);
     return PicturePart(SymbolKindOf(id.kind), id.number, HalfOf(id.kind), std::get<Picture>(value));
 }

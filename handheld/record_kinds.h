@@ -1,6 +1,6 @@
 // The table of record kinds: all that differs between the things a handheld keeps, in one place.
 //
-//   kind  what                       numbers   value
+//   byte  what                       numbers   value
 //      1  loco record                1..9999   LocoRecord
 //      2  loco symbol                0..63     Picture
 //   3, 4  function symbol ON, OFF    0..255    Picture
@@ -15,21 +15,37 @@
 #include "handheld/symbol_storage.h"
 
 #include <compare>
+#include <optional>
 #include <variant>
 #include <vector>
 
-constexpr int KindLoco = 1;
-constexpr int KindLokSymbol = 2;
-constexpr int KindFktSymbolOn = 3; // half 0; half 1 has the next kind
-constexpr int KindRoutes = 5;
-constexpr int KindMagSymbolGreen = 6; // half 0; half 1 has the next kind
-constexpr int KindMagZuordnung = 8;
-constexpr int KindMagListe = 9;
-constexpr int LastKind = KindMagListe;
+/// The kinds, with the byte that marks each in a backup file.
+enum class RecordKind : quint8 {
+    Loco = 1,
+    LocoSymbol = 2,
+    FunctionOn = 3,
+    FunctionOff = 4,
+    RouteTable = 5,
+    AccessoryGreen = 6,
+    AccessoryRed = 7,
+    AssignmentTable = 8,
+    PlaceTable = 9
+};
+
+inline constexpr std::array AllKinds{RecordKind::Loco, RecordKind::LocoSymbol, RecordKind::FunctionOn,
+    RecordKind::FunctionOff, RecordKind::RouteTable, RecordKind::AccessoryGreen, RecordKind::AccessoryRed,
+    RecordKind::AssignmentTable, RecordKind::PlaceTable};
+
+/// The byte of a kind in files, and the kind of a byte; nothing when there is no such kind.
+constexpr int ByteOfKind(RecordKind kind)
+{
+    return static_cast<int>(kind);
+}
+std::optional<RecordKind> KindOfByte(int byte);
 
 /// Names a record.
 struct RecordId {
-    int kind = 0;
+    RecordKind kind = RecordKind::Loco;
     int number = 0; // loco address or symbol number; 0 for the tables
     auto operator<=>(const RecordId &) const = default;
 };
@@ -37,29 +53,31 @@ struct RecordId {
 /// What a record holds; which alternative says its kind.
 using RecordValue = std::variant<LocoRecord, Picture, Routes, AccessoryList, Assignment>;
 
-struct RecordKind {
+/// What is particular about a kind.
+struct KindRow {
     bool numbered = true;
     int lowest = 0;
     int highest = 0;
-    QString plural;       // "Lokdatensätze"
-    QString progress;     // "Lok-Daten: ", followed by the number where there is one
-    int backupBytes = 0;  // of its record in a backup file, with the kind byte
-    int readMessages = 0; // what reading one costs on a quiet bus
+    std::optional<SymbolKind> symbol; // of the symbol kinds
+    int half = 0;                     // of the symbols that have two
+    QString plural;                   // "Lokdatensätze"
+    QString progress;                 // "Lok-Daten: ", followed by the number where there is one
+    int backupBytes = 0;              // of its record in a backup file, with the kind byte
+    int readMessages = 0;             // what reading one costs on a quiet bus
     int writeMessages = 0;
 };
 
-/// The row of a kind 1..9.
-const RecordKind &KindOf(int kind);
+const KindRow &RowOf(RecordKind kind);
 
 /// What the progress window shows while the record is moved: "Lok-Daten: 3", "Fahrstraßen".
 QString ProgressText(const RecordId &id);
 
-bool IsTableKind(int kind);
+bool IsTableKind(RecordKind kind);
 
 /// For the symbol kinds: what kind of picture, which half of it, and back.
-SymbolKind SymbolKindOf(int kind);
-int HalfOf(int kind);
-int RecordKindOf(SymbolKind symbol, int half);
+SymbolKind SymbolKindOf(RecordKind kind);
+int HalfOf(RecordKind kind);
+RecordKind RecordKindOf(SymbolKind symbol, int half);
 
 /// Reads and writes a record of any kind. onGroup is called before each of the groups in which the assignment is read.
 Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup);
@@ -68,7 +86,7 @@ Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &valu
 // --- Records that share a page: eight loco records, or eight symbols with both halves. ---
 
 /// True for loco records and symbol halves.
-bool SharesPage(int kind);
+bool SharesPage(RecordKind kind);
 
 /// The first byte of the (first) page in which a record lies.
 int PageAddressOf(const RecordId &id);

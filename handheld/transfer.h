@@ -25,6 +25,8 @@
 
 #include "program/outcome.h"
 
+#include <QtGlobal>
+
 #include <array>
 #include <functional>
 #include <vector>
@@ -32,7 +34,7 @@
 /// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. A sequence works on an image that
 /// its caller owns, because bytes that nobody lays are programmed from what the image holds.
 constexpr int SpiBufSize = 513;
-using SpiImage = std::array<int, SpiBufSize>;
+using SpiImage = std::array<quint8, SpiBufSize>;
 
 constexpr int ReadPosition = 8;  // first data byte in the image after a read
 constexpr int WritePosition = 4; // first data byte in the image for a write
@@ -95,10 +97,10 @@ void MoveToWritePosition(SpiImage &image, int lastIndex);
 
 /// One buffer write: data for a place in the page.
 struct PagePart {
-    int offset = 0;        // in the page, 0..511
-    std::vector<int> data; // laid at image[4 ..]; what lies behind it in the image is sent as it is
-    int lastSlice = 0;     // start index of the message that starts the execution
-    int executeLength = 0; // bytes that the handheld then clocks through the chip, the 4 of the command included
+    int offset = 0;           // in the page, 0..511
+    std::vector<quint8> data; // laid at image[4 ..]; what lies behind it in the image is sent as it is
+    int lastSlice = 0;        // start index of the message that starts the execution
+    int executeLength = 0;    // bytes that the handheld then clocks through the chip, the 4 of the command included
 };
 
 /// A page that is to be programmed once.

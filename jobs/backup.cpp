@@ -22,7 +22,7 @@ namespace
 
 using Numbers = std::bitset<LastLoco + 1>;
 
-void AddStep(Plan &plan, int kind, int number)
+void AddStep(Plan &plan, RecordKind kind, int number)
 {
     plan.steps.push_back({StepKind::Read, {kind, number}, {}, {}});
 }
@@ -44,12 +44,12 @@ void ForEachNumber(
 void AddLocos(Plan &plan, const BackupSelection &selection)
 {
     Numbers done;
-    ForEachNumber(selection, LokDatenList, done, [&plan](int n) { AddStep(plan, KindLoco, n); });
+    ForEachNumber(selection, LokDatenList, done, [&plan](int n) { AddStep(plan, RecordKind::Loco, n); });
     if (!selection.lokSuche)
         return;
     for (int n = qMax(selection.lokSucheStart, FirstLoco); n <= qMin(selection.lokSucheStop, LastLoco); ++n) {
         if (!done.test(static_cast<size_t>(n)))
-            plan.steps.push_back({StepKind::Search, {KindLoco, n}, {}, {}});
+            plan.steps.push_back({StepKind::Search, {RecordKind::Loco, n}, {}, {}});
     }
 }
 
@@ -136,7 +136,7 @@ void TakeEntry(BackupOutcome &outcome, const JobEntry &entry, const BackupSelect
     if (IsInFile(entry))
         outcome.saved.push_back(entry.step.id);
     const bool searched = selection.lokSuche && number >= selection.lokSucheStart && number <= selection.lokSucheStop;
-    if (entry.step.id.kind == KindLoco && searched && IsInFile(entry))
+    if (entry.step.id.kind == RecordKind::Loco && searched && IsInFile(entry))
         outcome.found.push_back(number);
 }
 
@@ -284,11 +284,11 @@ Plan BackupPlan(const BackupSelection &selection)
     AddSymbols(plan, selection, FktSymbolList, SymbolKind::Function);
     AddSymbols(plan, selection, MagSymbolList, SymbolKind::Accessory);
     if (selection.fsDaten)
-        AddStep(plan, KindRoutes, 0);
+        AddStep(plan, RecordKind::RouteTable, 0);
     if (selection.magSymZuord)
-        AddStep(plan, KindMagZuordnung, 0);
+        AddStep(plan, RecordKind::AssignmentTable, 0);
     if (selection.magListe)
-        AddStep(plan, KindMagListe, 0);
+        AddStep(plan, RecordKind::PlaceTable, 0);
     return plan;
 }
 

@@ -141,20 +141,20 @@ QString RecordName(const RecordId &id)
 {
     const QString number = QString::number(id.number);
     switch (id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         return QStringLiteral("Lok ") + number;
-    case KindLokSymbol:
+    case RecordKind::LocoSymbol:
         return QStringLiteral("Loksymbol ") + number;
-    case KindFktSymbolOn:
+    case RecordKind::FunctionOn:
         return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" ON");
-    case KindFktSymbolOn + 1:
+    case RecordKind::FunctionOff:
         return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" OFF");
-    case KindMagSymbolGreen:
+    case RecordKind::AccessoryGreen:
         return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Grün");
-    case KindMagSymbolGreen + 1:
+    case RecordKind::AccessoryRed:
         return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Rot");
     default:
-        return KindOf(id.kind).plural;
+        return RowOf(id.kind).plural;
     }
 }
 
@@ -238,7 +238,8 @@ std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const
         const auto found = values.find(id);
         if (found != values.end())
             return found->second;
-        return id.kind == KindLoco ? std::optional<RecordValue>(LocoRecord{.name = EmptyName()}) : std::nullopt;
+        return id.kind == RecordKind::Loco ? std::optional<RecordValue>(LocoRecord{.name = EmptyName()})
+                                           : std::nullopt;
     };
     std::vector<RecordChange> changes;
     for (const RecordId &id : order) {
@@ -259,7 +260,7 @@ size_t PagesOf(const std::vector<RecordChange> &changes)
     size_t more = 0;
     for (const RecordChange &change : changes) {
         pages.insert(PageAddressOf(change.id));
-        more += change.id.kind == KindMagZuordnung ? assignmentPages - 1 : 0;
+        more += change.id.kind == RecordKind::AssignmentTable ? assignmentPages - 1 : 0;
     }
     return pages.size() + more;
 }
@@ -268,9 +269,9 @@ double SecondsOf(const std::vector<RecordChange> &changes, bool verify)
 {
     double messages = 0;
     for (const RecordChange &change : changes) {
-        const RecordKind &kind = KindOf(change.id.kind);
-        messages += SharesPage(change.id.kind) ? kind.writeMessages - PageMessages : kind.writeMessages;
-        messages += verify ? kind.readMessages : 0;
+        const KindRow &row = RowOf(change.id.kind);
+        messages += SharesPage(change.id.kind) ? row.writeMessages - PageMessages : row.writeMessages;
+        messages += verify ? row.readMessages : 0;
     }
     messages += static_cast<double>(PagesOf(changes)) * (PageMessages + (verify ? VerifyMessages : 0));
     return messages * SecondsPerMessage();

@@ -29,7 +29,7 @@ Report DeleteLocoRecords(const std::vector<int> &numbers)
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
     for (const int n : numbers)
-        plan.steps.push_back({StepKind::Delete, {KindLoco, n}, {}, {}});
+        plan.steps.push_back({StepKind::Delete, {RecordKind::Loco, n}, {}, {}});
     return RunJob(plan);
 }
 
@@ -44,8 +44,8 @@ Report ResetFktSymbols()
         .ownerTellsPortLoss = true};
     for (int n = FirstResetSymbol; n < PairCount; ++n) {
         for (const int half : {HalfOn, HalfOff})
-            plan.steps.push_back(
-                {StepKind::Write, {KindFktSymbolOn + half, n}, EmptyPicture(SymbolKind::Function), {}});
+            plan.steps.push_back({StepKind::Write, {RecordKindOf(SymbolKind::Function, half), n},
+                EmptyPicture(SymbolKind::Function), {}});
     }
     Report report = RunJob(plan);
     if (report.end == JobEnd::Complete)

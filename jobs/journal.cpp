@@ -24,17 +24,16 @@ constexpr qint64 LargestJournal = 64 * 1024 * 1024;
 
 QString IdText(const RecordId &id)
 {
-    return QString::number(id.kind) + u' ' + QString::number(id.number);
+    return QString::number(ByteOfKind(id.kind)) + u' ' + QString::number(id.number);
 }
 
 std::optional<RecordId> IdOf(const QString &text)
 {
-    bool kindSound = false;
-    bool numberSound = false;
-    const RecordId id{text.section(u' ', 0, 0).toInt(&kindSound), text.section(u' ', 1).toInt(&numberSound)};
-    const bool sound = kindSound && numberSound && id.kind >= KindLoco && id.kind <= LastKind
-        && id.number >= KindOf(id.kind).lowest && id.number <= KindOf(id.kind).highest;
-    return sound ? std::optional(id) : std::nullopt;
+    bool isNumber = false;
+    const auto kind = KindOfByte(text.section(u' ', 0, 0).toInt()); // 0, no kind, where it is no number
+    const int number = text.section(u' ', 1).toInt(&isNumber);
+    const bool sound = kind && isNumber && number >= RowOf(*kind).lowest && number <= RowOf(*kind).highest;
+    return sound ? std::optional(RecordId{*kind, number}) : std::nullopt;
 }
 
 /// Takes one line; false when it is none of a journal.

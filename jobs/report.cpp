@@ -10,7 +10,7 @@ namespace
 
 constexpr int MostNumbersInLine = 30; // entries of a short list
 
-std::vector<int> NumbersOfKind(const std::vector<RecordId> &records, int kind)
+std::vector<int> NumbersOfKind(const std::vector<RecordId> &records, RecordKind kind)
 {
     std::vector<int> numbers;
     for (const RecordId &id : records) {
@@ -21,12 +21,12 @@ std::vector<int> NumbersOfKind(const std::vector<RecordId> &records, int kind)
 }
 
 /// "5 Lokdatensätze: 1, 3, 8, 18, 24", "4 Loksymbole", "Fahrstraßen".
-QString KindContent(int kind, const std::vector<int> &numbers)
+QString KindContent(RecordKind kind, const std::vector<int> &numbers)
 {
     if (IsTableKind(kind))
-        return KindOf(kind).plural;
-    if (kind != KindLoco)
-        return QString::number(numbers.size()) + u' ' + KindOf(kind).plural;
+        return RowOf(kind).plural;
+    if (kind != RecordKind::Loco)
+        return QString::number(numbers.size()) + u' ' + RowOf(kind).plural;
     QStringList entries = ShortList(numbers, QString()).split(u',');
     if (entries.size() > MostNumbersInLine)
         entries = entries.first(MostNumbersInLine) << QStringLiteral("...");
@@ -40,12 +40,12 @@ QString KindContent(int kind, const std::vector<int> &numbers)
 QString RecordsText(const std::vector<RecordId> &records)
 {
     QStringList lines;
-    for (int kind = KindLoco; kind <= LastKind; ++kind) {
+    for (const RecordKind kind : AllKinds) {
         const std::vector<int> numbers = NumbersOfKind(records, kind);
         const QString list =
-            KindOf(kind).numbered ? QStringLiteral(": ") + ShortList(numbers, QStringLiteral("\r     ")) : QString();
+            RowOf(kind).numbered ? QStringLiteral(": ") + ShortList(numbers, QStringLiteral("\r     ")) : QString();
         if (!numbers.empty())
-            lines += KindOf(kind).plural + list;
+            lines += RowOf(kind).plural + list;
     }
     return lines.isEmpty() ? QStringLiteral("keine") : lines.join(u'\r');
 }
@@ -53,7 +53,7 @@ QString RecordsText(const std::vector<RecordId> &records)
 QString ContentText(const std::vector<RecordId> &records)
 {
     QStringList parts;
-    for (int kind = KindLoco; kind <= LastKind; ++kind) {
+    for (const RecordKind kind : AllKinds) {
         const std::vector<int> numbers = NumbersOfKind(records, kind);
         if (!numbers.empty())
             parts += KindContent(kind, numbers);

@@ -34,7 +34,7 @@ QString DurationOf(const std::vector<DdsRecord> &records)
 {
     int messages = 0;
     for (const DdsRecord &record : records)
-        messages += KindOf(record.id.kind).writeMessages;
+        messages += RowOf(record.id.kind).writeMessages;
     return DurationText(messages * SecondsPerMessage());
 }
 

@@ -32,7 +32,7 @@ void Read(SpiImage &image, JobEntry &entry)
     entry.state = StateOfRead(read.value, read.outcome, image);
     entry.outcome = read.outcome;
     entry.value = std::move(read.value);
-    if (entry.step.id.kind == KindLoco && entry.state == RecordState::Done) {
+    if (entry.step.id.kind == RecordKind::Loco && entry.state == RecordState::Done) {
         entry.bytes.emplace();
         std::copy_n(image.begin() + ReadPosition, LocoRecordSize, entry.bytes->begin());
     }
@@ -100,7 +100,7 @@ struct KnownUse {
 /// In the fast cadence neighbours are asked together. True when that said what the step wants to know.
 bool KnownFromNeighbours(KnownUse &known, JobEntry &entry, bool neighbourFollows)
 {
-    if (CurrentCadence() == Cadence::Ticks || entry.step.id.kind != KindLoco)
+    if (CurrentCadence() == Cadence::Ticks || entry.step.id.kind != RecordKind::Loco)
         return false;
     const int number = entry.step.id.number;
     if (!known.holds(number)) {

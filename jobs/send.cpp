@@ -20,7 +20,7 @@ Plan LookPlan(const std::vector<DownloadedLoco> &locos)
         .endsAtFailure = true,
         .ownerTellsPortLoss = true};
     for (const DownloadedLoco &loco : locos)
-        plan.steps.push_back({StepKind::IsUsed, {KindLoco, loco.address}, {}, {}});
+        plan.steps.push_back({StepKind::IsUsed, {RecordKind::Loco, loco.address}, {}, {}});
     return plan;
 }
 
@@ -28,8 +28,8 @@ Step SendStep(const DownloadedLoco &loco, bool taken)
 {
     const LocoRecord record = RecordOfLoco(loco);
     if (!taken)
-        return {StepKind::Write, {KindLoco, loco.address}, record, {}};
-    return {StepKind::Merge, {KindLoco, loco.address}, {}, [record](const RecordValue &present) {
+        return {StepKind::Write, {RecordKind::Loco, loco.address}, record, {}};
+    return {StepKind::Merge, {RecordKind::Loco, loco.address}, {}, [record](const RecordValue &present) {
                 LocoRecord merged = record;
                 merged.symbols = std::get<LocoRecord>(present).symbols;
                 return merged;

@@ -15,7 +15,7 @@ QString Title()
 
 Step SpreadStep(const LocoRecord &from, int address)
 {
-    return {StepKind::Merge, {KindLoco, address}, {}, [from](const RecordValue &present) {
+    return {StepKind::Merge, {RecordKind::Loco, address}, {}, [from](const RecordValue &present) {
                 LocoRecord merged = std::get<LocoRecord>(present);
                 merged.symbols = from.symbols;
                 merged.modes = from.modes;

@@ -50,18 +50,18 @@ void BuildZeichensatz()
         Zeichensatz.at(static_cast<size_t>(code)) = defined.at(code);
 }
 
-int CharCode(const QString &character)
+quint8 CharCode(const QString &character)
 {
     if (character.isEmpty())
         return BlankCode;
-    for (int code = 0; code <= ZeichensatzLast; ++code) {
+    for (quint8 code = 0; code <= ZeichensatzLast; ++code) {
         if (Zeichensatz.at(static_cast<size_t>(code)) == character.at(0))
             return code;
     }
     return BlankCode;
 }
 
-void EncodeName(const QString &text, std::span<int> codes, int start, int length)
+void EncodeName(const QString &text, std::span<quint8> codes, int start, int length)
 {
     const QString padded = UpperLatin1(text).leftJustified(length, u' ', true);
     for (int i = 0; i < length; ++i) {
@@ -70,7 +70,7 @@ void EncodeName(const QString &text, std::span<int> codes, int start, int length
     }
 }
 
-QString DecodeName(std::span<const int> codes, int start, int count)
+QString DecodeName(std::span<const quint8> codes, int start, int count)
 {
     QString text;
     for (int i = start; i < start + count; ++i) {
@@ -100,7 +100,7 @@ QString UnknownCharacters(const QString &text)
 
 QString AsStored(const QString &text, int length)
 {
-    std::vector<int> codes(static_cast<size_t>(length), BlankCode);
+    std::vector<quint8> codes(static_cast<size_t>(length), BlankCode);
     EncodeName(text, codes, 0, length);
     return DecodeName(codes, 0, length);
 }

@@ -10,7 +10,7 @@
 #include <span>
 
 constexpr int ZeichensatzLast = 52; // highest defined code
-constexpr int BlankCode = 39;
+constexpr quint8 BlankCode = 39;
 constexpr QChar FillerCharacter(u'\u00FF'); // shown for every undefined code
 
 /// Character of each code 0..255. Built once by BuildZeichensatz() at start-up, then only read.
@@ -20,14 +20,14 @@ void BuildZeichensatz();
 
 /// Code of a one-character text. Exact comparison (lower-case letters are not in the set); a character outside
 /// the set, and an empty text, give the blank's code.
-int CharCode(const QString &character);
+quint8 CharCode(const QString &character);
 
 /// Writes exactly `length` codes of the upper-cased text to codes[start ...]; short texts are filled with blanks,
 /// further characters are dropped.
-void EncodeName(const QString &text, std::span<int> codes, int start, int length);
+void EncodeName(const QString &text, std::span<quint8> codes, int start, int length);
 
 /// Text of `count` codes from index start; trailing blanks are kept.
-QString DecodeName(std::span<const int> codes, int start, int count);
+QString DecodeName(std::span<const quint8> codes, int start, int count);
 
 /// A foreign text rewritten in characters of the set: upper case, sharp s as SS, similar punctuation, blanks for
 /// all that the handheld cannot show. May be longer than the text.

@@ -97,7 +97,7 @@ std::vector<RosterLoco> LocosIn(const DdsContent &content)
 {
     std::vector<RosterLoco> locos;
     for (const DdsRecord &record : content.records) {
-        if (record.id.kind == KindLoco)
+        if (record.id.kind == RecordKind::Loco)
             locos.push_back({record.id.number, std::get<LocoRecord>(UnpackRecord(record))});
     }
     return locos;

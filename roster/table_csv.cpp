@@ -33,11 +33,11 @@ struct Layout {
     int rows;
 };
 
-Layout LayoutOf(int kind)
+Layout LayoutOf(RecordKind kind)
 {
-    if (kind == KindRoutes)
+    if (kind == RecordKind::RouteTable)
         return {{RouteColumn, FeedbackColumn, TriggerColumn}, RouteCount};
-    if (kind == KindMagZuordnung)
+    if (kind == RecordKind::AssignmentTable)
         return {{AddressColumn, SymbolColumn}, LastAccessoryAddress};
     return {{PlaceColumn, AddressColumn, DesignationColumn, SymbolColumn}, PlaceCount};
 }
@@ -90,7 +90,7 @@ bool IsDefined(const AccessoryList &list, size_t at)
 QStringList PlaceLines(const AccessoryList &list)
 {
     QStringList lines;
-    const std::vector<int> codes(list.begin(), list.end());
+    const std::vector<quint8> codes(list.begin(), list.end());
     for (size_t n = 0; n < PlaceCount; ++n) {
         const size_t at = n * PlaceSize;
         const QString name = IsDefined(list, at + DesignationOffset)
@@ -142,7 +142,7 @@ void PutDesignation(AccessoryList &list, size_t at, const QString &text)
 {
     if (text.isEmpty() && !IsDefined(list, at))
         return;
-    std::vector<int> codes(DesignationLength);
+    std::vector<quint8> codes(DesignationLength);
     EncodeName(text, codes, 0, DesignationLength);
     list.at(at) = codes.at(0);
     list.at(at + 1) = codes.at(1);
@@ -171,11 +171,11 @@ Change PlaceChange(CsvSheet &sheet, const CsvRow &row, size_t n)
     };
 }
 
-Change ChangeOf(CsvSheet &sheet, const CsvRow &row, int kind, size_t n)
+Change ChangeOf(CsvSheet &sheet, const CsvRow &row, RecordKind kind, size_t n)
 {
-    if (kind == KindRoutes)
+    if (kind == RecordKind::RouteTable)
         return RouteChange(sheet, row, n);
-    return kind == KindMagZuordnung ? AssignmentChange(sheet, row, n) : PlaceChange(sheet, row, n);
+    return kind == RecordKind::AssignmentTable ? AssignmentChange(sheet, row, n) : PlaceChange(sheet, row, n);
 }
 
 } // namespace
@@ -183,20 +183,20 @@ Change ChangeOf(CsvSheet &sheet, const CsvRow &row, int kind, size_t n)
 QByteArray TableCsv(const RecordValue &table)
 {
     QStringList lines;
-    int kind = KindMagListe;
+    RecordKind kind = RecordKind::PlaceTable;
     if (const auto *routes = std::get_if<Routes>(&table)) {
         lines = RouteLines(*routes);
-        kind = KindRoutes;
+        kind = RecordKind::RouteTable;
     } else if (const auto *assignment = std::get_if<Assignment>(&table)) {
         lines = AssignmentLines(*assignment);
-        kind = KindMagZuordnung;
+        kind = RecordKind::AssignmentTable;
     } else {
         lines = PlaceLines(std::get<AccessoryList>(table));
     }
     return (LayoutOf(kind).columns.join(u';') + u'\n' + lines.join(u'\n') + u'\n').toUtf8();
 }
 
-TableChanges ReadTableCsv(const QByteArray &file, int kind)
+TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind)
 {
     const Layout layout = LayoutOf(kind);
     const QString &numberColumn = layout.columns.constFirst();

@@ -13,7 +13,7 @@
 
 #include <functional>
 
-/// The table (kind KindRoutes, KindMagZuordnung or KindMagListe) as a file.
+/// The table (kind RecordKind::RouteTable, RecordKind::AssignmentTable or RecordKind::PlaceTable) as a file.
 QByteArray TableCsv(const RecordValue &table);
 
 struct TableChanges {
@@ -21,4 +21,4 @@ struct TableChanges {
     std::vector<FileFault> faults;            // with any, nothing may be written
 };
 
-TableChanges ReadTableCsv(const QByteArray &file, int kind);
+TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind);

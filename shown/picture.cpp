@@ -15,7 +15,7 @@ int PixelEditDone = 1;
 namespace
 {
 
-int &PixelByte(const PixelPlace &place)
+quint8 &PixelByte(const PixelPlace &place)
 {
     return SpiBuf.at(static_cast<size_t>(FirstPixelIndex() + place.byte));
 }
@@ -54,13 +54,13 @@ Picture TakePicture(size_t bytes)
     return {ShownGeometry(), {first, first + static_cast<std::ptrdiff_t>(bytes)}};
 }
 
-std::vector<int> ShownRows()
+std::vector<quint8> ShownRows()
 {
     const auto first = SpiBuf.begin() + FirstPixelIndex();
     return {first, first + RowBytesOf(SymbolWidth) * SymbolHeight};
 }
 
-void LayRows(const std::vector<int> &rows)
+void LayRows(const std::vector<quint8> &rows)
 {
     std::copy(rows.begin(), rows.end(), SpiBuf.begin() + FirstPixelIndex());
 }

@@ -29,8 +29,8 @@ void ShowPicture(const Picture &picture);
 Picture TakePicture(size_t bytes);
 
 /// The pixel rows alone: what a step back in the editor has to restore after a load.
-std::vector<int> ShownRows();
-void LayRows(const std::vector<int> &rows);
+std::vector<quint8> ShownRows();
+void LayRows(const std::vector<quint8> &rows);
 
 /// SpiBuf index of the first pixel byte: 6, or 4 without the size bytes.
 int FirstPixelIndex();

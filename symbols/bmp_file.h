@@ -21,7 +21,7 @@
 #include <vector>
 
 /// The pixel rows of a picture, RowBytesOf(width) bytes each, bottom row first.
-using PictureRows = std::vector<int>;
+using PictureRows = std::vector<quint8>;
 
 /// The rows of a file that fits the geometry; nothing when it was refused.
 std::optional<PictureRows> LoadBmp(const QString &fileName, PictureGeometry geometry);

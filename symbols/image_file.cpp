@@ -1,7 +1,5 @@
 #include "symbols/image_file.h"
 
-#include "symbols/bmp_file.h"
-
 #include <QtEndian>
 
 #include <png.h>
@@ -159,7 +157,7 @@ Decoded DecodePng(const QByteArray &file)
     return decoded;
 }
 
-QByteArray PngOf(const std::vector<int> &rows, PictureGeometry geometry)
+QByteArray PngOf(const PictureRows &rows, PictureGeometry geometry)
 {
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
@@ -182,10 +180,10 @@ QByteArray PngOf(const std::vector<int> &rows, PictureGeometry geometry)
     return file;
 }
 
-std::vector<int> RowsOfGrey(const GreyImage &image)
+PictureRows RowsOfGrey(const GreyImage &image)
 {
     const PictureGeometry geometry{image.width, image.height};
-    std::vector<int> rows(static_cast<size_t>(RowBytesOf(geometry.width) * geometry.height), 0);
+    PictureRows rows(static_cast<size_t>(RowBytesOf(geometry.width) * geometry.height), 0);
     for (int y = 0; y < image.height; ++y) {
         for (int x = 0; x < image.width; ++x) {
             const int row = image.height - 1 - y;
@@ -220,7 +218,7 @@ ReadImage ReadImageFile(const QString &fileName, const QByteArray &file, Picture
             .arg(geometry.height)};
 }
 
-QByteArray ImageFileOf(const QString &fileName, const std::vector<int> &rows, PictureGeometry geometry)
+QByteArray ImageFileOf(const QString &fileName, const PictureRows &rows, PictureGeometry geometry)
 {
     return EndsIn(fileName, QStringLiteral(".png")) ? PngOf(rows, geometry) : BmpBytes(rows, geometry);
 }

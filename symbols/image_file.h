@@ -4,7 +4,7 @@
 // A pixel darker than half is set. Written: 1-bit BMP and black-and-white PNG. The file's ending says which.
 #pragma once
 
-#include "handheld/picture.h"
+#include "symbols/bmp_file.h"
 
 #include <QByteArray>
 #include <QString>
@@ -12,7 +12,7 @@
 /// What reading a file brought: the rows (see PictureRows in bmp_file.h), or why it cannot be used (German, without a
 /// full stop; a wrong size names both sizes).
 struct ReadImage {
-    std::vector<int> rows;
+    PictureRows rows;
     QString fault;
 };
 
@@ -22,4 +22,4 @@ bool IsImageName(const QString &fileName);
 ReadImage ReadImageFile(const QString &fileName, const QByteArray &file, PictureGeometry geometry);
 
 /// The file of a picture; empty when it could not be made.
-QByteArray ImageFileOf(const QString &fileName, const std::vector<int> &rows, PictureGeometry geometry);
+QByteArray ImageFileOf(const QString &fileName, const PictureRows &rows, PictureGeometry geometry);

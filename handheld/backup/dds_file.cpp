@@ -25,25 +25,33 @@ int ByteAt(const QByteArray &bytes, qsizetype position)
     return static_cast<quint8>(bytes.at(position));
 }
 
-bool IsHalf(int kind)
+/// The kind of a record whose kind byte has been checked.
+RecordKind KindIn(const QByteArray &record)
 {
-    return kind > KindLokSymbol && !IsTableKind(kind);
+    const auto kind = KindOfByte(ByteAt(record, 0));
+    Q_ASSERT(kind);
+    return *kind;
 }
 
-qsizetype PictureOffset(int kind)
+bool IsHalf(RecordKind kind)
 {
-    return kind == KindLokSymbol ? LokSymbolPicture : HalfPicture;
+    return SharesPage(kind) && kind != RecordKind::Loco;
+}
+
+qsizetype PictureOffset(RecordKind kind)
+{
+    return kind == RecordKind::LocoSymbol ? LokSymbolPicture : HalfPicture;
 }
 
 int NumberIn(const QByteArray &record)
 {
-    return IsTableKind(ByteAt(record, 0)) ? 0 : ByteAt(record, NumberOffset) * 256 + ByteAt(record, NumberOffset + 1);
+    return IsTableKind(KindIn(record)) ? 0 : ByteAt(record, NumberOffset) * 256 + ByteAt(record, NumberOffset + 1);
 }
 
 /// Begins a record: kind byte, and the number where the kind has one.
 QByteArray Begin(const RecordId &id)
 {
-    QByteArray record(1, static_cast<char>(id.kind));
+    QByteArray record(1, static_cast<char>(ByteOfKind(id.kind)));
     if (!IsTableKind(id.kind))
         record.append(static_cast<char>(id.number >> 8)).append(static_cast<char>(id.number & 0xFF));
     return record;
@@ -57,8 +65,8 @@ template <typename Numbers> void AppendBytes(QByteArray &record, const Numbers &
 
 template <typename Numbers> void TakeBytes(const QByteArray &record, qsizetype offset, Numbers &numbers)
 {
-    for (int &number : numbers)
-        number = ByteAt(record, offset++);
+    for (auto &number : numbers)
+        number = static_cast<quint8>(record.at(offset++));
 }
 
 void AppendValue(QByteArray &bytes, const LocoRecord &loco)
@@ -113,29 +121,32 @@ struct InnerFault {
 
 std::optional<InnerFault> NumberFault(const QByteArray &record)
 {
-    const int kind = ByteAt(record, 0);
-    const RecordKind &layout = KindOf(kind);
+    const RecordKind kind = KindIn(record);
+    const KindRow &layout = RowOf(kind);
     const int number = NumberIn(record);
     if (number >= layout.lowest && number <= layout.highest)
         return {};
-    const QString text = kind == KindLoco ? QStringLiteral("die Lokadresse %1 liegt nicht zwischen %2 und %3")
-                                          : QStringLiteral("die Symbolnummer %1 liegt nicht zwischen %2 und %3");
+    const QString text = kind == RecordKind::Loco
+        ? QStringLiteral("die Lokadresse %1 liegt nicht zwischen %2 und %3")
+        : QStringLiteral("die Symbolnummer %1 liegt nicht zwischen %2 und %3");
     return InnerFault{NumberOffset, text.arg(number).arg(layout.lowest).arg(layout.highest)};
 }
 
 std::optional<InnerFault> HalfFault(const QByteArray &record)
 {
-    const int kind = ByteAt(record, 0);
+    const RecordKind kind = KindIn(record);
     if (!IsHalf(kind) || ByteAt(record, HalfOffset) == HalfOf(kind))
         return {};
     return InnerFault{HalfOffset,
-        QStringLiteral("die Symbolhälfte %1 passt nicht zur Satzart %2").arg(ByteAt(record, HalfOffset)).arg(kind)};
+        QStringLiteral("die Symbolhälfte %1 passt nicht zur Satzart %2")
+            .arg(ByteAt(record, HalfOffset))
+            .arg(ByteOfKind(kind))};
 }
 
 /// The last bytes of a loco record are all 0 or 1.
 std::optional<InnerFault> FlagFault(const QByteArray &record)
 {
-    if (ByteAt(record, 0) != KindLoco)
+    if (KindIn(record) != RecordKind::Loco)
         return {};
     for (qsizetype offset = FktModusOffset; offset <= MultiUniOffset; ++offset) {
         if (ByteAt(record, offset) > 1)
@@ -157,11 +168,11 @@ std::optional<InnerFault> RecordFault(const QByteArray &record)
 /// The fault of the record that begins at a position, or nothing when it is sound.
 std::optional<InnerFault> FaultAt(const QByteArray &file, qsizetype position)
 {
-    const int kind = ByteAt(file, position);
-    if (kind < KindLoco || kind > LastKind)
-        return InnerFault{0, QStringLiteral("die Satzart %1 gibt es nicht").arg(kind)};
+    const auto kind = KindOfByte(ByteAt(file, position));
+    if (!kind)
+        return InnerFault{0, QStringLiteral("die Satzart %1 gibt es nicht").arg(ByteAt(file, position))};
     const qsizetype left = file.size() - position;
-    const int length = KindOf(kind).backupBytes;
+    const int length = RowOf(*kind).backupBytes;
     if (left < length)
         return InnerFault{
             left, QStringLiteral("die Datei endet mitten im Datensatz (%1 von %2 Bytes)").arg(left).arg(length)};
@@ -180,9 +191,8 @@ DdsContent ReadDds(const QByteArray &file)
             content.fault = DdsFault{number, position + fault->offset, fault->reason};
             return content;
         }
-        const int kind = ByteAt(file, position);
-        const QByteArray bytes = file.mid(position, KindOf(kind).backupBytes);
-        content.records.push_back({{kind, NumberIn(bytes)}, position, bytes});
+        const QByteArray bytes = file.mid(position, RowOf(KindIn(file.mid(position, 1))).backupBytes);
+        content.records.push_back({{KindIn(bytes), NumberIn(bytes)}, position, bytes});
         position += bytes.size();
     }
     return content;
@@ -211,20 +221,20 @@ QByteArray PackRecord(const RecordId &id, const RecordValue &value)
     if (IsHalf(id.kind))
         bytes.append(static_cast<char>(HalfOf(id.kind)));
     std::visit([&bytes](const auto &content) { AppendValue(bytes, content); }, value);
-    Q_ASSERT(bytes.size() == KindOf(id.kind).backupBytes);
+    Q_ASSERT(bytes.size() == RowOf(id.kind).backupBytes);
     return bytes;
 }
 
 RecordValue UnpackRecord(const DdsRecord &record)
 {
     switch (record.id.kind) {
-    case KindLoco:
+    case RecordKind::Loco:
         return UnpackLoco(record.bytes);
-    case KindRoutes:
+    case RecordKind::RouteTable:
         return UnpackTable<Routes>(record);
-    case KindMagZuordnung:
+    case RecordKind::AssignmentTable:
         return UnpackTable<Assignment>(record);
-    case KindMagListe:
+    case RecordKind::PlaceTable:
         return UnpackTable<AccessoryList>(record);
     default:
         return UnpackPicture(record);

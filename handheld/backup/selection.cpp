@@ -20,8 +20,8 @@ std::optional<BackupSelection> unsaved; // where the file cannot be written: hol
 constexpr int Halves = 2;
 
 /// The record kind of a numbered kind (of its first half).
-constexpr std::array<int, NumberedKindCount> RecordKinds{
-    KindLoco, KindLokSymbol, KindFktSymbolOn, KindMagSymbolGreen};
+constexpr std::array<RecordKind, NumberedKindCount> RecordKinds{
+    RecordKind::Loco, RecordKind::LocoSymbol, RecordKind::FunctionOn, RecordKind::AccessoryGreen};
 
 /// What the search asks of an address that holds nothing.
 double EmptyLocoMessages()
@@ -33,7 +33,7 @@ double EmptyLocoMessages()
 
 int MessagesPerNumber(NumberedKind kind)
 {
-    const int messages = KindOf(RecordKinds.at(kind)).readMessages;
+    const int messages = RowOf(RecordKinds.at(kind)).readMessages;
     return kind == FktSymbolList || kind == MagSymbolList ? messages * Halves : messages;
 }
 
@@ -109,7 +109,7 @@ QString FieldValue(const Field &field)
 
 NumberLimits LimitsOf(NumberedKind kind)
 {
-    const RecordKind &row = KindOf(RecordKinds.at(kind));
+    const KindRow &row = RowOf(RecordKinds.at(kind));
     return {row.lowest, row.highest};
 }
 
@@ -160,9 +160,9 @@ double EstimatedSeconds(const BackupSelection &selection)
     }
     if (selection.lokSuche)
         messages += (selection.lokSucheStop - selection.lokSucheStart + 1) * EmptyLocoMessages();
-    messages += selection.fsDaten ? KindOf(KindRoutes).readMessages : 0;
-    messages += selection.magSymZuord ? KindOf(KindMagZuordnung).readMessages : 0;
-    messages += selection.magListe ? KindOf(KindMagListe).readMessages : 0;
+    messages += selection.fsDaten ? RowOf(RecordKind::RouteTable).readMessages : 0;
+    messages += selection.magSymZuord ? RowOf(RecordKind::AssignmentTable).readMessages : 0;
+    messages += selection.magListe ? RowOf(RecordKind::PlaceTable).readMessages : 0;
     return messages * SecondsPerMessage();
 }
 

@@ -121,8 +121,9 @@ INSTANTIATE_TEST_SUITE_P(Ticks, PageLoad, ::testing::Values(Cadence::Ticks));
 
 TEST_P(FaultMatrix, Reads)
 {
-    const std::vector<Target> targets{{"loco", {KindLoco, 9}, 0, {}, 5}, {"symbol", {KindFktSymbolOn, 3}, 0, {}, 3},
-        {"loco symbol", {KindLokSymbol, 1}, 0, {}, 7}, {"routes", {KindRoutes, 0}, 0, {}, 12}};
+    const std::vector<Target> targets{{"loco", {RecordKind::Loco, 9}, 0, {}, 5},
+        {"symbol", {RecordKind::FunctionOn, 3}, 0, {}, 3}, {"loco symbol", {RecordKind::LocoSymbol, 1}, 0, {}, 7},
+        {"routes", {RecordKind::RouteTable, 0}, 0, {}, 12}};
     for (const Target &target : targets) {
         SpiImage image{};
         const RecordValue right = ReadRecord(image, target.id, [](int) {}).value;
@@ -156,11 +157,11 @@ TEST_P(FaultMatrix, Writes)
     const int loco = 9 * 64;
     const int symbol = FktSymbolAddress + 3 * 64;
     const int lokSymbol = LokSymbolAddress + 512;
-    const std::vector<Target> targets{{"loco", {KindLoco, 9}, 512, {{loco, loco + 63}}, 6},
-        {"symbol", {KindFktSymbolOn, 3}, FktSymbolAddress, {{symbol, symbol + 29}}, 4},
-        {"loco symbol", {KindLokSymbol, 1}, LokSymbolAddress, {{lokSymbol, lokSymbol + 511}}, 7},
-        {"routes", {KindRoutes, 0}, RoutesAddress, {{RoutesAddress, RoutesAddress + 511}}, 21},
-        {"assignment", {KindMagZuordnung, 0}, MagZuordAddress, {{0x0E0001, 0x0E0800}}, 139}};
+    const std::vector<Target> targets{{"loco", {RecordKind::Loco, 9}, 512, {{loco, loco + 63}}, 6},
+        {"symbol", {RecordKind::FunctionOn, 3}, FktSymbolAddress, {{symbol, symbol + 29}}, 4},
+        {"loco symbol", {RecordKind::LocoSymbol, 1}, LokSymbolAddress, {{lokSymbol, lokSymbol + 511}}, 7},
+        {"routes", {RecordKind::RouteTable, 0}, RoutesAddress, {{RoutesAddress, RoutesAddress + 511}}, 21},
+        {"assignment", {RecordKind::AssignmentTable, 0}, MagZuordAddress, {{0x0E0001, 0x0E0800}}, 139}};
     for (const Target &target : targets) {
         flash().state.memory = memory;
         SpiImage image{};
@@ -205,7 +206,7 @@ TEST_P(FaultMatrix, Writes)
 
 TEST_P(FaultMatrix, Deletes)
 {
-    const Target target{"delete", {KindLoco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 3};
+    const Target target{"delete", {RecordKind::Loco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 3};
     for (const FaultKind &kind : FaultKinds) {
         for (const int nth : occasions(kind, target.messages)) {
             const std::string row = std::string(kind.name) + " " + std::to_string(nth);
@@ -242,7 +243,7 @@ TEST_P(PageLoad, ALostPageLoadIsNoticedAndRepeated)
         EXPECT_EQ(user.boxes.constFirst(), QStringLiteral("move_spibuf_to_buf1: Timeout")) << misses;
         EXPECT_EQ(user.boxes.size(), misses > 2 && patience == Patience::Agreed ? 2 : 1) << misses;
         EXPECT_EQ(outcome.how(), misses <= 2 ? End::Done : End::GivenUp) << "repeated twice at most";
-        const Target target{"", {KindLoco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 6};
+        const Target target{"", {RecordKind::Loco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 6};
         EXPECT_TRUE(neighboursUnharmed(target)) << misses;
         EXPECT_EQ(executed(0x83), misses <= 2 ? 1 : 0);
         flash().state.executed = {};
@@ -261,7 +262,7 @@ TEST_P(PageLoad, AHandheldThatComesBackLoadsThePageFirst)
         SpiImage image{};
         const LocoRecord record{FitLocoName(QStringLiteral("LOK")), {}, {}, 0, 3};
         static_cast<void>(WriteLoco(image, 9, record, Patience::Agreed));
-        const Target target{"", {KindLoco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 6};
+        const Target target{"", {RecordKind::Loco, 9}, 512, {{9 * 64, 9 * 64 + 63}}, 6};
         EXPECT_TRUE(neighboursUnharmed(target)) << seconds;
     }
 }

@@ -86,7 +86,7 @@ protected:
 
     static QByteArray packLoco(int address, const LocoRecord &record)
     {
-        return PackRecord({KindLoco, address}, record);
+        return PackRecord({RecordKind::Loco, address}, record);
     }
 
     /// Loco n named "LOK n" with its symbol n; 76 bytes each.
@@ -285,8 +285,8 @@ TEST_F(BackupTest, RestoreWritesInFileOrderAndNothingBesides)
 
 TEST_F(BackupTest, TheOfferNamesWhatTheFileHoldsAndTheEndWhatWasWritten)
 {
-    lay(locoFile(1, 2) + packLoco(8, {}) + PackRecord({KindLokSymbol, 3}, EmptyPicture(SymbolKind::Loco))
-        + PackRecord({KindRoutes, 0}, Routes{}));
+    lay(locoFile(1, 2) + packLoco(8, {}) + PackRecord({RecordKind::LocoSymbol, 3}, EmptyPicture(SymbolKind::Loco))
+        + PackRecord({RecordKind::RouteTable, 0}, Routes{}));
     const auto offer = OfferRestore(path());
     EXPECT_EQ(offer->question.text,
         QStringLiteral("Die Datei %1 enthält:\r3 Lokdatensätze: 1-2, 8; 1 Loksymbole; Fahrstraßen.\r\r"

@@ -52,7 +52,7 @@ protected:
         const QByteArray wanted = recordBytes(n, seed);
         for (size_t i = 0; i < bytes.size(); ++i)
             bytes.at(i) = static_cast<quint8>(wanted.at(static_cast<qsizetype>(i)));
-        return {StepKind::Write, {KindLoco, n}, DecodeLoco(bytes), {}};
+        return {StepKind::Write, {RecordKind::Loco, n}, DecodeLoco(bytes), {}};
     }
 
     /// Loco records 2, 3, 9 and 22 get other data: three pages.
@@ -136,7 +136,7 @@ TEST_F(CarefulWrites, OnlyChangesAreWrittenAPageAtATimeAndProved)
     EXPECT_TRUE(LastSavedBefore().isEmpty());
     all.at(2) = writeStep(3, 1);
     report = run(all, wish);
-    EXPECT_EQ(IdsOf(report, RecordState::Done), (std::vector<RecordId>{{KindLoco, 3}}));
+    EXPECT_EQ(IdsOf(report, RecordState::Done), (std::vector<RecordId>{{RecordKind::Loco, 3}}));
     EXPECT_EQ(executed(0x83), 1);
     EXPECT_TRUE(flashIs({writeStep(3, 1)}));
     const DdsContent before = ReadDds(*ReadWholeFile(LastSavedBefore()));
@@ -230,7 +230,7 @@ TEST_F(CarefulWrites, AJournalThatDoesNotFitIsRefused)
     {
         Journal journal(file());
         ASSERT_TRUE(journal.begin(head()));
-        journal.finished({KindLoco, 3});
+        journal.finished({RecordKind::Loco, 3});
         journal.pageBegins(512);
         Journal second(file());
         user.acceptAnyBox();
@@ -344,8 +344,8 @@ TEST_F(CarefulWrites, BegunAnewTwiceWhatStoodThereFirstIsKept)
 TEST_F(CarefulWrites, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
 {
     user.acceptAnyBox();
-    Step merge{
-        StepKind::Merge, {KindLoco, 7}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1}, {}, true};
+    Step merge{StepKind::Merge, {RecordKind::Loco, 7}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1},
+        {}, true};
     merge.merge = [](const RecordValue &present) {
         LocoRecord loco = std::get<LocoRecord>(present);
         loco.name = FitLocoName(QStringLiteral("NEU"));

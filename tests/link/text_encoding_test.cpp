@@ -19,7 +19,7 @@ TEST_F(TextEncoding, NamesGoToTheHandheldAndBack)
     const Row rows[] = {{"Lok ä/ö", "LOK Ä/Ö  "}, {"abcdefghijk", "ABCDEFGHI"}, {"%é5]|^", "  5]|^   "},
         {"", "         "}, {"ß", "         "}};
     for (const Row &row : rows) {
-        std::vector<int> codes(11, 99);
+        std::vector<quint8> codes(11, 99);
         EncodeName(QString::fromUtf8(row.text), codes, 1, 9);
         EXPECT_EQ(DecodeName(codes, 1, 9), QString::fromUtf8(row.stored)) << row.text;
         EXPECT_EQ(codes.front(), 99);
@@ -33,7 +33,7 @@ TEST_F(TextEncoding, CodesFollowTheHandheldsTable)
         {" ", 39}, {"+", 40}, {".", 42}, {"=", 45}, {"?", 47}, {"]", 52}, {"a", 39}, {"", 39}};
     for (const auto &[character, code] : rows)
         EXPECT_EQ(CharCode(QString::fromUtf8(character)), code) << character;
-    const std::vector<int> undefined{60, 255, 53};
+    const std::vector<quint8> undefined{60, 255, 53};
     EXPECT_EQ(DecodeName(undefined, 0, 3), QString(3, QChar(0xFF)));
 }
 

@@ -75,9 +75,9 @@ QString WindowTitle(const QString &fileName)
 }
 
 /// A kind's name and count, only its name for the three tables.
-QString KindSummary(int kind, size_t count)
+QString KindSummary(RecordKind kind, size_t count)
 {
-    const QString &name = KindOf(kind).plural;
+    const QString &name = RowOf(kind).plural;
     return IsTableKind(kind) && count == 1 ? name : QStringLiteral("%1: %2").arg(name).arg(count);
 }
 
@@ -87,12 +87,12 @@ std::unique_ptr<BackupViewer> viewer;
 
 QString SummaryText(const DdsContent &content)
 {
-    std::array<size_t, LastKind + 1> counts{};
+    std::map<RecordKind, size_t> counts;
     for (const DdsRecord &record : content.records)
-        ++counts.at(static_cast<size_t>(record.id.kind));
+        ++counts[record.id.kind];
     QStringList others;
-    for (int kind = KindLokSymbol; kind <= LastKind; ++kind) {
-        if (const size_t count = counts.at(static_cast<size_t>(kind)); count > 0)
+    for (const auto &[kind, count] : counts) {
+        if (kind != RecordKind::Loco)
             others += KindSummary(kind, count);
     }
     const QString rest = others.isEmpty() ? QStringLiteral("nichts") : others.join(QStringLiteral(", "));

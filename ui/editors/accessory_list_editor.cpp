@@ -155,10 +155,10 @@ void AccessoryListEditor::takeDesignation(int row, const QString &text)
 
 void AccessoryListEditor::pickSymbol(int row)
 {
-    int &symbol = MagListeDaten.at(Index(row, SymbolOffset));
+    quint8 &symbol = MagListeDaten.at(Index(row, SymbolOffset));
     const int chosen = pickAccessorySymbol(symbol);
     if (chosen == NothingChosen)
         return;
-    symbol = chosen;
+    symbol = static_cast<quint8>(chosen);
     showSymbol(row);
 }

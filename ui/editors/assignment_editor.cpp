@@ -24,7 +24,7 @@ BlockEditorLook Look()
 }
 
 /// The assignment's entry that a row shows: row and entry both count from the accessory address 1.
-int &EntryOfRow(int row)
+quint8 &EntryOfRow(int row)
 {
     return MagZuordDaten.at(static_cast<size_t>(row));
 }
@@ -107,7 +107,7 @@ void AssignmentEditor::actOn(int row, int /*column*/)
             grid->model()->index(marked, RedColumn), QItemSelectionModel::Select | QItemSelectionModel::Rows);
         if (chosen == NothingChosen)
             continue;
-        EntryOfRow(marked) = chosen;
+        EntryOfRow(marked) = static_cast<quint8>(chosen);
         showSymbol(marked);
     }
 }

@@ -91,7 +91,7 @@ protected:
     void showSymbol(int row);
 
     /// Lays a pasted text as symbol number; what lay() returns.
-    QString laySymbol(int row, int &symbol, const QString &text);
+    QString laySymbol(int row, quint8 &symbol, const QString &text);
 
     /// Changes the table as one step that can be undone.
     void change(const std::function<void()> &work);

@@ -153,7 +153,7 @@ QString BlockEditor::layCell(int row, int column, const QString &text)
         .arg(grid->horizontalHeaderItem(0)->text(), grid->text(row, 0), heading, text, reason);
 }
 
-QString BlockEditor::laySymbol(int row, int &symbol, const QString &text)
+QString BlockEditor::laySymbol(int row, quint8 &symbol, const QString &text)
 {
     bool isNumber = false;
     const int number = text.trimmed().toInt(&isNumber);

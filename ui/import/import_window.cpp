@@ -362,7 +362,7 @@ void ImportWindow::save()
         return;
     QByteArray file;
     for (const DownloadedLoco &loco : command.shown)
-        file += PackRecord({KindLoco, loco.address}, RecordOfLoco(loco));
+        file += PackRecord({RecordKind::Loco, loco.address}, RecordOfLoco(loco));
     if (!ReplaceFile(name, file))
         ReportFileUnwritable(name);
     else

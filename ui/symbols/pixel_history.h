@@ -11,7 +11,7 @@
 
 struct PictureState {
     PixelCells cells{};
-    std::vector<int> rows;
+    std::vector<quint8> rows;
     bool operator==(const PictureState &) const = default;
 };
 

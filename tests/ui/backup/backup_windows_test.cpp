@@ -168,7 +168,7 @@ TEST_F(BackupWindows, RestoreLooksForTheHandheldFirst)
 {
     QFile backup(file);
     ASSERT_TRUE(backup.open(QIODevice::WriteOnly));
-    backup.write(PackRecord({KindLoco, 5}, LocoRecord{QStringLiteral("LOK"), {}, {}, 0, 1}));
+    backup.write(PackRecord({RecordKind::Loco, 5}, LocoRecord{QStringLiteral("LOK"), {}, {}, 0, 1}));
     backup.close();
     HandreglerGefunden = false;
     handheld().settings.present = false;
@@ -213,15 +213,16 @@ protected:
     static QString cell(int row, int column) { return table()->index(row, column).data().toString(); }
     static QString summary() { return in<QLabel>("DatenAnzeigeWin", "ZusammenfassungLbl")->text(); }
 
-    const QByteArray three = PackRecord({KindLoco, 1000}, loco("Zug", 1))
-        + PackRecord({KindLoco, 20}, loco("Ä \"Lok\";", 2)) + PackRecord({KindLoco, 300}, loco("Bahn", 99));
+    const QByteArray three = PackRecord({RecordKind::Loco, 1000}, loco("Zug", 1))
+        + PackRecord({RecordKind::Loco, 20}, loco("Ä \"Lok\";", 2))
+        + PackRecord({RecordKind::Loco, 300}, loco("Bahn", 99));
 };
 
 TEST_F(ViewerTest, ShowsSortsAndFilters)
 {
-    show(three + PackRecord({KindLokSymbol, 1}, EmptyPicture(SymbolKind::Loco))
-        + PackRecord({KindFktSymbolOn, 9}, EmptyPicture(SymbolKind::Function))
-        + PackRecord({KindRoutes, 0}, Routes{}));
+    show(three + PackRecord({RecordKind::LocoSymbol, 1}, EmptyPicture(SymbolKind::Loco))
+        + PackRecord({RecordKind::FunctionOn, 9}, EmptyPicture(SymbolKind::Function))
+        + PackRecord({RecordKind::RouteTable, 0}, Routes{}));
     const QWidget *win = openWindow("DatenAnzeigeWin");
     EXPECT_EQ(win->windowTitle(),
         QStringLiteral("Lokdaten aus dem File: ") + QDir::toNativeSeparators(file).section(u'\\', -1));

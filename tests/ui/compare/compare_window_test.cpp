@@ -56,7 +56,7 @@ protected:
     {
         QByteArray bytes;
         for (const auto &[n, record] : locos)
-            bytes += PackRecord({KindLoco, n}, record);
+            bytes += PackRecord({RecordKind::Loco, n}, record);
         ASSERT_TRUE(ReplaceFile(name, bytes));
     }
 
