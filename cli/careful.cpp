@@ -81,7 +81,8 @@ public:
         if (topic == Topic::MendPage && call.has(ResumeOption))
             return true;
         if (topic == Topic::Resume && call.options.yes) {
-            Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
+            Tell(ScreenLines(question.text)
+                + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
             return false;
         }
         if (topic == Topic::DropJournal && call.options.yes) {

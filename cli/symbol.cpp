@@ -91,8 +91,8 @@ Exit Run(const Call &call)
     if (verb == u"schreiben")
         return Write(call, *wanted);
     SpiImage image{};
-    return ReadPictureInto(call, wanted->fileName,
-        [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); });
+    return ReadPictureInto(
+        call, wanted->fileName, [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); });
 }
 
 } // namespace
@@ -106,8 +106,9 @@ Command SymbolCommand()
         CarefulOptions(Keeps::Nothing) << QCommandLineOption(
             BuiltInOption, QStringLiteral("überschreibt auch Symbole, die der Handregler mitbringt")),
         Run,
-        QStringLiteral("NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
-                       "aus, bei magnet\n"
-                       "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14. Beim Schreiben wird\n"
-                       "vorher gefragt; eingebaut sind die Funktionssymbole 0 bis 163 und die Magnetartikelsymbole 0 bis 27.")};
+        QStringLiteral(
+            "NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
+            "aus, bei magnet\n"
+            "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14. Beim Schreiben wird\n"
+            "vorher gefragt; eingebaut sind die Funktionssymbole 0 bis 163 und die Magnetartikelsymbole 0 bis 27.")};
 }

@@ -27,6 +27,7 @@ Command TakeBackCommand()
     return {QStringLiteral("zuruecknehmen"), {},
         QStringLiteral("nimmt die letzte Änderung zurück: schreibt, was vorher da stand (fragt vorher)"),
         CarefulOptions(Keeps::Nothing), Run,
-        QStringLiteral("Was jemand seither anders geändert hat, bleibt, wie es ist, und wird genannt; --alles-schreiben "
-                       "schreibt auch dort zurück.")};
+        QStringLiteral(
+            "Was jemand seither anders geändert hat, bleibt, wie es ist, und wird genannt; --alles-schreiben "
+            "schreibt auch dort zurück.")};
 }

@@ -33,8 +33,8 @@ Rows Table()
         pair(SymbolKind::Accessory, HalfOff, QStringLiteral("Mag.Art. Symbole Rot"), accessories),
         KindRow{false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Symbolzuordnung"),
             QStringLiteral("Mag.Art.Symbolzuordnung"), 2049, 160, 139},
-        KindRow{false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), 257, 20,
-            21},
+        KindRow{
+            false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), 257, 20, 21},
         KindRow{false, 0, 0, {}, 0, QStringLiteral("Startbild"), QStringLiteral("Startbild"), 0, 22, 19}};
 }
 

@@ -167,8 +167,8 @@ private:
         TheAsk().showProgress(QStringLiteral("Stelle wieder her: ") + RecordName(destroyed.front().id));
         const WrittenPage written = WritePage(destroyed, true);
         TheAsk().hideProgress();
-        const bool proved = std::ranges::all_of(
-            written.states, [](RecordState state) { return state == RecordState::Done; });
+        const bool proved =
+            std::ranges::all_of(written.states, [](RecordState state) { return state == RecordState::Done; });
         if (!proved)
             return goOnWithout(page, QStringLiteral("ließ sich nicht wiederherstellen"));
         for (const RecordChange &change : destroyed)
@@ -180,11 +180,11 @@ private:
     /// Of what was remembered nothing can be used.
     bool dropDamaged(const OpenPage &page)
     {
-        const QString text =
-            QStringLiteral("Eine Speicherseite wurde beim Schreiben nicht fertig, und die Datei %1, in der steht, was "
-                           "vorher darin stand, ist beschädigt.\rBitte prüfen Sie die Datensätze, die Sie zuletzt "
-                           "geschrieben haben, und ihre Nachbarn.\rSoll das Schreiben trotzdem weitergehen?")
-                .arg(QDir::toNativeSeparators(page.fileName));
+        const QString text = QStringLiteral(
+            "Eine Speicherseite wurde beim Schreiben nicht fertig, und die Datei %1, in der steht, was "
+            "vorher darin stand, ist beschädigt.\rBitte prüfen Sie die Datensätze, die Sie zuletzt "
+            "geschrieben haben, und ihre Nachbarn.\rSoll das Schreiben trotzdem weitergehen?")
+                                 .arg(QDir::toNativeSeparators(page.fileName));
         if (face.agrees(Topic::DropPage, {text, job.title, BoxIcon::Critical}, false)
             && face.handheldNow() != JobFace::Handheld::Gone) {
             QFile::rename(page.fileName, page.fileName + QStringLiteral(".beschaedigt"));
@@ -270,8 +270,7 @@ private:
     bool takeEarlierPart()
     {
         end.is = CarefulEnd::Is::Impossible;
-        const Earlier found =
-            job.fileName.isEmpty() ? Earlier::None : EarlierPart(job.fileName, head, earlier);
+        const Earlier found = job.fileName.isEmpty() ? Earlier::None : EarlierPart(job.fileName, head, earlier);
         const bool wanted = job.resume == Resume::Wanted;
         if (found == Earlier::None && wanted)
             tell(QStringLiteral("Es gibt nichts fortzusetzen."));
@@ -305,8 +304,8 @@ private:
     QString whyAnew()
     {
         const qint64 age = earlier.begun.secsTo(TheEvents().now());
-        const bool sameRecords = std::ranges::all_of(
-            job.steps, [this](const Step &step) { return earlier.records.contains(step.id); });
+        const bool sameRecords =
+            std::ranges::all_of(job.steps, [this](const Step &step) { return earlier.records.contains(step.id); });
         if (!earlier.snapshot.isEmpty())
             before = LoadUndoSnapshot(earlier.snapshot);
         if (before.is == SnapshotState::TakenBack)
@@ -321,8 +320,7 @@ private:
         const QString text =
             QStringLiteral("Dieser Auftrag wurde abgebrochen; erledigt: %1.\rSoll er fortgesetzt werden?")
                 .arg(RecordCount(earlier.finished.size()));
-        return job.resume == Resume::Wanted
-            || face.agrees(Topic::Resume, {text, job.title, BoxIcon::None}, true);
+        return job.resume == Resume::Wanted || face.agrees(Topic::Resume, {text, job.title, BoxIcon::None}, true);
     }
 
     [[nodiscard]] bool isFinished(const RecordChange &change) const

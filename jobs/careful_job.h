@@ -15,9 +15,10 @@
 #include "program/ask.h"
 
 struct WriteOptions {
-    bool writeAll = false;    // also what holds already what it should, and what was edited since
-    bool prove = true;        // by the chip after each page, and read back
-    bool undoSnapshot = true; // without one the change cannot be taken back; pages under way are remembered all the same
+    bool writeAll = false; // also what holds already what it should, and what was edited since
+    bool prove = true;     // by the chip after each page, and read back
+    bool undoSnapshot =
+        true; // without one the change cannot be taken back; pages under way are remembered all the same
 };
 
 enum class Resume {

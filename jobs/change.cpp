@@ -303,7 +303,8 @@ std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const
         if (before && after)
             changes.push_back({id, ChangeOf(before, *after), *after, before, {}, {}});
         else
-            changes.push_back({id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}, {}});
+            changes.push_back(
+                {id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}, {}});
     }
     return changes;
 }

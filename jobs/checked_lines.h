@@ -9,7 +9,7 @@
 QByteArray CheckedLine(const QString &text);
 
 struct CheckedLines {
-    QStringList texts;  // of the sound lines, in order
+    QStringList texts;   // of the sound lines, in order
     bool spoilt = false; // there is a line that was written to its end and is not what was written
 };
 

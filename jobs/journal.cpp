@@ -110,7 +110,8 @@ std::optional<JournalContent> ReadJournal(const QString &fileName)
     if (!file.open(QIODevice::ReadOnly) || file.size() > LargestJournal)
         return content;
     const QByteArray bytes = file.readAll();
-    content.otherVersion = bytes.startsWith(FormatWord.toUtf8()) && !bytes.startsWith(QByteArray(FirstLine.toUtf8() + ' '));
+    content.otherVersion =
+        bytes.startsWith(FormatWord.toUtf8()) && !bytes.startsWith(QByteArray(FirstLine.toUtf8() + ' '));
     const QStringList lines = ReadCheckedLines(bytes).texts;
     const bool named = lines.size() >= 3 && lines.at(0) == FirstLine && lines.at(1).startsWith(JobWord + u' ')
         && lines.at(2).startsWith(HandheldWord + u' ');

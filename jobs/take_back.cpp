@@ -51,8 +51,9 @@ std::optional<TakeBackOffer> OfferTakeBack(const QString &title)
     }
     const QString command =
         loaded.state.command.isEmpty() ? QString() : QString(QStringLiteral(" (") + loaded.state.command + u')');
-    offer.lead = QStringLiteral("Der Handregler bekommt zurück, was vor der Änderung vom %1%2 darin stand:\r%3.\r(%4)\r\r")
-                     .arg(ShownTime(loaded.state), command, ContentText(changed), Shown(offer.fileName));
+    offer.lead =
+        QStringLiteral("Der Handregler bekommt zurück, was vor der Änderung vom %1%2 darin stand:\r%3.\r(%4)\r\r")
+            .arg(ShownTime(loaded.state), command, ContentText(changed), Shown(offer.fileName));
     return offer;
 }
 

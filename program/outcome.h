@@ -8,16 +8,16 @@
 
 enum class End {
     Done,
-    NoAnswer,    // the request went out, its answer did not come in time
-    NotSent,     // the request could not be sent: the message slot stayed occupied
-    Damaged,     // an answer came, but its checksum is wrong: what it brought is doubtful
-    Refused,     // the device answered with another code than the one for "done"
-    Differs,     // a page was programmed, and the chip says that it does not hold what it should
-    GivenUp,     // ended before a page was programmed from a doubtful buffer: the flash is as it was
-    NotOpened,   // the port or its interface could not be opened
+    NoAnswer,       // the request went out, its answer did not come in time
+    NotSent,        // the request could not be sent: the message slot stayed occupied
+    Damaged,        // an answer came, but its checksum is wrong: what it brought is doubtful
+    Refused,        // the device answered with another code than the one for "done"
+    Differs,        // a page was programmed, and the chip says that it does not hold what it should
+    GivenUp,        // ended before a page was programmed from a doubtful buffer: the flash is as it was
+    NotOpened,      // the port or its interface could not be opened
     SecondHandheld, // answers came that only a second handheld can have given: none is believed any more
-    PortLost,    // the port is closed or was lost
-    ProgramEnds, // everything ends at once
+    PortLost,       // the port is closed or was lost
+    ProgramEnds,    // everything ends at once
 };
 
 class [[nodiscard]] Outcome

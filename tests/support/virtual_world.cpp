@@ -1,7 +1,7 @@
 #include "tests/support/virtual_world.h"
 
-#include "jobs/selection.h"
 #include "handheld/discovery.h"
+#include "jobs/selection.h"
 #include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/message_layer.h"

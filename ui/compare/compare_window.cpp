@@ -1,9 +1,9 @@
 #include "ui/compare/compare_window.h"
 
-#include "jobs/selection.h"
 #include "jobs/journal.h"
 #include "jobs/report.h"
 #include "jobs/restore.h"
+#include "jobs/selection.h"
 #include "platform/files.h"
 #include "roster/csv_sheet.h"
 #include "shown/connection.h"
@@ -363,7 +363,8 @@ void CompareWindow::showCount()
         return;
     }
     QString text = QStringLiteral("Gezeigt: %1 von %2").arg(shown->rowCount()).arg(model->rowCount());
-    const std::vector<RecordChange> written = ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second ? Written::Changes : Written::All);
+    const std::vector<RecordChange> written =
+        ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second ? Written::Changes : Written::All);
     if (written.empty())
         text += shown->rowCount() == 0 && filterTxt->text().isEmpty() ? QStringLiteral(". Kein Unterschied.")
                                                                       : QStringLiteral(". Zu schreiben: nichts.");

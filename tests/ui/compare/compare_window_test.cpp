@@ -1,12 +1,12 @@
 // The comparison of backups and the careful writing, through the window.
 
 #include "handheld/backup/dds_file.h"
-#include "jobs/saved_before.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "program/branding.h"
 #include "program/run_control.h"
+#include "shown/connection.h"
 #include "tests/support/window_world.h"
 
 #include <QApplication>
@@ -24,6 +24,7 @@ protected:
     void SetUp() override
     {
         WindowWorld::SetUp();
+        ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
         for (const int n : {3, 8, 9})
             flash().setBytes(LocoRecordAddress(n), bytesOf(loco(n)));
         flash().setBytes(LocoRecordAddress(1201), QByteArray(LocoRecordSize, '\xFF'));
