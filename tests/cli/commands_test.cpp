@@ -226,7 +226,7 @@ TEST_F(Terminal, ExitStatusSaysHowItEnded)
     handheld().settings.present = false;
     EXPECT_EQ(run(QStringLiteral("lesen 3")), Exit::NoHandheld);
     handheld().settings.present = true;
-    events.after(3'000'000, [] { TakeInterrupt(); });
+    events.after(5'000'000, [] { TakeInterrupt(); });
     EXPECT_EQ(run(QStringLiteral("lesen 1-99 --json")), Exit::Stopped);
     EXPECT_LT(QJsonDocument::fromJson(out).array().size(), 20);
     EXPECT_TRUE(messages.contains(QStringLiteral("Nicht gelesen")));
@@ -247,6 +247,7 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
         flash().setBytes(address, QByteArray(1, static_cast<char>(width)) + static_cast<char>(height));
     flash().setBytes(0x3F0808, QByteArray(256, '\xFF')); // an accessory list that was never filled
     const auto before = flash().state.memory;
+    user.ignoreTexts = true;
     struct Row {
         const char *words;
         QString file;
@@ -262,7 +263,13 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
     for (const Row &row : rows) {
         const QString words = QString::fromLatin1(row.words);
         ASSERT_EQ(run(words.arg(QStringLiteral("lesen")), {row.file}), Exit::Done) << row.words;
-        ASSERT_EQ(run(words.arg(QStringLiteral("schreiben")), {row.file}), Exit::Done) << row.words;
+        if (flashBytes(row.address + 8, 1) != "\xFF") { // what is empty in the handheld is not in the file
+            flash().setBytes(row.address + 8, QByteArray(2, '\x14'));
+            user.expect({}, {}, QStringLiteral("Ja"));
+        }
+        const QString write = words.arg(QStringLiteral("schreiben --auch-eingebaute"));
+        ASSERT_EQ(run(row.words[1] == 'y' ? write : words.arg(QStringLiteral("schreiben")), {row.file}), Exit::Done)
+            << row.words << messages.toStdString();
         for (int i = 0; i < row.bytes; ++i) {
             const auto at = static_cast<size_t>(row.address + i);
             ASSERT_EQ(flash().state.memory.at(at), before.at(at)) << row.words << " byte " << i;
@@ -270,6 +277,7 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
     }
     EXPECT_EQ(run(QStringLiteral("symbol schreiben lok 1"), {path(QStringLiteral("b.bmp"))}), Exit::Usage);
     EXPECT_TRUE(messages.contains(QStringLiteral("14 x 14 Punkte, gebraucht werden 48 x 16")));
+    user.expect({}, {}, QStringLiteral("Ja"));
     EXPECT_EQ(run(QStringLiteral("tabelle schreiben fahrstrassen"),
                   {fileWith(QStringLiteral("g.csv"), "Fahrstraße;Rückmelder\n80;4096\n1;\n")}),
         Exit::Done);
