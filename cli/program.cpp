@@ -32,7 +32,9 @@ void AddGlobalOptions(QCommandLineParser &parser)
             {InterfaceOption, QStringLiteral("Interface: 1 (Orvanto 1 oder Tessaro) oder 3 (direkt)"),
                 QStringLiteral("1|3")},
             {FastOption, QStringLiteral("schnelle Übertragung")}, {JsonOption, QStringLiteral("Ergebnis als JSON")},
-            {YesOption, QStringLiteral("jede Frage mit Ja beantworten")},
+            {YesOption,
+                QStringLiteral("Fragen mit Ja beantworten (nicht, ob ein Auftrag fortgesetzt oder sein Fortschritt "
+                               "verworfen wird)")},
             {QuietOption, QStringLiteral("ohne Fortschritt und Hinweise")},
             {VersionOption, QStringLiteral("Version des Programms")},
             {{QStringLiteral("h"), HelpOption}, QStringLiteral("diese Hilfe, auch nach einem Befehl")}});

@@ -1,7 +1,5 @@
 #include "handheld/loco_record.h"
 
-#include "handheld/known_locos.h"
-
 #include "link/text_encoding.h"
 
 #include <algorithm>
@@ -49,23 +47,6 @@ Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<quint8> data,
     const int address = LocoRecordAddress(locoNumber);
     const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
     return ProgramPage(image, {address, true, {part}}, patience);
-}
-
-void Note(int locoNumber, const QString &name)
-{
-    if (IsEmptyName(name))
-        NoteNoLoco(locoNumber);
-    else
-        NoteLoco(locoNumber, name);
-}
-
-/// What a look at the first byte of a place says; behind the last loco lie no records.
-void NoteUse(int locoNumber, bool used)
-{
-    if (used && locoNumber <= LastLoco)
-        NoteLoco(locoNumber, {});
-    else if (!used)
-        NoteNoLoco(locoNumber);
 }
 
 } // namespace
@@ -125,19 +106,13 @@ Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
             read.keep(ReadSlices(image, SliceSize, LastSlice));
         return read;
     });
-    LocoRecord record = DecodeLoco(BytesAt(image, ReadPosition));
-    if (outcome.ok())
-        Note(locoNumber, record.name);
-    return {std::move(record), outcome};
+    return {DecodeLoco(BytesAt(image, ReadPosition)), outcome};
 }
 
 Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience)
 {
     const LocoBytes bytes = EncodeLoco(record, BytesAt(image, WritePosition));
-    Outcome outcome = ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
-    if (outcome.ok())
-        Note(locoNumber, IsEmptyName(record.name) ? record.name : AsStored(record.name, NameLength));
-    return outcome;
+    return ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
 }
 
 PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath)
@@ -148,10 +123,7 @@ PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &ben
 
 Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
 {
-    Outcome outcome = ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
-    if (outcome.ok())
-        NoteNoLoco(locoNumber);
-    return outcome;
+    return ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
 }
 
 Result<bool> LocoIsUsed(int locoNumber)
@@ -161,10 +133,7 @@ Result<bool> LocoIsUsed(int locoNumber)
         Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
         return read.ok() ? read_spibuf(image, 0) : read;
     });
-    const bool used = outcome.ok() && image.at(ReadPosition) != EmptyByte;
-    if (outcome.ok())
-        NoteUse(locoNumber, used);
-    return {used, outcome};
+    return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
 }
 
 Result<NeighbourUse> NeighboursUsed(int firstLoco)
@@ -177,10 +146,7 @@ Result<NeighbourUse> NeighboursUsed(int firstLoco)
         return read;
     });
     NeighbourUse use{};
-    for (size_t i = 0; i < Neighbours; ++i) {
+    for (size_t i = 0; i < Neighbours; ++i)
         use.at(i) = image.at(static_cast<size_t>(FirstByteIndex(i))) != EmptyByte;
-        if (outcome.ok())
-            NoteUse(firstLoco + static_cast<int>(i), use.at(i));
-    }
     return {use, outcome};
 }

@@ -1,5 +1,6 @@
 #include "jobs/careful_job.h"
 
+#include "handheld/known_locos.h"
 #include "jobs/journal.h"
 #include "jobs/open_page.h"
 #include "jobs/page_writer.h"
@@ -609,8 +610,8 @@ private:
             entry.state = written.states.at(i);
             entry.outcome = written.outcome;
             proved = proved && entry.state == RecordState::Done;
-            if (entry.state == RecordState::Done && journal)
-                journal->finished(page.at(i).id);
+            if (entry.state == RecordState::Done)
+                noteDone(page.at(i));
         }
         if (!journalSound())
             return false;
@@ -619,6 +620,14 @@ private:
         else
             addUnproved(page);
         return goesOnAfter(written.outcome);
+    }
+
+    void noteDone(const RecordChange &change)
+    {
+        if (journal)
+            journal->finished(change.id);
+        if (const auto *loco = std::get_if<LocoRecord>(&change.wanted))
+            NoteRecord(change.id.number, *loco);
     }
 
     bool goesOnAfter(const Outcome &outcome)

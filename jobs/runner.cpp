@@ -1,5 +1,6 @@
 #include "jobs/runner.h"
 
+#include "handheld/known_locos.h"
 #include "link/cadence.h"
 #include "link/open_link.h"
 #include "platform/world.h"
@@ -135,6 +136,23 @@ void CarryOut(SpiImage &image, JobEntry &entry, Patience patience)
     Q_UNREACHABLE();
 }
 
+/// What the job has found out about a loco.
+void NoteLoco(const JobEntry &entry)
+{
+    const Step &step = entry.step;
+    const bool sound = entry.state == RecordState::Done || entry.state == RecordState::Empty;
+    if (step.id.kind != RecordKind::Loco || !sound)
+        return;
+    const bool done = entry.state == RecordState::Done;
+    if (done && step.kind == StepKind::Write)
+        NoteRecord(step.id.number, std::get<LocoRecord>(step.value));
+    else if (done && entry.value)
+        NoteRecord(step.id.number,
+            std::get<LocoRecord>(step.kind == StepKind::Merge ? step.merge(*entry.value) : *entry.value));
+    else
+        NoteUse(step.id.number, done && step.kind != StepKind::Delete);
+}
+
 bool IsLook(const Step &step)
 {
     return step.kind == StepKind::Search || step.kind == StepKind::IsUsed;
@@ -201,6 +219,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
             watcher.begins(step, index, plan.steps.size());
         if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
             CarryOut(image, entry, plan.patience);
+        NoteLoco(entry);
         if (watcher.finished)
             watcher.finished(entry);
         brokenOff = entry.outcome.brokenOff() || EndsJob(plan, step, entry.outcome);

@@ -1,5 +1,7 @@
 #include "shown/record.h"
 
+#include "handheld/known_locos.h"
+
 SpiImage SpiBuf{};
 QString LokName = LeerName();
 std::array<int, FunctionCount> FktSymbol{};
@@ -24,6 +26,8 @@ void SetCurrentLocoRecord(const LocoRecord &record)
 Outcome ReadLocoRecord(int locoNumber)
 {
     const Result<LocoRecord> read = ReadLoco(SpiBuf, locoNumber);
+    if (read.ok())
+        NoteRecord(locoNumber, read.value);
     if (!read.outcome.brokenOff())
         SetCurrentLocoRecord(read.value);
     return read.outcome;
@@ -31,7 +35,10 @@ Outcome ReadLocoRecord(int locoNumber)
 
 Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 {
-    return WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed);
+    const Outcome written = WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed);
+    if (written.ok())
+        NoteRecord(locoNumber, record);
+    return written;
 }
 
 void ResetShownRecord()

@@ -152,6 +152,13 @@ TEST_F(Terminal, AJsonListChangesOnlyWhatItNames)
     wanted[28] = '\x57';
     wanted[31] = '\x01'; // bits behind f24 mean nothing and become 0
     EXPECT_EQ(flashBytes(LocoRecordAddress(3), 64), wanted);
+    // The column names all of them; an empty cell means none.
+    for (const auto &[cell, bits] :
+        {std::pair("2 24", QByteArray("\x04\x00\x00\x01", 4)), {"", QByteArray(4, '\0')}}) {
+        const QByteArray list = QByteArray("Adresse;Tast\n3;") + cell + '\n';
+        ASSERT_EQ(run(QStringLiteral("schreiben"), {fileWith(QStringLiteral("t.csv"), list)}), Exit::Done);
+        EXPECT_EQ(flashBytes(LocoRecordAddress(3) + 28, 4), bits);
+    }
 }
 
 TEST_F(Terminal, CtrlCWhileATableIsReadWritesNothing)

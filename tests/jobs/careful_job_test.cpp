@@ -181,6 +181,24 @@ protected:
         connectDirectly();
     }
 
+    /// From now on the handheld hears nothing.
+    void deafen() { layout().faults.faults.missedRequest.probability = 1; }
+
+    void when(const std::function<bool()> &it, const std::function<void()> &what)
+    {
+        events.after(2'000, [this, it, what] { it() ? what() : when(it, what); });
+    }
+    void whenProgress(const QString &text, const std::function<void()> &what)
+    {
+        when([this, text] { return user.progress.endsWith(text); }, what);
+    }
+    /// When the chip has executed an opcode so often from now on.
+    void whenExecuted(int opcode, int more, const std::function<void()> &what)
+    {
+        const int count = executed(opcode) + more;
+        when([this, opcode, count] { return executed(opcode) >= count; }, what);
+    }
+
     /// As after a kill: nothing of this program is left but what is on the disk.
     void restart()
     {
@@ -246,6 +264,15 @@ TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
                 faults.skippedProgram.nth = 1;
                 events.after(10'000, [this] { afterNextProgram([this] { handheld().cutPower(events.nowUs); }); });
             },
+            RecordState::Doubtful, false, true},
+        {"nothing loaded",
+            [this](sim::Faults &) { whenProgress(QStringLiteral("Schreibe Lok 11"), [this] { deafen(); }); },
+            RecordState::Untouched, false, false},
+        {"other content than the chip says, and then never loaded again",
+            [this](sim::Faults &) {
+                whenExecuted(0x60, 1, [this] { flash().setBytes(LocoRecordAddress(11), recordBytes(11, 5)); });
+                whenExecuted(0x53, 2, [this] { deafen(); });
+            },
             RecordState::Doubtful, false, true}};
     for (const Row &row : rows) {
         SCOPED_TRACE(row.what);
@@ -266,6 +293,7 @@ TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
         run({writeStep(11, 1)});
         EXPECT_TRUE(flashIs({writeStep(11, 1)}));
         EXPECT_FALSE(pagesWait());
+        user.progress.clear();
     }
 }
 
