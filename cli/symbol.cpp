@@ -79,7 +79,7 @@ Exit Run(const Call &call)
         call, wanted->fileName, verb == u"schreiben", EmptyPicture(wanted->kind),
         [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); },
         [&](const Picture &picture) {
-            return WritePicture(image, wanted->kind, wanted->number, wanted->half, picture, Patience::Job);
+            return WritePicture(image, wanted->kind, wanted->number, wanted->half, picture, Patience::Job).outcome;
         });
 }
 
