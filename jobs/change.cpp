@@ -137,27 +137,6 @@ QString ChangeText(Change change)
     return QStringLiteral("nicht sicher gelesen");
 }
 
-QString RecordName(const RecordId &id)
-{
-    const QString number = QString::number(id.number);
-    switch (id.kind) {
-    case RecordKind::Loco:
-        return QStringLiteral("Lok ") + number;
-    case RecordKind::LocoSymbol:
-        return QStringLiteral("Loksymbol ") + number;
-    case RecordKind::FunctionOn:
-        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" ON");
-    case RecordKind::FunctionOff:
-        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" OFF");
-    case RecordKind::AccessoryGreen:
-        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Grün");
-    case RecordKind::AccessoryRed:
-        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Rot");
-    default:
-        return RowOf(id.kind).plural;
-    }
-}
-
 std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to)
 {
     if (SameContent(from, to) || from.index() != to.index())

@@ -37,9 +37,6 @@ struct RecordChange {
     std::optional<LocoBytes> presentBytes; // of a loco record that is not empty
 };
 
-/// Names a record: "Lok 3", "Funktionssymbol 7 ON", "Fahrstraßen".
-QString RecordName(const RecordId &id);
-
 /// What becomes different, field by field; pictures and tables by how many pixels or entries differ. Empty when nothing
 /// does.
 std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to);
