@@ -24,20 +24,44 @@ constexpr size_t TypeLength = 5;
 
 constexpr double LastTrafficSeconds = 0.5; // pause after the handheld was sent back
 
-/// The call of a search went out and its answer was not awaited to the end: the handheld may be in service.
+constexpr double SecondAnswerSeconds = 0.2; // a second handheld answers within it
+
+/// A call went out and nothing says that the handheld was sent back: it may be in service though none counts as found.
 bool calledWithoutAnswer = false;
+
+/// How many answer is of no importance any more.
+void EndOfService()
+{
+    TheMessages().onSecondHandheld(nullptr);
+    TheMessages().forgetSecondHandheld();
+}
+
+BoxText SecondHandheldBox()
+{
+    return {QStringLiteral("Es antwortet mehr als ein Handregler. Bitte nur einen verbinden."),
+        QStringLiteral("Achtung"), BoxIcon::Critical};
+}
+
+/// Later than in a search: the one that answers cannot be told from the other any more. The next command searches anew.
+void LoseBoth()
+{
+    HandreglerGefunden = false;
+    calledWithoutAnswer = true; // the end of the program sends both back
+    if (!BoxesAreSilent())
+        TheAsk().postBox(SecondHandheldBox());
+}
 
 QString Decimal(int byte)
 {
     return QString::number(byte);
 }
 
-QString TypeNumber(const std::array<quint8, 20> &answer)
+QString TypeNumber(const SliceBytes &answer)
 {
     QString type;
     for (size_t i = TypeIndex; i < TypeIndex + TypeLength; ++i) {
-        const int byte = answer.at(i);
-        type += byte < 10 ? QString::number(byte) : QString(QChar(static_cast<char16_t>(byte)));
+        const quint8 byte = answer.at(i);
+        type += byte < 10 ? QString::number(byte) : QString(QChar(byte));
     }
     return type;
 }
@@ -89,11 +113,6 @@ Request NormalModeRequest()
     return request;
 }
 
-bool HasGoneOut()
-{
-    return TxLen == -1 || TxWaitEcho;
-}
-
 /// Calls the handheld; remembers when it was called and the end of the program cuts the wait for its answer short.
 Outcome Call()
 {
@@ -101,20 +120,16 @@ Outcome Call()
     if (!laid.ok())
         return laid;
     Outcome answered = AwaitAck();
-    if (answered.how() != End::ProgramEnds)
-        return answered;
-    calledWithoutAnswer = HasGoneOut();
-    if (!calledWithoutAnswer)
-        DropPendingMessage(); // it never leaves
+    calledWithoutAnswer = answered.how() == End::ProgramEnds && TheMessages().hasGoneOut();
     return answered;
 }
 
 /// Waits until the laid message has left, also under CTS; false when it can't.
 bool LeavesInTime()
 {
-    if (Await(HasGoneOut, SlotSeconds + AnswerSeconds).ok())
+    if (Await([] { return TheMessages().hasGoneOut(); }, SlotSeconds + AnswerSeconds).ok())
         return true;
-    DropPendingMessage();
+    TheMessages().giveUp(false);
     return false;
 }
 
@@ -129,15 +144,15 @@ Result<HandheldInfo> ReadHandheldInfo()
 {
     Request request = Request::toHandheld();
     request.bytes.at(10) = 0x30;
-    Result<std::array<quint8, 20>> answer;
+    Result<SliceBytes> answer;
     answer.outcome = RunStep([&] {
         answer = ExchangeForReadBack(request);
         return answer.outcome;
     });
     if (answer.outcome.timedOut() && !BoxesAreSilent())
         TheAsk().showBox({QStringLiteral("Timeout"), QStringLiteral("read_spibuf"), BoxIcon::Critical});
-    if (!answer.ok() && answer.outcome.how() != End::Damaged)
-        return {{}, answer.outcome};
+    if (!answer.ok())
+        return {{}, answer.outcome}; // also a damaged one: nobody is to be taken for somebody else
     const auto &bytes = answer.value;
     const QString version = Decimal(bytes.at(0)) + u'.' + Decimal(bytes.at(1));
     const QString date = Decimal(bytes.at(2)) + u'.' + Decimal(bytes.at(3)) + u'.' + Decimal(bytes.at(4));
@@ -162,9 +177,27 @@ QString ReadHandheldText(int block, int number)
     return DecodeName(image, ReadPosition + 1, length);
 }
 
+namespace
+{
+
+/// Both answer, and nobody can tell them apart: they are sent back, which one message does.
+Result<HandheldInfo> GiveBothUp()
+{
+    HandreglerGefunden = true; // so that they are sent back
+    static_cast<void>(SendHandheldBack());
+    if (!BoxesAreSilent())
+        TheAsk().showBox(SecondHandheldBox());
+    return {{}, Outcome(End::SecondHandheld)};
+}
+
+} // namespace
+
 Result<HandheldInfo> FindHandheld()
 {
+    EndOfService(); // what the search finds out it tells itself
     const Outcome called = Call();
+    if (called.how() == End::SecondHandheld)
+        return GiveBothUp();
     if (!called.ok()) {
         ReportNoHandheld();
         return {{}, called};
@@ -172,7 +205,12 @@ Result<HandheldInfo> FindHandheld()
     HandreglerGefunden = true;
     ForgetKnownLocos(); // it may be another one
     HandheldInfo info = ReadHandheldInfo().value;
+    if (!OnlyOneAnswers(SecondAnswerSeconds))
+        return GiveBothUp();
     info.kind = KindOfType(info.type);
+    if (TheMessages().secondHandheld())
+        return GiveBothUp();
+    TheMessages().onSecondHandheld(LoseBoth);
     return {info, called};
 }
 
@@ -183,6 +221,7 @@ Outcome SendHandheldBack()
     const MustFinish exchange; // behind a closed port, or without the program, it would stay in service
     calledWithoutAnswer = false;
     HandreglerGefunden = false; // at once: nobody sends it back a second time
+    EndOfService();
     Outcome outcome = SetNormalMode(false);
     if (outcome.how() == End::NotSent) // an older message held the slot; it is given up by now
         outcome = SetNormalMode(false);
@@ -193,6 +232,7 @@ Outcome SendHandheldBack()
 Outcome SendHandheldBackNoWait()
 {
     const MustFinish exchange;
+    EndOfService();
     Outcome laid = SetNormalMode(true);
     if (!laid.ok())
         return laid;

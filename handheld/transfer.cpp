@@ -288,10 +288,8 @@ Outcome read_flash_to_spibuf(int address, int count)
 
 Outcome read_spibuf(SpiImage &image, int start)
 {
-    auto answer = ExchangeForReadBack(ReadBackRequest(start));
-    if (answer.outcome.how() == End::Damaged) // the handheld's buffer still holds it
-        answer = ExchangeForReadBack(ReadBackRequest(start));
-    // Bytes that are damaged again are taken; the outcome says that they are doubtful.
+    const auto answer = ExchangeForReadBack(ReadBackRequest(start));
+    // Bytes that are damaged twice are taken; the outcome says that they are doubtful.
     if (answer.ok() || answer.outcome.how() == End::Damaged)
         std::copy(answer.value.begin(), answer.value.end(), image.begin() + start);
     return Told(answer.outcome, QStringLiteral("read_spibuf"));
@@ -356,7 +354,6 @@ Outcome RunStep(const std::function<Outcome()> &step, const std::function<Outcom
         const bool again = outcome.timedOut() || (outcome.how() == End::Differs && repeat == 0);
         if (!again || BoxesAreSilent())
             return outcome;
-        DropUnansweredMessage();
     }
     FallBackToTicks();
     return lastTry ? lastTry() : step();

@@ -10,9 +10,7 @@ namespace
 {
 
 constexpr std::array<quint8, 5> HandheldHead{OpcodeImmediate, TransferMessageLength, 0x08, 0x66, 0x33};
-constexpr std::array<size_t, 20> DataBytes{
-    6, 7, 8, 9, 11, 12, 13, 14, 16, 17, 18, 19, 21, 22, 23, 24, 26, 27, 28, 29};
-constexpr double QuietSeconds = 0.3; // after an unanswered request: a late answer may come in it
+constexpr double QuietSeconds = 0.3; // after an unanswered request, before one of another kind
 constexpr double UsPerSecond = 1e6;
 
 double quietUntil = 0; // NowSeconds() before which no request is sent
@@ -23,12 +21,17 @@ void WakeUpAfter(double seconds)
     TheEvents().after(static_cast<qint64>(seconds * UsPerSecond) + 1, [] {});
 }
 
-void AwaitQuietLine()
+/// Until the line may be used: a late answer would pass for the next one's. When the program ends nobody asks any more.
+void AwaitQuietLine(Expects kind)
 {
-    if (NowSeconds() >= quietUntil)
+    const auto seconds = [kind] {
+        const double owed = BoxesAreSilent() ? 0 : TheMessages().secondsOwed(kind);
+        return qMax(quietUntil - NowSeconds(), owed);
+    };
+    if (seconds() <= 0)
         return;
-    WakeUpAfter(quietUntil - NowSeconds());
-    static_cast<void>(PumpUntil([] { return NowSeconds() >= quietUntil || !Comm().isOpen(); }));
+    WakeUpAfter(seconds());
+    static_cast<void>(PumpUntil([&seconds] { return seconds() <= 0 || !Comm().isOpen(); }));
 }
 
 LocoNetMessage Packed(const Request &request)
@@ -38,15 +41,41 @@ LocoNetMessage Packed(const Request &request)
     return message;
 }
 
-/// The wait for the answer to a laid request.
-Outcome AwaitOwnAnswer(const std::function<bool()> &answered)
+/// Nobody is asked any more once two have answered.
+Outcome OneHandheld()
 {
-    Outcome outcome = Await(answered);
-    if (outcome.ok())
-        return outcome;
-    ForgetAnswer();
+    return TheMessages().secondHandheld() ? Outcome(End::SecondHandheld) : Outcome();
+}
+
+Outcome GivenUp(const Outcome &outcome, Tells tells)
+{
+    TheMessages().giveUp(tells == Tells::No);
     quietUntil = NowSeconds() + QuietSeconds;
     return outcome;
+}
+
+Outcome LayRequest(const Request &request, Expects answer)
+{
+    Outcome one = OneHandheld();
+    return one.ok() ? LayWhenFree(Packed(request), TransferLastIndex, answer) : one;
+}
+
+Result<SliceBytes> ReadBackOnce(const Request &request, Tells tells)
+{
+    const double start = NowSeconds();
+    if (Outcome laid = LayRequest(request, Expects::ReadBack); !laid.ok())
+        return {{}, laid};
+    const Outcome outcome = Await([] { return TheMessages().readBack().has_value() || !OneHandheld().ok(); });
+    if (!OneHandheld().ok())
+        return {{}, GivenUp(OneHandheld(), tells)};
+    const bool echoLost = outcome.how() == End::NoAnswer && TheMessages().takeHeldReadBack();
+    if (!outcome.ok() && !echoLost)
+        return {{}, GivenUp(outcome, tells)};
+    if (echoLost && tells == Tells::No)
+        TheMessages().giveUp(true);
+    TakeMeasurement(SecondsSince(start));
+    const ReadBack answer = *TheMessages().readBack();
+    return {answer.data, answer.sound ? Outcome() : Outcome(End::Damaged)};
 }
 
 } // namespace
@@ -60,7 +89,7 @@ Request Request::toHandheld()
 
 void Request::setData(size_t number, int value)
 {
-    bytes.at(DataBytes.at(number - 1)) = static_cast<quint8>(value);
+    bytes.at(DataPlaces.at(number - 1)) = static_cast<quint8>(value);
 }
 
 Outcome Await(const std::function<bool()> &answered, double seconds)
@@ -81,26 +110,26 @@ Outcome Await(const std::function<bool()> &answered, double seconds)
     return {};
 }
 
-Outcome LayWhenFree(const LocoNetMessage &message, int lastIndex)
+Outcome LayWhenFree(const LocoNetMessage &message, int lastIndex, Expects answer)
 {
     // After a time-out the old message may still wait for its echo.
-    if (Outcome slot = Await([] { return TxLen == -1; }, SlotSeconds); !slot.ok()) {
+    if (Outcome slot = Await([] { return TheMessages().slotFree(); }, SlotSeconds); !slot.ok()) {
         if (slot.how() == End::ProgramEnds)
-            DropPendingMessage(); // the old message is of no use any more, and the end needs the slot
+            TheMessages().dropAll(); // the old message is of no use any more, and the end needs the slot
         return slot.how() == End::NoAnswer ? Outcome(End::NotSent) : slot;
     }
-    AwaitQuietLine();
+    AwaitQuietLine(answer);
     if (WaitsMustEnd())
         return Outcome(End::ProgramEnds);
-    return LayMessage(message, lastIndex);
+    return TheMessages().lay(message, lastIndex, answer);
 }
 
-Outcome ExchangeForAck(const Request &request)
+Outcome ExchangeForAck(const Request &request, Tells tells)
 {
     const double start = NowSeconds();
-    Outcome outcome = SendOnly(request);
+    Outcome outcome = LayRequest(request, Expects::Acknowledge);
     if (outcome.ok())
-        outcome = AwaitAck();
+        outcome = AwaitAck(tells);
     if (outcome.ok())
         TakeMeasurement(SecondsSince(start));
     return outcome;
@@ -111,32 +140,35 @@ void RestLine(double seconds)
     quietUntil = qMax(quietUntil, NowSeconds() + seconds);
 }
 
-Outcome AwaitAck()
+bool OnlyOneAnswers(double seconds)
 {
-    Outcome outcome = AwaitOwnAnswer([] { return LastAckCode == AckAccepted; });
-    return outcome.how() == End::NoAnswer && LastAckCode != 0 ? Outcome(End::Refused) : outcome;
+    static_cast<void>(Await([] { return !OneHandheld().ok(); }, seconds));
+    return OneHandheld().ok();
 }
 
-Result<std::array<quint8, 20>> ExchangeForReadBack(const Request &request)
+Outcome AwaitAck(Tells tells)
 {
-    const double start = NowSeconds();
-    if (Outcome laid = LayWhenFree(Packed(request), TransferLastIndex); !laid.ok())
-        return {{}, laid};
-    // In the fast cadence the message has left already, but its answer needs an event that has not run yet.
-    SpiReadDone = 0;
-    SpiReadWanted = true;
-    Outcome outcome = AwaitOwnAnswer([] { return SpiReadDone == 1; });
+    Outcome outcome = Await([] { return TheMessages().acknowledged() || !OneHandheld().ok(); });
+    if (!OneHandheld().ok())
+        outcome = OneHandheld();
     if (outcome.ok())
-        TakeMeasurement(SecondsSince(start));
-    if (outcome.ok() && !SpiReadSound)
-        outcome = Outcome(End::Damaged);
-    return {SpiReadData, outcome};
+        return outcome;
+    const bool refused = outcome.how() == End::NoAnswer && TheMessages().acknowledgeCode().has_value();
+    return GivenUp(refused ? Outcome(End::Refused) : outcome, tells);
+}
+
+Result<SliceBytes> ExchangeForReadBack(const Request &request, Tells tells)
+{
+    auto answer = ReadBackOnce(request, tells);
+    if (answer.outcome.how() != End::Damaged)
+        return answer;
+    TheMessages().expectRepeat();
+    return ReadBackOnce(request, tells); // the handheld's buffer still holds the bytes
 }
 
 Outcome SendOnly(const Request &request)
 {
-    LastAckCode = 0;
-    return LayWhenFree(Packed(request), TransferLastIndex);
+    return LayWhenFree(Packed(request), TransferLastIndex, Expects::Acknowledge);
 }
 
 void ResetExchange()

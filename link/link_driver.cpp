@@ -16,15 +16,15 @@ constexpr double IdleSeconds = 1;
 
 LinkDriver::LinkDriver()
 {
-    Comm().onReceive = ReceiveBytes;
+    Comm().onReceive = [] { TheMessages().ReceiveBytes(); };
     Comm().onHangUp = HandlePortLoss;
-    OnLinkWork([this] { work(); });
+    TheMessages().onWork([this] { work(); });
 }
 
 LinkDriver::~LinkDriver()
 {
     stopTimers();
-    OnLinkWork(nullptr);
+    TheMessages().onWork(nullptr);
     Comm().onReceive = nullptr;
     Comm().onHangUp = nullptr;
 }
@@ -46,10 +46,10 @@ void LinkDriver::handleAll()
     if (handling)
         return;
     handling = true;
-    while (!RxEmpty)
-        DispatchTask();
-    if (TxLen != -1 && !TxWaitEcho)
-        SendTask();
+    while (TheMessages().hasReceived())
+        TheMessages().DispatchTask();
+    if (TheMessages().hasToSend())
+        TheMessages().SendTask();
     handling = false;
 }
 
@@ -61,11 +61,11 @@ void LinkDriver::runTimers(int intervalMs)
     mainIntervalMs = intervalMs;
     mainTimer = TheEvents().every(intervalMs, [this] {
         // In this order: a message that is laid in answer to a dispatched one leaves at the next tick.
-        SendTask();
-        DispatchTask();
+        TheMessages().SendTask();
+        TheMessages().DispatchTask();
         stopWhenIdle();
     });
-    timer1 = TheEvents().every(qMax(intervalMs, Timer1Ms), ReceiveBytes);
+    timer1 = TheEvents().every(qMax(intervalMs, Timer1Ms), [] { TheMessages().ReceiveBytes(); });
 }
 
 void LinkDriver::stopTimers()
@@ -79,7 +79,7 @@ void LinkDriver::stopTimers()
 
 void LinkDriver::stopWhenIdle()
 {
-    if (TxLen != -1 || !RxEmpty)
+    if (TheMessages().busy())
         lastWork = NowSeconds();
     if (SecondsSince(lastWork) > IdleSeconds)
         stopTimers();

@@ -26,8 +26,8 @@ int lossTellers = 0; // TellsPortLoss objects alive
 class TextMode
 {
 public:
-    TextMode() { PortInTextMode = true; }
-    ~TextMode() { PortInTextMode = false; }
+    TextMode() { TheMessages().setTextMode(true); }
+    ~TextMode() { TheMessages().setTextMode(false); }
     TextMode(const TextMode &) = delete;
     TextMode &operator=(const TextMode &) = delete;
 };
@@ -198,7 +198,7 @@ void ClosePort()
 {
     Comm().close();
     HandreglerGefunden = false;
-    DropPendingMessage();
+    TheMessages().dropAll();
 }
 
 void HandlePortLoss()

@@ -8,15 +8,16 @@
 
 enum class End {
     Done,
-    NoAnswer,    // the request went out, its answer did not come in time
-    NotSent,     // the request could not be sent: the message slot stayed occupied
-    Damaged,     // an answer came, but its checksum is wrong: what it brought is doubtful
-    Refused,     // the device answered with another code than the one for "done"
-    Differs,     // a page was programmed, and the chip says that it does not hold what it should
-    GivenUp,     // ended before a page was programmed from a doubtful buffer: the flash is as it was
-    NotOpened,   // the port or its interface could not be opened
-    PortLost,    // the port is closed or was lost
-    ProgramEnds, // everything ends at once
+    NoAnswer,       // the request went out, its answer did not come in time
+    NotSent,        // the request could not be sent: the message slot stayed occupied
+    Damaged,        // an answer came, but its checksum is wrong: what it brought is doubtful
+    Refused,        // the device answered with another code than the one for "done"
+    Differs,        // a page was programmed, and the chip says that it does not hold what it should
+    GivenUp,        // ended before a page was programmed from a doubtful buffer: the flash is as it was
+    NotOpened,      // the port or its interface could not be opened
+    SecondHandheld, // answers came that only a second handheld can have given: none is believed any more
+    PortLost,       // the port is closed or was lost
+    ProgramEnds,    // everything ends at once
 };
 
 class [[nodiscard]] Outcome
@@ -31,8 +32,11 @@ public:
     /// The command at which it ended ("write_to_spibuf"); empty for a success.
     [[nodiscard]] const QString &at() const { return command; }
 
-    /// True when nothing more could be exchanged: the port is gone, or the program ends.
-    [[nodiscard]] bool brokenOff() const { return end == End::PortLost || end == End::ProgramEnds; }
+    /// True when nothing more could be exchanged: the port is gone, a second handheld answers, or the program ends.
+    [[nodiscard]] bool brokenOff() const
+    {
+        return end == End::PortLost || end == End::SecondHandheld || end == End::ProgramEnds;
+    }
 
     /// True when the device stayed silent or could not be reached in time; the next command may work again.
     [[nodiscard]] bool timedOut() const

@@ -21,12 +21,9 @@ namespace
 constexpr double QuietSeconds = 1.5;
 constexpr double LongestQuietWaitSeconds = 10;
 constexpr int QuietPollMs = 100;
-constexpr int NoAckYet = -1;
 constexpr int AckAlreadyDone = 1;
 
-constexpr size_t CollectorCount = 5;
-constexpr size_t BytesPerCollector = 4;
-constexpr int CommandFactor = 16; // command values stand in bits 4-6
+constexpr int CommandFactor = 16; // command values stand in bits 4-6 of collectors 3 to 5
 
 constexpr int RangeFirst = 10;
 constexpr int RangeLast = 50;
@@ -40,18 +37,18 @@ constexpr size_t NameBytes = 16;
 constexpr int ModesPerByte = 8;
 constexpr int MultiUniBit = 0x80;
 
-using Data = std::array<int, 20>; // D1..D20 at index 0..19
+using Data = SliceBytes; // D1..D20 at index 0..19
 
 struct Commands {
-    int c1;
-    int c2;
-    int c3;
+    quint8 c1;
+    quint8 c2;
+    quint8 c3;
 };
 
 constexpr Data EntryData{0, 127, 127, 127, 0, 0, 0, 0, 12, 8, 19, 30, 19, 19, 7, 2, 0, 0, 0, 0};
 constexpr Data SecondEntryData{0, 0, 0, 0, 0, 0, 0, 0, 12, 8, 19, 30, 19, 19, 7, 2, 0, 0, 0, 0};
 constexpr std::array<quint8, 5> RequestHead{OpcodeImmediate, TransferMessageLength, 0x08, 0x49, 0x4B};
-constexpr std::array<int, 5> AnswerHead{OpcodePeerTransfer, TransferMessageLength, 0x01, 0x50, 0x43};
+constexpr std::array<quint8, 5> AnswerHead{OpcodePeerTransfer, TransferMessageLength, 0x01, 0x50, 0x43};
 /// What the answer to the entry request repeats: byte index and value.
 constexpr std::array<std::pair<size_t, int>, 11> EntryAnswer{{{5, 0x70}, {10, 0x70}, {15, 0x30}, {20, 0x70}, {16, 12},
     {17, 8}, {18, 19}, {19, 30}, {21, 19}, {22, 19}, {23, 7}}};
@@ -72,57 +69,38 @@ bool Came(const std::function<bool()> &done)
     return outcome.ok() && held;
 }
 
-/// Visits each data value of the working record with its collector and the bit that stands for its bit 7.
-template <typename Visit> void ForEachData(Visit visit)
-{
-    for (size_t i = 0; i < CollectorCount * BytesPerCollector; ++i)
-        visit(RawReply.at(i / BytesPerCollector), RawReply.at(CollectorCount + i), 1 << (i % BytesPerCollector));
-}
-
-void LayWorkingRecord(const Data &data, const Commands &commands)
-{
-    RawReply = {0, 0, commands.c1 * CommandFactor, commands.c2 * CommandFactor, commands.c3 * CommandFactor};
-    std::copy(data.begin(), data.end(), RawReply.begin() + CollectorCount);
-    ForEachData([](int &collector, int &value, int mask) {
-        if ((value & 0x80) != 0)
-            collector |= mask;
-        value &= 0x7F;
-    });
-}
-
-/// D1..D20 of a received answer with their bit 7 restored.
-Data ReceivedData()
-{
-    ForEachData([](int collector, int &value, int mask) {
-        if ((collector & mask) != 0)
-            value |= 0x80;
-    });
-    Data data{};
-    std::copy(RawReply.begin() + CollectorCount, RawReply.end(), data.begin());
-    return data;
-}
-
-LocoNetMessage MessageOfWorkingRecord()
+/// The working record as a message: head, data, command values.
+LocoNetMessage RequestOf(const Data &data, const Commands &commands)
 {
     LocoNetMessage message{};
     std::copy(RequestHead.begin(), RequestHead.end(), message.begin());
-    size_t index = RequestHead.size();
-    for (size_t group = 0; group < CollectorCount; ++group) {
-        message.at(index++) = static_cast<quint8>(RawReply.at(group));
-        for (size_t k = 0; k < BytesPerCollector; ++k)
-            message.at(index++) = static_cast<quint8>(RawReply.at(CollectorCount + group * BytesPerCollector + k));
-    }
+    LayData(message, data);
+    const std::array<quint8, 3> values{commands.c1, commands.c2, commands.c3};
+    for (size_t i = 0; i < values.size(); ++i)
+        message.at(CollectorPlaces.at(i + 2)) = static_cast<quint8>(values.at(i) * CommandFactor);
+    PackHighBits(message);
     return message;
+}
+
+/// D1..D20 of a received answer with their bit 7 restored.
+Data ReceivedData(const RawAnswer &raw)
+{
+    LocoNetMessage message{};
+    for (size_t i = 0; i < CollectorPlaces.size(); ++i)
+        message.at(CollectorPlaces.at(i)) = raw.bytes.at(i);
+    Data data{};
+    std::copy(raw.bytes.begin() + CollectorPlaces.size(), raw.bytes.end(), data.begin());
+    LayData(message, data);
+    UnpackHighBits(message);
+    return DataOf(message);
 }
 
 /// Sends a request and waits until it is out. 0 or InnerNotSent.
 int SendRequest(const Data &data, const Commands &commands)
 {
-    LayWorkingRecord(data, commands);
-    if (const Outcome laid = LayWhenFree(MessageOfWorkingRecord(), TransferLastIndex); !laid.ok())
+    if (const Outcome laid = LayWhenFree(RequestOf(data, commands), TransferLastIndex); !laid.ok())
         return InnerNotSent;
-    LastAckCode = NoAckYet;
-    return Came([] { return TxLen == -1; }) ? 0 : InnerNotSent;
+    return Came([] { return TheMessages().slotFree(); }) ? 0 : InnerNotSent;
 }
 
 /// Sends a request and returns the acknowledge code in `code`. 0, InnerNotSent or InnerNoAcknowledge.
@@ -130,28 +108,25 @@ int ExchangeWithStation(const Data &data, const Commands &commands, int &code)
 {
     if (const int inner = SendRequest(data, commands); inner != 0)
         return inner;
-    const bool acknowledged = Came([] { return LastAckCode != NoAckYet; });
-    code = LastAckCode;
+    const bool acknowledged = Came([] { return TheMessages().acknowledgeCode().has_value(); });
+    code = TheMessages().acknowledgeCode().value_or(0);
     return acknowledged ? 0 : InnerNoAcknowledge;
 }
 
-void CheckEntryAnswer(const LocoNetMessage &message)
+bool IsEntryAnswer(const LocoNetMessage &message)
 {
     const bool ours = std::equal(AnswerHead.begin(), AnswerHead.end(), message.begin());
     const bool repeats = std::all_of(EntryAnswer.begin(), EntryAnswer.end(),
         [&](const auto &byte) { return message.at(byte.first) == byte.second; });
-    if (ours && repeats)
-        HandheldMode = true;
+    return ours && repeats;
 }
 
 /// Waits for the station's answer to the entry request.
 bool EntryAnswered()
 {
-    DownloadAnswerCheck = CheckEntryAnswer;
-    HandheldMode = false;
-    const bool answered = Came([] { return HandheldMode; });
-    HandheldMode = true;
-    DownloadAnswerCheck = nullptr;
+    TheMessages().setDownloadAnswerCheck(IsEntryAnswer);
+    const bool answered = Came([] { return !TheMessages().downloadAnswerAwaited(); });
+    TheMessages().setDownloadAnswerCheck(nullptr);
     return answered;
 }
 
@@ -178,11 +153,12 @@ int EnterDownloadMode(bool &entered)
 /// Foreign 0xE5 messages may come first; the wait goes on for the station's own answer.
 bool StationAnswered()
 {
-    if (RawReplyWanted)
+    const auto reply = TheMessages().rawReply();
+    if (!reply)
         return false;
-    if (RawReplyHead == AnswerHead)
+    if (reply->head == AnswerHead)
         return true;
-    RawReplyWanted = true;
+    TheMessages().wantRawReply();
     return false;
 }
 
@@ -190,16 +166,16 @@ bool StationAnswered()
 int RequestStep(const Data &data, const Commands &commands, Data *answer = nullptr)
 {
     int code = 0;
-    RawReplyWanted = true;
+    TheMessages().wantRawReply();
     int inner = ExchangeWithStation(data, commands, code);
     if (inner == 0 && code != AckAccepted)
         inner = InnerNoAcknowledge;
-    RawReplyWanted = true; // what came before the acknowledge answers an older request
+    TheMessages().wantRawReply(); // what came before the acknowledge answers an older request
     if (inner == 0 && !Came(StationAnswered))
         inner = InnerNoAnswer;
-    RawReplyWanted = false;
     if (inner == 0 && answer != nullptr)
-        *answer = ReceivedData();
+        *answer = ReceivedData(*TheMessages().rawReply());
+    TheMessages().endRawReply();
     return inner;
 }
 
@@ -209,10 +185,10 @@ void DropLateAnswers()
 {
     const double start = NowSeconds();
     double quietSince = start;
-    RawReplyWanted = true;
+    TheMessages().wantRawReply();
     const auto quiet = [&] {
         if (StationAnswered()) {
-            RawReplyWanted = true;
+            TheMessages().wantRawReply();
             quietSince = NowSeconds();
         }
         const bool enough = SecondsSince(quietSince) > QuietSeconds || SecondsSince(start) > LongestQuietWaitSeconds;
@@ -220,7 +196,17 @@ void DropLateAnswers()
     };
     const WakeUps looks(QuietPollMs); // silence tells nobody that it goes on
     static_cast<void>(PumpUntil(quiet));
-    RawReplyWanted = false;
+    TheMessages().endRawReply();
+}
+
+quint8 HighByte(int value)
+{
+    return static_cast<quint8>(value >> 8);
+}
+
+quint8 LowByte(int value)
+{
+    return static_cast<quint8>(value);
 }
 
 /// One piece of a record. The answer is 0 or 255 in D1 of the first piece; anything else counts as no answer.
@@ -229,7 +215,7 @@ int ReadPart(int number, int part, Data &answer)
     const int position = FirstPosition + number - 1;
     int inner = 0;
     for (int attempt = 0; attempt < RecordTries; ++attempt) {
-        inner = RequestStep({position >> 8, position & 0xFF, part}, {3, 1, 5}, &answer);
+        inner = RequestStep({HighByte(position), LowByte(position), static_cast<quint8>(part)}, {3, 1, 5}, &answer);
         const bool strange = part == 0 && answer.at(0) != RecordFollows && answer.at(0) != EndOfDatabase;
         if (inner == 0 && strange)
             inner = InnerNoAnswer;
@@ -349,8 +335,8 @@ Download DownloadLocos()
         pace; // an answer that comes together with the acknowledge before it would be taken for an older one
     TheAsk().showProgress(TheBranding().downloadText);
     download.status = RunDownload(download);
-    HandheldMode = true; // or 0xE5 messages would not reach the memory transfer any more
-    RawReplyWanted = false;
+    TheMessages().setDownloadAnswerCheck(nullptr); // or 0xE5 messages would not reach the memory transfer any more
+    TheMessages().endRawReply();
     TheAsk().hideProgress();
     if (download.status != 0)
         ReportFailure(download.status);

@@ -108,7 +108,7 @@ TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
             handheld().state.normalModes = 0;
             HandreglerGefunden = true;
             if (delayMs % 2 == 0) { // an occupied slot
-                ASSERT_TRUE(LayMessage({0xBF, 1, 2}, 2).ok());
+                ASSERT_TRUE(TheMessages().lay({0xBF, 1, 2}, 2).ok());
             }
             events.after(delayMs * 1000, RequestEnd);
             static_cast<void>(sendBack());

@@ -95,7 +95,7 @@ TEST_F(Transfer, SilenceEndsEachCommandAfterTwoSecondsWithItsName)
 {
     handheld().settings.present = false;
     for (const Command &command : commands()) {
-        events.run(0.4); // the line is left alone for a moment after the command before
+        events.run(5); // so long the line is left alone after the command before
         const double start = NowSeconds();
         user.expect(QStringLiteral("Timeout"), QString::fromUtf8(command.title));
         const Outcome outcome = command.run();

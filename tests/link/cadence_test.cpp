@@ -102,7 +102,7 @@ TEST_F(FastCadence, ABurstIsHandledWholeAndInOrder)
     for (const int second : {1, 2, 3})
         layout().injectToPc(sim::WithChecksum({0xBF, 0, static_cast<quint8>(second)}));
     events.run(0.01);
-    EXPECT_EQ(LocoAdrReply, 3);
+    EXPECT_EQ(TheMessages().state().LocoAdrReply, 3);
 }
 
 TEST_F(FastCadence, ASearchAsksThreeNeighboursAtOnceAndFindsTheSameLocos)

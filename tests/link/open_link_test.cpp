@@ -60,7 +60,6 @@ protected:
         user.expect(QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:"));
         EXPECT_EQ(SetupOrvanto1Interface().how(), End::NotOpened);
         EXPECT_FALSE(port.isOpen());
-        EXPECT_FALSE(PortInTextMode);
     }
 };
 
@@ -69,11 +68,11 @@ TEST_F(Orvanto1, PromptsLeadToPassThroughAndNotIntoTheRing)
     EXPECT_TRUE(SetupOrvanto1Interface().ok());
     EXPECT_TRUE(layout().adapter.passesMessages());
     EXPECT_TRUE(port.isOpen());
-    EXPECT_TRUE(RxEmpty);
+    EXPECT_FALSE(TheMessages().hasReceived());
     events.run(1);
     layout().injectToPc({0xBF, 0, 5, 0});
     events.run(0.3);
-    EXPECT_EQ(LocoAdrReply, 5);
+    EXPECT_EQ(TheMessages().state().LocoAdrReply, 5);
 }
 
 TEST_F(Orvanto1, SilentInterfaceFailsAfterFiveSecondsAtEachStep)

@@ -24,8 +24,8 @@ protected:
     /// A record of the handheld can be read: the link is in its normal state again.
     void expectHandheldUsable()
     {
-        EXPECT_TRUE(HandheldMode);
-        EXPECT_FALSE(RawReplyWanted);
+        EXPECT_TRUE(TheMessages().state().HandheldMode);
+        EXPECT_FALSE(TheMessages().state().RawReplyWanted);
         layout().faults.set({});
         events.run(3);
         SpiImage image{};

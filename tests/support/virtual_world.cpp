@@ -156,7 +156,7 @@ void ResetCore()
     ResetRunControl();
     ResetAsk();
     ResetSettings();
-    ResetMessageLayer();
+    TheMessages().reset();
     ResetCadence();
     ResetExchange();
     ResetOpenLink();

@@ -67,8 +67,8 @@ bool StartUpRound()
 void Main()
 {
     const BusyScope busy;
-    TxLen = -1;
-    HandheldMode = true;
+    TheMessages().dropAll(); // nothing to send, nothing awaited
+    TheMessages().setDownloadAnswerCheck(nullptr);
     BuildZeichensatz();
     ScanCatalogues();
     while (!StartUpRound()) { }
