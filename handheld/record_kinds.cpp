@@ -102,6 +102,9 @@ KindRow AccessoryRow(int half)
 }
 
 struct TableTexts {
+    int entries;
+    QString entryName;
+    QStringList fields;
     QString name;
     QString progress;
     QString key; // of JSON and terminal
@@ -114,6 +117,9 @@ KindRow TableRow(int flashBytes, int readMessages, int writeMessages, const Tabl
         .backupBytes = flashBytes + 1,
         .readMessages = readMessages,
         .writeMessages = writeMessages,
+        .entries = texts.entries,
+        .entryName = texts.entryName,
+        .fields = texts.fields,
         .name = texts.name,
         .plural = texts.name,
         .caption = texts.name,
@@ -126,12 +132,16 @@ KindRow TableRow(int flashBytes, int readMessages, int writeMessages, const Tabl
 /// In the order of AllKinds.
 Rows Table()
 {
-    const TableTexts routes{QStringLiteral("Fahrstraßen"), QStringLiteral("Fahrstraßen"),
-        QStringLiteral("fahrstrassen"), QStringLiteral("FSdaten")};
-    const TableTexts assignment{QStringLiteral("Mag.Art. Symbolzuordnung"), QStringLiteral("Mag.Art.Symbolzuordnung"),
+    const TableTexts routes{RouteCount, QStringLiteral("Fahrstraße"),
+        {QStringLiteral("Rückmelder"), QStringLiteral("Auslösung")}, QStringLiteral("Fahrstraßen"),
+        QStringLiteral("Fahrstraßen"), QStringLiteral("fahrstrassen"), QStringLiteral("FSdaten")};
+    const TableTexts assignment{LastAccessoryAddress, QStringLiteral("Adresse"), {QStringLiteral("Symbol")},
+        QStringLiteral("Mag.Art. Symbolzuordnung"), QStringLiteral("Mag.Art.Symbolzuordnung"),
         QStringLiteral("zuordnung"), QStringLiteral("MagSymZuord")};
-    const TableTexts places{QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"),
-        QStringLiteral("magliste"), QStringLiteral("MagListe")};
+    const TableTexts places{PlaceCount, QStringLiteral("Platz"),
+        {QStringLiteral("Adresse"), QStringLiteral("Bezeichnung"), QStringLiteral("Symbol")},
+        QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), QStringLiteral("magliste"),
+        QStringLiteral("MagListe")};
     return {LocoRow(), LocoSymbolRow(), FunctionRow(HalfOn), FunctionRow(HalfOff),
         TableRow(Routes::size(), 24, 21, routes), AccessoryRow(HalfOn), AccessoryRow(HalfOff),
         TableRow(Assignment::size(), 160, 139, assignment), TableRow(AccessoryList::size(), 20, 21, places)};
@@ -184,6 +194,14 @@ QString ProgressText(const RecordId &id)
 bool IsTableKind(RecordKind kind)
 {
     return !RowOf(kind).numbered;
+}
+
+RecordKind TableKindOf(const RecordValue &table)
+{
+    if (std::holds_alternative<Routes>(table))
+        return RecordKind::RouteTable;
+    Q_ASSERT(std::holds_alternative<Assignment>(table) || std::holds_alternative<AccessoryList>(table));
+    return std::holds_alternative<Assignment>(table) ? RecordKind::AssignmentTable : RecordKind::PlaceTable;
 }
 
 SymbolKind SymbolKindOf(RecordKind kind)

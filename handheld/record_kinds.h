@@ -14,6 +14,8 @@
 #include "handheld/loco_record.h"
 #include "handheld/symbol_storage.h"
 
+#include <QStringList>
+
 #include <compare>
 #include <optional>
 #include <variant>
@@ -65,6 +67,9 @@ struct KindRow {
     int backupBytes = 0;                // of its record in a backup file, with the kind byte
     int readMessages = 0;               // what reading one costs on a quiet bus
     int writeMessages = 0;
+    int entries = 0;        // of a table
+    QString entryName{};    // "Fahrstraße", followed by its number, from 1 on
+    QStringList fields{};   // of an entry (handheld/table_entries.h): "Rückmelder", "Auslösung"
     QString name{};         // "Lok", "Funktionssymbol", "Fahrstraßen"
     QString halfName{};     // "ON"
     QString plural{};       // "Lokdatensätze", "Funktionssymbole ON"
@@ -87,6 +92,9 @@ QString RecordName(const RecordId &id);
 QString ProgressText(const RecordId &id);
 
 bool IsTableKind(RecordKind kind);
+
+/// The kind of a table's value.
+RecordKind TableKindOf(const RecordValue &table);
 
 /// For the symbol kinds: what kind of picture, which half of it, and back.
 SymbolKind SymbolKindOf(RecordKind kind);
