@@ -14,15 +14,6 @@
 namespace
 {
 
-QString KindKey(RecordKind kind)
-{
-    static const QStringList keys{QString(), QStringLiteral("lok"), QStringLiteral("loksymbol"),
-        QStringLiteral("funktionssymbol_ein"), QStringLiteral("funktionssymbol_aus"), QStringLiteral("fahrstrassen"),
-        QStringLiteral("magsymbol_gruen"), QStringLiteral("magsymbol_rot"), QStringLiteral("zuordnung"),
-        QStringLiteral("magliste")};
-    return keys.at(ByteOfKind(kind));
-}
-
 void PrintGroup(const QString &heading, const std::vector<RecordId> &records)
 {
     if (records.empty())
@@ -63,7 +54,7 @@ QJsonArray RecordsJson(const std::vector<RecordId> &records)
 {
     QJsonArray array;
     for (const RecordId &id : records) {
-        QJsonObject object{{QStringLiteral("art"), KindKey(id.kind)}};
+        QJsonObject object{{QStringLiteral("art"), RowOf(id.kind).jsonKey}};
         if (RowOf(id.kind).numbered)
             object.insert(QStringLiteral("nummer"), id.number);
         array += object;

@@ -174,7 +174,7 @@ void MessageLayer::dropAll()
 void MessageLayer::reset()
 {
     MessageLayer fresh;
-    fresh.linkWork = std::move(linkWork);        // the driver lives on
+    fresh.linkWork = std::move(linkWork);  // the driver lives on
     fresh.transmission = transmission + 1; // a look at CTS that is still outstanding must stay stale
     *this = std::move(fresh);
 }
