@@ -51,7 +51,7 @@ QJsonObject ChangeJson(const RecordChange &change)
     QJsonArray fields;
     if (change.present) {
         for (const FieldChange &field : FieldChanges(*change.present, change.wanted)) {
-            fields += QJsonObject{{QStringLiteral("feld"), field.field}, {QStringLiteral("alt"), field.from},
+            fields += QJsonObject{{QStringLiteral("feld"), field.name()}, {QStringLiteral("alt"), field.from},
                 {QStringLiteral("neu"), field.to}};
         }
     }
@@ -65,7 +65,7 @@ void PrintChange(const RecordChange &change)
     if (!change.present || change.change == Change::Nameless)
         return;
     for (const FieldChange &field : FieldChanges(*change.present, change.wanted))
-        PrintLine(QStringLiteral("  %1: %2 -> %3").arg(field.field, field.from, field.to));
+        PrintLine(QStringLiteral("  %1: %2 -> %3").arg(field.name(), field.from, field.to));
 }
 
 /// The terminal: options are answers, and what a program may not decide is not decided by --ja.

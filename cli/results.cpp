@@ -11,20 +11,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-QString KindKey(RecordKind kind)
-{
-    static const QStringList keys{QString(), QStringLiteral("lok"), QStringLiteral("loksymbol"),
-        QStringLiteral("funktionssymbol_ein"), QStringLiteral("funktionssymbol_aus"), QStringLiteral("fahrstrassen"),
-        QStringLiteral("magsymbol_gruen"), QStringLiteral("magsymbol_rot"), QStringLiteral("zuordnung"),
-        QStringLiteral("magliste"), QStringLiteral("startbild")};
-    return keys.at(ByteOfKind(kind));
-}
-
-} // namespace
-
 Exit ExitOf(JobEnd end, bool allSound)
 {
     switch (end) {
@@ -55,7 +41,7 @@ QJsonArray RecordsJson(const std::vector<RecordId> &records)
 {
     QJsonArray array;
     for (const RecordId &id : records) {
-        QJsonObject object{{QStringLiteral("art"), KindKey(id.kind)}};
+        QJsonObject object{{QStringLiteral("art"), RowOf(id.kind).jsonKey}};
         if (RowOf(id.kind).numbered)
             object.insert(QStringLiteral("nummer"), id.number);
         array += object;

@@ -9,23 +9,13 @@
 
 #include <QDir>
 
-#include <array>
-
 namespace
 {
 
 const auto AllOption = QStringLiteral("alles");
-const auto LocosOption = QStringLiteral("loks");
 const auto SearchOption = QStringLiteral("loks-suchen");
-const auto RoutesOption = QStringLiteral("fahrstrassen");
-const auto AssignmentOption = QStringLiteral("zuordnung");
 const auto GoOnOption = QStringLiteral("fortsetzen");
 const auto KeepOption = QStringLiteral("teil-behalten");
-const auto AccessoryListOption = QStringLiteral("magliste");
-
-/// The option that lists the numbers of each numbered kind.
-const std::array<QString, NumberedKindCount> ListOptions{
-    LocosOption, QStringLiteral("loksymbole"), QStringLiteral("funktionssymbole"), QStringLiteral("magsymbole")};
 
 BackupSelection Everything()
 {
@@ -39,11 +29,10 @@ BackupSelection Everything()
 /// The chosen numbers of a kind; a fault after a message.
 bool TakeList(const Call &call, NumberedKind kind, BackupSelection &selection)
 {
-    const QString &option = ListOptions.at(kind);
-    if (!call.has(option))
+    const KindRow &row = RowOfChoice(kind);
+    if (!call.has(row.option))
         return true;
-    const NumberLimits limits = LimitsOf(kind);
-    const auto numbers = ListArgument(call.value(option), limits.low, limits.high);
+    const auto numbers = ListArgument(call.value(row.option), row.lowest, row.highest);
     if (!numbers)
         return false;
     selection.numbered.at(kind) = {true, false, ShortList(*numbers, QString())};
@@ -77,9 +66,9 @@ std::optional<BackupSelection> SelectionOf(const Call &call)
     }
     if (!TakeSearch(call, selection))
         return {};
-    selection.fsDaten = selection.fsDaten || call.has(RoutesOption);
-    selection.magSymZuord = selection.magSymZuord || call.has(AssignmentOption);
-    selection.magListe = selection.magListe || call.has(AccessoryListOption);
+    selection.fsDaten = selection.fsDaten || call.has(RowOf(RecordKind::RouteTable).option);
+    selection.magSymZuord = selection.magSymZuord || call.has(RowOf(RecordKind::AssignmentTable).option);
+    selection.magListe = selection.magListe || call.has(RowOf(RecordKind::PlaceTable).option);
     if (!NothingWanted(selection))
         return selection;
     UsageFault(QStringLiteral("Was gesichert werden soll, fehlt: zum Beispiel --alles oder --loks 1-5,8."));
@@ -139,14 +128,15 @@ Command BackupCommand()
     return {QStringLiteral("sichern"), {QStringLiteral("DATEI.dds")},
         QStringLiteral("sichert Daten des Handreglers in eine Datei"),
         {{AllOption, QStringLiteral("alles, was der Handregler hat; Loks werden auf 1-9999 gesucht")},
-            {LocosOption, QStringLiteral("diese Loks (oder alle)"), list},
+            {RowOf(RecordKind::Loco).option, QStringLiteral("diese Loks (oder alle)"), list},
             {SearchOption, QStringLiteral("die belegten Loks zwischen zwei Adressen"), QStringLiteral("A-B")},
-            {ListOptions.at(LokSymbolList), QStringLiteral("diese Loksymbole (oder alle)"), list},
-            {ListOptions.at(FktSymbolList), QStringLiteral("diese Funktionssymbole (oder alle)"), list},
-            {ListOptions.at(MagSymbolList), QStringLiteral("diese Magnetartikelsymbole (oder alle)"), list},
-            {RoutesOption, QStringLiteral("die Fahrstraßen")},
-            {AssignmentOption, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
-            {AccessoryListOption, QStringLiteral("die Magnetartikelliste")},
+            {RowOf(RecordKind::LocoSymbol).option, QStringLiteral("diese Loksymbole (oder alle)"), list},
+            {RowOf(RecordKind::FunctionOn).option, QStringLiteral("diese Funktionssymbole (oder alle)"), list},
+            {RowOf(RecordKind::AccessoryGreen).option, QStringLiteral("diese Magnetartikelsymbole (oder alle)"),
+                list},
+            {RowOf(RecordKind::RouteTable).option, QStringLiteral("die Fahrstraßen")},
+            {RowOf(RecordKind::AssignmentTable).option, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
+            {RowOf(RecordKind::PlaceTable).option, QStringLiteral("die Magnetartikelliste")},
             {GoOnOption, QStringLiteral("setzt eine abgebrochene Sicherung fort")},
             {KeepOption, QStringLiteral("behält auch von einer abgebrochenen, was schon gelesen ist")}},
         Run,

@@ -1,7 +1,7 @@
 #include "cli/careful.h"
 #include "cli/picture_files.h"
 #include "cli/results.h"
-#include "handheld/symbol_storage.h"
+#include "handheld/record_kinds.h"
 
 #include <optional>
 
@@ -12,72 +12,65 @@ const auto BuiltInOption = QStringLiteral("auch-eingebaute");
 
 /// What the arguments say after "lesen" or "schreiben".
 struct Wanted {
-    SymbolKind kind = SymbolKind::Loco;
-    int number = 0;
-    int half = 0;
+    RecordId id;
     QString fileName;
 };
 
 std::optional<SymbolKind> KindOfWord(const QString &word)
 {
-    if (word == u"lok")
-        return SymbolKind::Loco;
-    if (word == u"funktion")
-        return SymbolKind::Function;
-    if (word == u"magnet")
-        return SymbolKind::Accessory;
+    for (const RecordKind kind : AllKinds) {
+        if (RowOf(kind).symbol && RowOf(kind).word == word)
+            return RowOf(kind).symbol;
+    }
     UsageFault(QStringLiteral("\"%1\": hier muss lok, funktion oder magnet stehen.").arg(word));
     return {};
 }
 
 /// The half that a word names, of the kind's own two words.
-std::optional<int> HalfOfWord(SymbolKind kind, const QString &word)
+std::optional<RecordKind> HalfOfWord(SymbolKind symbol, const QString &word)
 {
-    const bool function = kind == SymbolKind::Function;
-    const QStringList words = function ? QStringList{QStringLiteral("ein"), QStringLiteral("aus")}
-                                       : QStringList{QStringLiteral("gruen"), QStringLiteral("rot")};
-    const qsizetype half = words.indexOf(word);
-    if (half >= 0)
-        return static_cast<int>(half);
-    UsageFault(QStringLiteral("\"%1\": hier muss %2 oder %3 stehen.").arg(word, words.at(0), words.at(1)));
+    const auto on = RecordKindOf(symbol, HalfOn);
+    const auto off = RecordKindOf(symbol, HalfOff);
+    for (const RecordKind kind : {on, off}) {
+        if (RowOf(kind).halfWord == word)
+            return kind;
+    }
+    UsageFault(
+        QStringLiteral("\"%1\": hier muss %2 oder %3 stehen.").arg(word, RowOf(on).halfWord, RowOf(off).halfWord));
     return {};
 }
 
 std::optional<Wanted> WantedOf(const QStringList &words)
 {
-    const auto kind = KindOfWord(words.value(1));
-    if (!kind)
+    const auto symbol = KindOfWord(words.value(1));
+    if (!symbol)
         return {};
-    Wanted wanted{*kind, 0, 0, words.constLast()};
-    const bool paired = *kind != SymbolKind::Loco;
+    const bool paired = *symbol != SymbolKind::Loco;
     if (words.size() != (paired ? 5 : 4)) {
         UsageFault(paired ? QStringLiteral("Es fehlt etwas: NUMMER, ein|aus (oder gruen|rot) und DATEI.")
                           : QStringLiteral("Bei lok stehen nur NUMMER und DATEI."));
         return {};
     }
-    const int highest = (paired ? PairCount : LokSymbolCount) - 1;
+    const int highest = RowOf(RecordKindOf(*symbol, HalfOn)).highest;
     bool isNumber = false;
-    wanted.number = words.at(2).toInt(&isNumber);
-    if (!isNumber || wanted.number < 0 || wanted.number > highest) {
+    const int number = words.at(2).toInt(&isNumber);
+    if (!isNumber || number < 0 || number > highest) {
         UsageFault(QStringLiteral("\"%1\" ist keine Symbolnummer von 0 bis %2.").arg(words.at(2)).arg(highest));
         return {};
     }
-    const auto half = paired ? HalfOfWord(*kind, words.at(3)) : std::optional<int>(0);
-    if (!half)
-        return {};
-    wanted.half = *half;
-    return wanted;
+    const auto kind = paired ? HalfOfWord(*symbol, words.at(3)) : RecordKindOf(*symbol, HalfOn);
+    return kind ? std::optional(Wanted{{*kind, number}, words.constLast()}) : std::nullopt;
 }
 
 Exit Write(const Call &call, const Wanted &wanted)
 {
-    if (wanted.number <= LastBuiltInSymbol(wanted.kind) && !call.has(BuiltInOption))
+    const SymbolKind symbol = SymbolKindOf(wanted.id.kind);
+    if (wanted.id.number <= LastBuiltInSymbol(symbol) && !call.has(BuiltInOption))
         return UsageFault(QStringLiteral("Das Symbol %1 ist eingebaut (0 bis %2). Mit --auch-eingebaute wird es "
                                          "überschrieben.")
-                              .arg(wanted.number)
-                              .arg(LastBuiltInSymbol(wanted.kind)));
-    const RecordId id{RecordKindOf(wanted.kind, wanted.half), wanted.number};
-    return WritePictureFrom(call, wanted.fileName, id, EmptyPicture(wanted.kind));
+                              .arg(wanted.id.number)
+                              .arg(LastBuiltInSymbol(symbol)));
+    return WritePictureFrom(call, wanted.fileName, wanted.id, EmptyPicture(symbol));
 }
 
 Exit Run(const Call &call)
@@ -90,9 +83,10 @@ Exit Run(const Call &call)
         return Exit::Usage;
     if (verb == u"schreiben")
         return Write(call, *wanted);
+    const RecordId &id = wanted->id;
     SpiImage image{};
-    return ReadPictureInto(
-        call, wanted->fileName, [&] { return ReadPicture(image, wanted->kind, wanted->number, wanted->half); });
+    return ReadPictureInto(call, wanted->fileName,
+        [&] { return ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind)); });
 }
 
 } // namespace

@@ -10,12 +10,10 @@ namespace
 
 std::optional<RecordKind> KindOfWord(const QString &word)
 {
-    if (word == u"fahrstrassen")
-        return RecordKind::RouteTable;
-    if (word == u"zuordnung")
-        return RecordKind::AssignmentTable;
-    if (word == u"magliste")
-        return RecordKind::PlaceTable;
+    for (const RecordKind kind : AllKinds) {
+        if (IsTableKind(kind) && RowOf(kind).option == word)
+            return kind;
+    }
     UsageFault(QStringLiteral("\"%1\": hier muss fahrstrassen, zuordnung oder magliste stehen.").arg(word));
     return {};
 }

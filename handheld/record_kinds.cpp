@@ -14,28 +14,150 @@ template <typename Value> Result<RecordValue> AsRecord(const Result<Value> &read
 
 using Rows = std::array<KindRow, AllKinds.size()>;
 
+KindRow LocoRow()
+{
+    return {.numbered = true,
+        .lowest = FirstLoco,
+        .highest = LastLoco,
+        .flashBytes = LocoRecordSize,
+        .backupBytes = 76,
+        .readMessages = 5,
+        .writeMessages = 6,
+        .name = QStringLiteral("Lok"),
+        .plural = QStringLiteral("Lokdatensätze"),
+        .caption = QStringLiteral("Lokdatensätze"),
+        .progress = QStringLiteral("Lok-Daten: "),
+        .jsonKey = QStringLiteral("lok"),
+        .selectionKey = QStringLiteral("LokDaten"),
+        .option = QStringLiteral("loks")};
+}
+
+KindRow LocoSymbolRow()
+{
+    return {.numbered = true,
+        .highest = LokSymbolCount - 1,
+        .symbol = SymbolKind::Loco,
+        .flashBytes = FlashBytesOf(LokSymbolGeometry),
+        .backupBytes = 102,
+        .readMessages = 7,
+        .writeMessages = 7,
+        .name = QStringLiteral("Loksymbol"),
+        .plural = QStringLiteral("Loksymbole"),
+        .caption = QStringLiteral("Loksymbole"),
+        .progress = QStringLiteral("Lok.Symbol: "),
+        .jsonKey = QStringLiteral("loksymbol"),
+        .selectionKey = QStringLiteral("LokSymbole"),
+        .allKey = QStringLiteral("AlleLokSym"),
+        .option = QStringLiteral("loksymbole"),
+        .word = QStringLiteral("lok")};
+}
+
+/// What both halves of the function and accessory symbols have in common.
+KindRow PairRow(SymbolKind symbol, int half)
+{
+    return {.numbered = true,
+        .highest = PairCount - 1,
+        .symbol = symbol,
+        .half = half,
+        .flashBytes = FlashBytesOf(HalfSymbolGeometry),
+        .backupBytes = 39,
+        .readMessages = 3,
+        .writeMessages = 4};
+}
+
+KindRow FunctionRow(int half)
+{
+    const bool on = half == HalfOn;
+    KindRow row = PairRow(SymbolKind::Function, half);
+    row.name = QStringLiteral("Funktionssymbol");
+    row.halfName = on ? QStringLiteral("ON") : QStringLiteral("OFF");
+    row.caption = QStringLiteral("Funktionssymbole");
+    row.plural = row.caption + u' ' + row.halfName;
+    row.progress = QStringLiteral("Fkt.Symbol: ");
+    row.jsonKey = on ? QStringLiteral("funktionssymbol_ein") : QStringLiteral("funktionssymbol_aus");
+    row.selectionKey = QStringLiteral("LokFktSymbole");
+    row.allKey = QStringLiteral("AlleFktSym");
+    row.option = QStringLiteral("funktionssymbole");
+    row.word = QStringLiteral("funktion");
+    row.halfWord = on ? QStringLiteral("ein") : QStringLiteral("aus");
+    return row;
+}
+
+KindRow AccessoryRow(int half)
+{
+    const bool green = half == HalfOn;
+    KindRow row = PairRow(SymbolKind::Accessory, half);
+    row.name = QStringLiteral("Mag.Art. Symbol");
+    row.halfName = green ? QStringLiteral("Grün") : QStringLiteral("Rot");
+    row.caption = QStringLiteral("Mag.Art. Symbole");
+    row.plural = row.caption + u' ' + row.halfName;
+    row.progress = QStringLiteral("Mag.Symbol: ");
+    row.jsonKey = green ? QStringLiteral("magsymbol_gruen") : QStringLiteral("magsymbol_rot");
+    row.selectionKey = QStringLiteral("MagSymbole");
+    row.allKey = QStringLiteral("AlleMagSym");
+    row.option = QStringLiteral("magsymbole");
+    row.word = QStringLiteral("magnet");
+    row.halfWord = green ? QStringLiteral("gruen") : QStringLiteral("rot");
+    return row;
+}
+
+struct TableTexts {
+    int entries;
+    QString entryName;
+    QStringList fields;
+    QString name;
+    QString progress;
+    QString key; // of JSON and terminal
+    QString selectionKey;
+};
+
+KindRow TableRow(int flashBytes, int readMessages, int writeMessages, const TableTexts &texts)
+{
+    return {.flashBytes = flashBytes,
+        .backupBytes = flashBytes + 1,
+        .readMessages = readMessages,
+        .writeMessages = writeMessages,
+        .entries = texts.entries,
+        .entryName = texts.entryName,
+        .fields = texts.fields,
+        .name = texts.name,
+        .plural = texts.name,
+        .caption = texts.name,
+        .progress = texts.progress,
+        .jsonKey = texts.key,
+        .selectionKey = texts.selectionKey,
+        .option = texts.key};
+}
+
+KindRow StartImageRow()
+{
+    return {.flashBytes = FlashBytesOf(StartImageGeometry),
+        .readMessages = 22,
+        .writeMessages = 19,
+        .name = QStringLiteral("Startbild"),
+        .plural = QStringLiteral("Startbild"),
+        .caption = QStringLiteral("Startbild"),
+        .progress = QStringLiteral("Startbild"),
+        .jsonKey = QStringLiteral("startbild")};
+}
+
 /// In the order of AllKinds.
 Rows Table()
 {
-    const auto pair = [](SymbolKind symbol, int half, const QString &plural, const QString &progress) {
-        return KindRow{true, 0, PairCount - 1, symbol, half, plural, progress, 39, 3, 4};
-    };
-    const auto functions = QStringLiteral("Fkt.Symbol: ");
-    const auto accessories = QStringLiteral("Mag.Symbol: ");
-    return {KindRow{true, FirstLoco, LastLoco, {}, 0, QStringLiteral("Lokdatensätze"), QStringLiteral("Lok-Daten: "),
-                76, 5, 6},
-        KindRow{true, 0, LokSymbolCount - 1, SymbolKind::Loco, 0, QStringLiteral("Loksymbole"),
-            QStringLiteral("Lok.Symbol: "), 102, 7, 7},
-        pair(SymbolKind::Function, HalfOn, QStringLiteral("Funktionssymbole ON"), functions),
-        pair(SymbolKind::Function, HalfOff, QStringLiteral("Funktionssymbole OFF"), functions),
-        KindRow{false, 0, 0, {}, 0, QStringLiteral("Fahrstraßen"), QStringLiteral("Fahrstraßen"), 321, 24, 21},
-        pair(SymbolKind::Accessory, HalfOn, QStringLiteral("Mag.Art. Symbole Grün"), accessories),
-        pair(SymbolKind::Accessory, HalfOff, QStringLiteral("Mag.Art. Symbole Rot"), accessories),
-        KindRow{false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Symbolzuordnung"),
-            QStringLiteral("Mag.Art.Symbolzuordnung"), 2049, 160, 139},
-        KindRow{
-            false, 0, 0, {}, 0, QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), 257, 20, 21},
-        KindRow{false, 0, 0, {}, 0, QStringLiteral("Startbild"), QStringLiteral("Startbild"), 0, 22, 19}};
+    const TableTexts routes{RouteCount, QStringLiteral("Fahrstraße"),
+        {QStringLiteral("Rückmelder"), QStringLiteral("Auslösung")}, QStringLiteral("Fahrstraßen"),
+        QStringLiteral("Fahrstraßen"), QStringLiteral("fahrstrassen"), QStringLiteral("FSdaten")};
+    const TableTexts assignment{LastAccessoryAddress, QStringLiteral("Adresse"), {QStringLiteral("Symbol")},
+        QStringLiteral("Mag.Art. Symbolzuordnung"), QStringLiteral("Mag.Art.Symbolzuordnung"),
+        QStringLiteral("zuordnung"), QStringLiteral("MagSymZuord")};
+    const TableTexts places{PlaceCount, QStringLiteral("Platz"),
+        {QStringLiteral("Adresse"), QStringLiteral("Bezeichnung"), QStringLiteral("Symbol")},
+        QStringLiteral("Mag.Art. Liste"), QStringLiteral("Mag.Art.Listendaten"), QStringLiteral("magliste"),
+        QStringLiteral("MagListe")};
+    return {LocoRow(), LocoSymbolRow(), FunctionRow(HalfOn), FunctionRow(HalfOff),
+        TableRow(Routes::size(), 24, 21, routes), AccessoryRow(HalfOn), AccessoryRow(HalfOff),
+        TableRow(Assignment::size(), 160, 139, assignment), TableRow(AccessoryList::size(), 20, 21, places),
+        StartImageRow()};
 }
 
 constexpr int SymbolsOfPage = 8;
@@ -67,6 +189,15 @@ const KindRow &RowOf(RecordKind kind)
     return table.at(static_cast<size_t>(std::ranges::find(AllKinds, kind) - AllKinds.begin()));
 }
 
+QString RecordName(const RecordId &id)
+{
+    const KindRow &row = RowOf(id.kind);
+    if (!row.numbered)
+        return row.name;
+    const QString name = row.name + u' ' + QString::number(id.number);
+    return row.halfName.isEmpty() ? name : QString(name + u' ' + row.halfName);
+}
+
 QString ProgressText(const RecordId &id)
 {
     const KindRow &row = RowOf(id.kind);
@@ -76,6 +207,14 @@ QString ProgressText(const RecordId &id)
 bool IsTableKind(RecordKind kind)
 {
     return !RowOf(kind).numbered;
+}
+
+RecordKind TableKindOf(const RecordValue &table)
+{
+    if (std::holds_alternative<Routes>(table))
+        return RecordKind::RouteTable;
+    Q_ASSERT(std::holds_alternative<Assignment>(table) || std::holds_alternative<AccessoryList>(table));
+    return std::holds_alternative<Assignment>(table) ? RecordKind::AssignmentTable : RecordKind::PlaceTable;
 }
 
 SymbolKind SymbolKindOf(RecordKind kind)
@@ -100,25 +239,26 @@ RecordKind RecordKindOf(SymbolKind symbol, int half)
     return *found;
 }
 
-Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup)
+Result<RecordValue> ReadRecord(
+    SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup, const Patience &patience)
 {
     switch (id.kind) {
     case RecordKind::Loco:
-        return AsRecord(ReadLoco(image, id.number));
+        return AsRecord(ReadLoco(image, id.number, patience));
     case RecordKind::RouteTable:
-        return AsRecord(ReadRouteTable(image));
+        return AsRecord(ReadRouteTable(image, patience));
     case RecordKind::AssignmentTable:
-        return AsRecord(ReadAssignment(image, onGroup));
+        return AsRecord(ReadAssignment(image, onGroup, patience));
     case RecordKind::PlaceTable:
-        return AsRecord(ReadAccessoryList(image));
+        return AsRecord(ReadAccessoryList(image, patience));
     case RecordKind::StartImage:
-        return AsRecord(ReadStartPicture(image));
+        return AsRecord(ReadStartPicture(image, patience));
     default:
-        return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind)));
+        return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind), patience));
     }
 }
 
-Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience)
+PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, const Patience &patience)
 {
     switch (id.kind) {
     case RecordKind::Loco:

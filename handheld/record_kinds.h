@@ -15,6 +15,8 @@
 #include "handheld/loco_record.h"
 #include "handheld/symbol_storage.h"
 
+#include <QStringList>
+
 #include <compare>
 #include <optional>
 #include <variant>
@@ -55,26 +57,46 @@ struct RecordId {
 /// What a record holds; which alternative says its kind.
 using RecordValue = std::variant<LocoRecord, Picture, Routes, AccessoryList, Assignment>;
 
-/// What is particular about a kind.
+/// All that is particular about a kind. What a user chooses, or names at a terminal, he names for both halves of a
+/// symbol: these entries are the same in both rows.
 struct KindRow {
-    bool numbered = true;
+    bool numbered = false; // false: the handheld has one of it
     int lowest = 0;
     int highest = 0;
-    std::optional<SymbolKind> symbol; // of the symbol kinds
-    int half = 0;                     // of the symbols that have two
-    QString plural;                   // "Lokdatensätze"
-    QString progress;                 // "Lok-Daten: ", followed by the number where there is one
-    int backupBytes = 0;              // of its record in a backup file, with the kind byte; 0: it has none there
-    int readMessages = 0;             // what reading one costs on a quiet bus
+    std::optional<SymbolKind> symbol{}; // of the symbol kinds
+    int half = 0;                       // of the symbols that have two
+    int flashBytes = 0;                 // of its content
+    int backupBytes = 0;                // of its record in a backup file, with the kind byte; 0: it has none there
+    int readMessages = 0;               // what reading one costs on a quiet bus
     int writeMessages = 0;
+    int entries = 0;        // of a table
+    QString entryName{};    // "Fahrstraße", followed by its number, from 1 on
+    QStringList fields{};   // of an entry (handheld/table_entries.h): "Rückmelder", "Auslösung"
+    QString name{};         // "Lok", "Funktionssymbol", "Fahrstraßen"
+    QString halfName{};     // "ON"
+    QString plural{};       // "Lokdatensätze", "Funktionssymbole ON"
+    QString caption{};      // of both halves: "Funktionssymbole"
+    QString progress{};     // "Lok-Daten: ", followed by the number where there is one
+    QString jsonKey{};      // "funktionssymbol_ein"
+    QString selectionKey{}; // in konf\Sicherung.txt and of the controls that show it: "LokFktSymbole"
+    QString allKey{};       // there, of "all of them": "AlleFktSym"
+    QString option{};       // what saves it, at a terminal: "funktionssymbole"
+    QString word{};         // of a single symbol, at a terminal: "funktion"
+    QString halfWord{};     // "ein"
 };
 
 const KindRow &RowOf(RecordKind kind);
+
+/// Names a record: "Lok 3", "Funktionssymbol 7 ON", "Fahrstraßen".
+QString RecordName(const RecordId &id);
 
 /// What the progress window shows while the record is moved: "Lok-Daten: 3", "Fahrstraßen".
 QString ProgressText(const RecordId &id);
 
 bool IsTableKind(RecordKind kind);
+
+/// The kind of a table's value.
+RecordKind TableKindOf(const RecordValue &table);
 
 /// For the symbol kinds: what kind of picture, which half of it, and back.
 SymbolKind SymbolKindOf(RecordKind kind);
@@ -82,8 +104,9 @@ int HalfOf(RecordKind kind);
 RecordKind RecordKindOf(SymbolKind symbol, int half);
 
 /// Reads and writes a record of any kind. onGroup is called before each of the groups in which the assignment is read.
-Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup);
-Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience);
+Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup,
+    const Patience &patience = Patience::Agreed);
+PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, const Patience &patience);
 
 // --- Records that share a page: eight loco records, or eight symbols with both halves. ---
 

@@ -31,10 +31,10 @@ void AddStep(Plan &plan, RecordKind kind, int number)
 void ForEachNumber(
     const BackupSelection &selection, NumberedKind kind, Numbers &done, const std::function<void(int)> &add)
 {
-    const NumberLimits limits = LimitsOf(kind);
+    const KindRow &row = RowOfChoice(kind);
     NumberList numbers(WantedNumbers(selection, kind));
     for (int n = numbers.next(); n >= 0; n = numbers.next()) {
-        if (n < limits.low || n > limits.high || done.test(static_cast<size_t>(n)))
+        if (n < row.lowest || n > row.highest || done.test(static_cast<size_t>(n)))
             continue;
         done.set(static_cast<size_t>(n));
         add(n);

@@ -115,7 +115,6 @@ private:
     static Report look(const OpenPage &page)
     {
         const StoppableJob stoppable;
-        const SilentTransfers silent;
         return ReadSurely(IdsIn(page.state.before));
     }
 
@@ -163,7 +162,6 @@ private:
     bool writeBack(const OpenPage &page, const std::vector<RecordChange> &destroyed)
     {
         const StoppableJob stoppable;
-        const SilentTransfers silent;
         const TellsPortLoss teller;
         TheAsk().showProgress(QStringLiteral("Stelle wieder her: ") + RecordName(destroyed.front().id));
         const WrittenPage written = WritePage(destroyed, true);
@@ -441,7 +439,6 @@ private:
         end.is = CarefulEnd::Is::Written;
         beginReport();
         const StoppableJob stoppable; // one for reading and writing: a stop between them counts
-        const SilentTransfers silent;
         if (chosen.empty() && !journalIsThere)
             end.report.job.end = JobEnd::Complete;
         else if (openJournal() && readPages() && saveSnapshot())
@@ -603,12 +600,12 @@ private:
         if (!RememberPage(stateOf(page), address))
             return diskFails();
         const WrittenPage written = WritePage(page, job.options.prove);
-        const bool untouched = written.outcome.how() == End::GivenUp;
+        const bool untouched = IsUntouched(written.result.page);
         bool proved = true;
         for (size_t i = 0; i < page.size(); ++i) {
             JobEntry &entry = entryOf(page.at(i).id);
             entry.state = written.states.at(i);
-            entry.outcome = written.outcome;
+            entry.outcome = written.result.outcome;
             proved = proved && entry.state == RecordState::Done;
             if (entry.state == RecordState::Done)
                 noteDone(page.at(i));
@@ -619,7 +616,7 @@ private:
             ForgetPage(head.handheld, address);
         else
             addUnproved(page);
-        return goesOnAfter(written.outcome);
+        return goesOnAfter(written.result);
     }
 
     void noteDone(const RecordChange &change)
@@ -630,15 +627,15 @@ private:
             NoteRecord(change.id.number, *loco);
     }
 
-    bool goesOnAfter(const Outcome &outcome)
+    bool goesOnAfter(const PageResult &result)
     {
         JobEnd &ended = end.report.job.end;
-        if (outcome.ok() || outcome.how() == End::Differs) {
+        if (result.ok() || (result.page == PageState::Differs && !result.outcome.brokenOff())) {
             if (TransferBrokenOff() && !IsSettled(end.report))
                 ended = WhyJobBrokeOff();
             return !TransferBrokenOff();
         }
-        ended = outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
+        ended = result.outcome.brokenOff() ? WhyJobBrokeOff() : JobEnd::NoAnswer;
         return false;
     }
 
@@ -713,7 +710,6 @@ Look LookAt(const std::vector<Step> &steps)
         once.push_back(steps.at(i));
     }
     const StoppableJob stoppable;
-    const SilentTransfers silent;
     Report read = ReadSurely(ids);
     if (read.end == JobEnd::Complete && StoppableJob::stopRequested())
         read.end = WhyJobBrokeOff(); // during the last record, which was finished

@@ -1,5 +1,6 @@
 #include "jobs/change.h"
 
+#include "handheld/table_entries.h"
 #include "link/cadence.h"
 #include "platform/text.h"
 
@@ -31,7 +32,7 @@ QString MannerText(int mode)
 void AddChange(std::vector<FieldChange> &changes, const QString &field, const QString &from, const QString &to)
 {
     if (from != to)
-        changes.push_back({field, from, to});
+        changes.push_back({{}, field, from, to});
 }
 
 std::vector<FieldChange> LocoChanges(const LocoRecord &from, const LocoRecord &to)
@@ -70,18 +71,38 @@ int DifferentPixels(const Picture &one, const Picture &other)
     return DarkPixels(both);
 }
 
-template <typename Table> std::vector<FieldChange> TableChanges(const Table &from, const Table &to, int entrySize)
+QString ShownField(const QString &text)
+{
+    return text.isEmpty() ? QStringLiteral("-") : text;
+}
+
+QString HexText(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes.toHex(' ')).toUpper();
+}
+
+/// An entry field by field, and as bytes where only some differ that no field shows.
+std::vector<FieldChange> EntryChanges(const RecordValue &from, const RecordValue &to, const KindRow &row, size_t n)
 {
     std::vector<FieldChange> changes;
-    for (size_t first = 0; first < from.size(); first += static_cast<size_t>(entrySize)) {
-        QStringList before;
-        QStringList after;
-        for (size_t i = first; i < first + static_cast<size_t>(entrySize); ++i) {
-            before += QString::number(from.at(i));
-            after += QString::number(to.at(i));
-        }
-        AddChange(changes, QStringLiteral("Eintrag %1").arg(first / static_cast<size_t>(entrySize) + 1),
-            before.join(u' '), after.join(u' '));
+    const QStringList before = EntryTexts(from, n);
+    const QStringList after = EntryTexts(to, n);
+    for (qsizetype i = 0; i < row.fields.size(); ++i)
+        AddChange(changes, row.fields.at(i), ShownField(before.at(i)), ShownField(after.at(i)));
+    if (changes.empty())
+        AddChange(changes, QStringLiteral("Bytes"), HexText(EntryBytes(from, n)), HexText(EntryBytes(to, n)));
+    for (FieldChange &change : changes)
+        change.entry = row.entryName + u' ' + QString::number(n + 1);
+    return changes;
+}
+
+std::vector<FieldChange> TableChanges(const RecordValue &from, const RecordValue &to)
+{
+    std::vector<FieldChange> changes;
+    const KindRow &row = RowOf(TableKindOf(from));
+    for (size_t n = 0; n < static_cast<size_t>(row.entries); ++n) {
+        const auto entry = EntryChanges(from, to, row, n);
+        changes.insert(changes.end(), entry.begin(), entry.end());
     }
     return changes;
 }
@@ -188,27 +209,6 @@ QString ChangeText(Change change)
     return QStringLiteral("nicht sicher gelesen");
 }
 
-QString RecordName(const RecordId &id)
-{
-    const QString number = QString::number(id.number);
-    switch (id.kind) {
-    case RecordKind::Loco:
-        return QStringLiteral("Lok ") + number;
-    case RecordKind::LocoSymbol:
-        return QStringLiteral("Loksymbol ") + number;
-    case RecordKind::FunctionOn:
-        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" ON");
-    case RecordKind::FunctionOff:
-        return QStringLiteral("Funktionssymbol ") + number + QStringLiteral(" OFF");
-    case RecordKind::AccessoryGreen:
-        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Grün");
-    case RecordKind::AccessoryRed:
-        return QStringLiteral("Mag.Art. Symbol ") + number + QStringLiteral(" Rot");
-    default:
-        return RowOf(id.kind).plural;
-    }
-}
-
 std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to)
 {
     if (SameContent(from, to) || from.index() != to.index())
@@ -217,26 +217,32 @@ std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue
         return LocoChanges(*loco, std::get<LocoRecord>(to));
     if (const auto *picture = std::get_if<Picture>(&from)) {
         const auto &other = std::get<Picture>(to);
-        return {{QStringLiteral("Bild"), QStringLiteral("%1 dunkle Punkte").arg(DarkPixels(*picture)),
+        return {{{}, QStringLiteral("Bild"), QStringLiteral("%1 dunkle Punkte").arg(DarkPixels(*picture)),
             QStringLiteral("%1 dunkle Punkte, %2 anders")
                 .arg(DarkPixels(other))
                 .arg(DifferentPixels(*picture, other))}};
     }
-    if (const auto *routes = std::get_if<Routes>(&from))
-        return TableChanges(*routes, std::get<Routes>(to), RouteSize);
-    if (const auto *list = std::get_if<AccessoryList>(&from))
-        return TableChanges(*list, std::get<AccessoryList>(to), PlaceSize);
-    return TableChanges(std::get<Assignment>(from), std::get<Assignment>(to), 1);
+    return TableChanges(from, to);
 }
 
 QString FieldsText(const RecordChange &change)
 {
     if (!change.present)
         return {};
-    QStringList parts;
-    for (const FieldChange &field : FieldChanges(*change.present, change.wanted))
-        parts += field.field + QStringLiteral(": ") + field.from + QStringLiteral(" → ") + field.to;
-    return parts.join(QStringLiteral("; "));
+    QString text;
+    QString entry;
+    for (const FieldChange &field : FieldChanges(*change.present, change.wanted)) {
+        const bool sameEntry = !entry.isEmpty() && field.entry == entry;
+        if (!text.isEmpty())
+            text += sameEntry ? QStringLiteral(", ") : QStringLiteral("; ");
+        if (field.entry.isEmpty())
+            text += field.field + QStringLiteral(": ");
+        else
+            text += (sameEntry ? QString() : QString(field.entry + QStringLiteral(": "))) + field.field + u' ';
+        text += field.from + QStringLiteral(" → ") + field.to;
+        entry = field.entry;
+    }
+    return text;
 }
 
 Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wanted)

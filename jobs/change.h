@@ -24,11 +24,18 @@ enum class Change {
 /// "neu", "geändert", "überschreibt eine andere Lok", ...
 QString ChangeText(Change change);
 
-/// One field of a record, in words for the user: "Name", "E94", "E 94".
+/// One field of a record, in words for the user: "Name", "E94", "E 94"; in a table with its entry: "Fahrstraße 3".
 struct FieldChange {
+    QString entry; // empty for what is no table
     QString field;
     QString from;
     QString to;
+
+    /// "Name", "Fahrstraße 3, Rückmelder"
+    [[nodiscard]] QString name() const
+    {
+        return entry.isEmpty() ? field : QString(entry + QStringLiteral(", ") + field);
+    }
 };
 
 struct RecordChange {
@@ -48,14 +55,12 @@ SavedRecord WantedRecord(const RecordChange &change);
 /// The same of what was read for sure, also where it is not understood.
 std::optional<SavedRecord> ReadRecordOf(const JobEntry &entry);
 
-/// Names a record: "Lok 3", "Funktionssymbol 7 ON", "Fahrstraßen".
-QString RecordName(const RecordId &id);
-
-/// What becomes different, field by field; pictures and tables by how many pixels or entries differ. Empty when nothing
+/// What becomes different, field by field; tables entry by entry; pictures by how many pixels differ. Empty when nothing
 /// does.
 std::vector<FieldChange> FieldChanges(const RecordValue &from, const RecordValue &to);
 
-/// The changes in one line: "Name: E94 → E 94; f3: Symbol 7 → 8".
+/// The changes in one line: "Name: E94 → E 94; f3: Symbol 7 → 8", "Fahrstraße 3: Rückmelder 77 → 17, Auslösung besetzt →
+/// frei".
 QString FieldsText(const RecordChange &change);
 
 /// What a change is, from the values.

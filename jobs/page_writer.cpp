@@ -12,7 +12,7 @@ Plan ReadingPlan(const std::vector<RecordId> &ids)
 {
     Plan plan{.steps = {},
         .progress = [](const Step &step) -> QString { return QStringLiteral("Lese ") + RecordName(step.id); },
-        .patience = Patience::Agreed,
+        .patience = Patience::Quiet,
         .endsAtFailure = false,
         .ownerTellsPortLoss = true};
     for (const RecordId &id : ids)
@@ -25,9 +25,9 @@ bool IsUnsure(const JobEntry &entry)
     return entry.state == RecordState::Doubtful && !entry.outcome.ok();
 }
 
-Outcome Program(const std::vector<RecordChange> &changes, bool prove)
+PageResult Program(const std::vector<RecordChange> &changes, bool prove)
 {
-    const Patience patience = prove ? Patience::Verified : Patience::Job;
+    const Patience patience = prove ? Patience::Verified : Patience::Quiet;
     SpiImage image{};
     image.fill(EmptyByte); // bytes that nobody lays
     const RecordChange &first = changes.front();
@@ -44,22 +44,13 @@ Outcome Program(const std::vector<RecordChange> &changes, bool prove)
     return ProgramPage(image, page, patience);
 }
 
-RecordState StateOf(const Outcome &outcome)
-{
-    if (outcome.ok())
-        return RecordState::Done;
-    if (outcome.how() == End::Differs)
-        return RecordState::Differs;
-    return outcome.how() == End::GivenUp ? RecordState::Untouched : RecordState::Doubtful;
-}
-
 /// Reads a record that was just written, also when the user wants to stop: what was begun is proved.
 Result<RecordChange> ReadAgain(const RecordChange &written)
 {
     SpiImage image{};
-    auto read = ReadRecord(image, written.id, [](int) {});
+    auto read = ReadRecord(image, written.id, [](int) {}, Patience::Quiet);
     for (int repeat = 1; repeat < MostReads && read.outcome.timedOut() && !TransferBrokenOff(); ++repeat)
-        read = ReadRecord(image, written.id, [](int) {});
+        read = ReadRecord(image, written.id, [](int) {}, Patience::Quiet);
     RecordChange now = written;
     now.present = read.value;
     now.presentBytes.reset();
@@ -134,11 +125,11 @@ WrittenPage WritePage(const std::vector<RecordChange> &changes, bool prove)
 {
     WrittenPage page;
     for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
-        page.outcome = Program(changes, prove);
-        if (repeat > 0 && page.outcome.how() == End::GivenUp)
-            page.outcome = Outcome(End::NoAnswer, page.outcome.at()); // it was programmed before
-        page.states.assign(changes.size(), StateOf(page.outcome));
-        if (!page.outcome.ok() || !prove || !ReadBackDiffers(changes, page))
+        page.result = Program(changes, prove);
+        if (repeat > 0 && IsUntouched(page.result.page))
+            page.result.page = PageState::Differs; // it was programmed before, and did not read back as it should
+        page.states.assign(changes.size(), StateOf(page.result.page));
+        if (!page.result.ok() || !prove || !ReadBackDiffers(changes, page))
             break;
     }
     return page;

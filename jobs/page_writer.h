@@ -4,7 +4,7 @@
 #include "jobs/change.h"
 
 struct WrittenPage {
-    Outcome outcome;                 // of the page
+    PageResult result;               // of the whole page
     std::vector<RecordState> states; // of its changes, in their order: Done, Differs, Doubtful or Untouched
 };
 

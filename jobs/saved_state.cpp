@@ -47,17 +47,11 @@ template <typename Table> Table TableOf(const QByteArray &bytes)
     return table;
 }
 
-/// How many bytes a record has in the flash.
-qsizetype SizeOf(const RecordId &id)
-{
-    return SavedRecordOf(id, ValueOf({id, {}}), {}).bytes.size();
-}
-
 bool TakeBytes(std::map<RecordId, QByteArray> &records, const QString &rest)
 {
     const auto id = IdOf(rest.section(u' ', 0, 1));
     const QByteArray bytes = QByteArray::fromHex(rest.section(u' ', 2).toLatin1());
-    if (!id || bytes.size() != SizeOf(*id))
+    if (!id || bytes.size() != RowOf(id->kind).flashBytes)
         return false;
     records.insert_or_assign(*id, bytes);
     return true;

@@ -1,7 +1,6 @@
 #include "jobs/selection.h"
 
 #include "handheld/backup/number_list.h"
-#include "handheld/record_kinds.h"
 #include "link/cadence.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -33,8 +32,8 @@ double EmptyLocoMessages()
 
 int MessagesPerNumber(NumberedKind kind)
 {
-    const int messages = RowOf(RecordKinds.at(kind)).readMessages;
-    return kind == FktSymbolList || kind == MagSymbolList ? messages * Halves : messages;
+    const KindRow &row = RowOfChoice(kind);
+    return row.halfName.isEmpty() ? row.readMessages : row.readMessages * Halves;
 }
 
 const NumberChoice &ChoiceOf(const BackupSelection &selection, NumberedKind kind)
@@ -64,23 +63,32 @@ struct Field {
     int *address = nullptr;
 };
 
+QString KeyOf(RecordKind kind)
+{
+    return RowOf(kind).selectionKey + u':';
+}
+
+Field ListField(BackupSelection &s, NumberedKind kind)
+{
+    return {RowOfChoice(kind).selectionKey + u':', &s.numbered.at(kind)};
+}
+
+Field AllField(BackupSelection &s, NumberedKind kind)
+{
+    return {RowOfChoice(kind).allKey + u':', nullptr, &s.numbered.at(kind).all};
+}
+
 /// All keys in the order of the file.
 std::array<Field, 13> Fields(BackupSelection &s)
 {
-    auto &n = s.numbered;
-    return {Field{QStringLiteral("LokDaten:"), &n.at(LokDatenList)},
-        Field{QStringLiteral("LokSymbole:"), &n.at(LokSymbolList)},
-        Field{QStringLiteral("LokFktSymbole:"), &n.at(FktSymbolList)},
-        Field{QStringLiteral("MagSymbole:"), &n.at(MagSymbolList)},
-        Field{QStringLiteral("FSdaten:"), nullptr, &s.fsDaten},
-        Field{QStringLiteral("MagSymZuord:"), nullptr, &s.magSymZuord},
-        Field{QStringLiteral("MagListe:"), nullptr, &s.magListe},
+    return {ListField(s, LokDatenList), ListField(s, LokSymbolList), ListField(s, FktSymbolList),
+        ListField(s, MagSymbolList), Field{KeyOf(RecordKind::RouteTable), nullptr, &s.fsDaten},
+        Field{KeyOf(RecordKind::AssignmentTable), nullptr, &s.magSymZuord},
+        Field{KeyOf(RecordKind::PlaceTable), nullptr, &s.magListe},
         Field{QStringLiteral("LokSuche:"), nullptr, &s.lokSuche},
         Field{QStringLiteral("LokSucheAdrStart:"), nullptr, nullptr, &s.lokSucheStart},
-        Field{QStringLiteral("LokSucheAdrStop:"), nullptr, nullptr, &s.lokSucheStop},
-        Field{QStringLiteral("AlleLokSym:"), nullptr, &n.at(LokSymbolList).all},
-        Field{QStringLiteral("AlleFktSym:"), nullptr, &n.at(FktSymbolList).all},
-        Field{QStringLiteral("AlleMagSym:"), nullptr, &n.at(MagSymbolList).all}};
+        Field{QStringLiteral("LokSucheAdrStop:"), nullptr, nullptr, &s.lokSucheStop}, AllField(s, LokSymbolList),
+        AllField(s, FktSymbolList), AllField(s, MagSymbolList)};
 }
 
 void SetField(const Field &field, const QString &value)
@@ -107,10 +115,9 @@ QString FieldValue(const Field &field)
 
 } // namespace
 
-NumberLimits LimitsOf(NumberedKind kind)
+const KindRow &RowOfChoice(NumberedKind kind)
 {
-    const KindRow &row = RowOf(RecordKinds.at(kind));
-    return {row.lowest, row.highest};
+    return RowOf(RecordKinds.at(kind));
 }
 
 QString WantedNumbers(const BackupSelection &selection, NumberedKind kind)
@@ -118,16 +125,16 @@ QString WantedNumbers(const BackupSelection &selection, NumberedKind kind)
     const NumberChoice &choice = ChoiceOf(selection, kind);
     if (!choice.wanted)
         return {};
-    const NumberLimits limits = LimitsOf(kind);
-    return choice.all ? QStringLiteral("%1-%2").arg(limits.low).arg(limits.high) : choice.list;
+    const KindRow &row = RowOfChoice(kind);
+    return choice.all ? QStringLiteral("%1-%2").arg(row.lowest).arg(row.highest) : choice.list;
 }
 
 QString ListFault(const BackupSelection &selection, NumberedKind kind)
 {
     if (!ChoiceOf(selection, kind).wanted)
         return {};
-    const NumberLimits limits = LimitsOf(kind);
-    return NumberListFault(WantedNumbers(selection, kind), limits.low, limits.high);
+    const KindRow &row = RowOfChoice(kind);
+    return NumberListFault(WantedNumbers(selection, kind), row.lowest, row.highest);
 }
 
 QString SearchFault(const BackupSelection &selection)

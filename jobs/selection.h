@@ -8,7 +8,7 @@
 // Unknown lines are ignored; missing and wrong values are the defaults: nothing chosen, empty lists, 1 and 9999.
 #pragma once
 
-#include "handheld/flash_map.h"
+#include "handheld/record_kinds.h"
 
 #include <QByteArray>
 #include <QString>
@@ -35,12 +35,8 @@ struct BackupSelection {
     int lokSucheStop = LastLoco;
 };
 
-/// The numbers a kind has.
-struct NumberLimits {
-    int low;
-    int high;
-};
-NumberLimits LimitsOf(NumberedKind kind);
+/// The row of a numbered kind (of its first half) in the table of record kinds.
+const KindRow &RowOfChoice(NumberedKind kind);
 
 /// All numbers of a choice as a list text.
 QString WantedNumbers(const BackupSelection &selection, NumberedKind kind);

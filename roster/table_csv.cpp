@@ -1,7 +1,7 @@
 #include "roster/table_csv.h"
 
+#include "handheld/table_entries.h"
 #include "link/text_encoding.h"
-#include "platform/text.h"
 
 #include <set>
 
@@ -9,165 +9,94 @@ namespace
 {
 
 constexpr int HighestByte = 255;
-constexpr int DesignationLength = 2;
-constexpr size_t TriggerOffset = 2;     // of a route
-constexpr size_t DesignationOffset = 2; // of a place
-constexpr size_t SymbolOffset = 4;      // of a place
-constexpr int NoAddress = 0xFFFF;
-
-const auto RouteColumn = QStringLiteral("Fahrstraße");
-const auto FeedbackColumn = QStringLiteral("Rückmelder");
-const auto TriggerColumn = QStringLiteral("Auslösung");
-const auto AddressColumn = QStringLiteral("Adresse");
-const auto PlaceColumn = QStringLiteral("Platz");
-const auto DesignationColumn = QStringLiteral("Bezeichnung");
-const auto SymbolColumn = QStringLiteral("Symbol");
-const auto FreeWord = QStringLiteral("frei");
-const auto OccupiedWord = QStringLiteral("besetzt");
 
 using Change = std::function<void(RecordValue &)>;
 
-/// What is particular about a table's file.
-struct Layout {
-    QStringList columns; // the first one numbers the rows
-    int rows;
-};
-
-Layout LayoutOf(RecordKind kind)
+/// The columns of a table's file: the number of the entry, then its fields.
+QStringList ColumnsOf(RecordKind kind)
 {
-    if (kind == RecordKind::RouteTable)
-        return {{RouteColumn, FeedbackColumn, TriggerColumn}, RouteCount};
-    if (kind == RecordKind::AssignmentTable)
-        return {{AddressColumn, SymbolColumn}, LastAccessoryAddress};
-    return {{PlaceColumn, AddressColumn, DesignationColumn, SymbolColumn}, PlaceCount};
+    return QStringList{RowOf(kind).entryName} + RowOf(kind).fields;
 }
 
-template <typename Table> int Word(const Table &table, size_t at)
+const QString &Column(RecordKind kind, int field)
 {
-    return table.at(at) * 256 + table.at(at + 1);
+    return RowOf(kind).fields.at(field);
 }
 
-/// "None" changes nothing where none stands already, in whatever form.
-template <typename Table> void PutAddress(Table &table, size_t at, int word, int highest)
-{
-    const bool hasAddress = Word(table, at) >= 1 && Word(table, at) <= highest;
-    if (word == NoAddress && !hasAddress)
-        return;
-    table.at(at) = word / 256;
-    table.at(at + 1) = word % 256;
-}
-
-QString AddressText(int address, int highest)
-{
-    return address >= 1 && address <= highest ? QString::number(address) : QString();
-}
-
-QStringList RouteLines(const Routes &routes)
-{
-    QStringList lines;
-    for (size_t n = 0; n < RouteCount; ++n) {
-        const size_t at = n * RouteSize;
-        const bool occupied = (routes.at(at + TriggerOffset) & 1) == 1;
-        lines += QString::number(n + 1) + u';' + AddressText(Word(routes, at), LastFeedbackAddress) + u';'
-            + (occupied ? OccupiedWord : FreeWord);
-    }
-    return lines;
-}
-
-QStringList AssignmentLines(const Assignment &assignment)
-{
-    QStringList lines;
-    for (size_t n = 0; n < assignment.size(); ++n)
-        lines += QString::number(n + 1) + u';' + QString::number(assignment.at(n));
-    return lines;
-}
-
-bool IsDefined(const AccessoryList &list, size_t at)
-{
-    return list.at(at) <= ZeichensatzLast && list.at(at + 1) <= ZeichensatzLast;
-}
-
-QStringList PlaceLines(const AccessoryList &list)
-{
-    QStringList lines;
-    const std::vector<quint8> codes(list.begin(), list.end());
-    for (size_t n = 0; n < PlaceCount; ++n) {
-        const size_t at = n * PlaceSize;
-        const QString name = IsDefined(list, at + DesignationOffset)
-            ? DecodeName(codes, static_cast<int>(at + DesignationOffset), DesignationLength)
-            : QString();
-        lines += QString::number(n + 1) + u';' + AddressText(Word(list, at), LastAccessoryAddress) + u';'
-            + CsvCell(WithoutTrailingBlanks(name)) + u';' + QString::number(list.at(at + SymbolOffset));
-    }
-    return lines;
-}
-
-/// An address that may be empty, which means none.
+/// An address that a cell gives; 0 for none, which is what an empty cell says.
 std::optional<int> AddressIn(CsvSheet &sheet, const CsvRow &row, const QString &column, int highest)
 {
     const auto text = sheet.cell(row, column);
     if (!text)
         return {};
-    return text->isEmpty() ? std::optional<int>(NoAddress) : sheet.number(row, column, 1, highest);
+    return text->isEmpty() ? std::optional<int>(0) : sheet.number(row, column, 1, highest);
+}
+
+/// "None" changes nothing where none stands already, in whatever form.
+int StoredAddress(int wanted, int present, bool hasAddress)
+{
+    constexpr int none = 0xFFFF;
+    if (wanted == 0)
+        return hasAddress ? none : present;
+    return wanted;
+}
+
+std::optional<int> SymbolIn(CsvSheet &sheet, const CsvRow &row, const QString &column)
+{
+    return sheet.has(column) ? sheet.number(row, column, 0, HighestByte) : std::nullopt;
 }
 
 Change RouteChange(CsvSheet &sheet, const CsvRow &row, size_t n)
 {
-    const size_t at = n * RouteSize;
-    const auto address = AddressIn(sheet, row, FeedbackColumn, LastFeedbackAddress);
-    const auto word = sheet.cell(row, TriggerColumn);
-    if (word && word->toLower() != FreeWord && word->toLower() != OccupiedWord)
-        sheet.faults.push_back({row.line, TriggerColumn, QStringLiteral("hier muss frei oder besetzt stehen")});
-    return [at, address, word](RecordValue &value) {
+    const QString &triggerColumn = Column(RecordKind::RouteTable, RouteTrigger);
+    const auto address = AddressIn(sheet, row, Column(RecordKind::RouteTable, RouteFeedback), LastFeedbackAddress);
+    const auto cell = sheet.cell(row, triggerColumn);
+    const QString word = cell.value_or(QString()).toLower();
+    if (cell && word != TriggerText(false) && word != TriggerText(true))
+        sheet.faults.push_back({row.line, triggerColumn, QStringLiteral("hier muss frei oder besetzt stehen")});
+    const auto occupied = cell ? std::optional(word == TriggerText(true)) : std::nullopt;
+    return [=](RecordValue &value) {
         auto &routes = std::get<Routes>(value);
+        Route route = RouteAt(routes, n);
         if (address)
-            PutAddress(routes, at, *address, LastFeedbackAddress);
-        const int trigger = word && word->toLower() == OccupiedWord ? 1 : 0;
-        if (word && (routes.at(at + TriggerOffset) & 1) != trigger) // the byte's other bits may mean something
-            routes.at(at + TriggerOffset) = trigger;
+            route.feedback = StoredAddress(*address, route.feedback, route.hasFeedback());
+        if (occupied && *occupied != route.occupied()) // the byte's other bits may mean something
+            route.trigger = *occupied ? 1 : 0;
+        LayRoute(routes, n, route);
     };
 }
 
 Change AssignmentChange(CsvSheet &sheet, const CsvRow &row, size_t n)
 {
-    const auto symbol = sheet.has(SymbolColumn) ? sheet.number(row, SymbolColumn, 0, HighestByte) : std::nullopt;
+    const auto symbol = SymbolIn(sheet, row, Column(RecordKind::AssignmentTable, AssignmentSymbol));
     return [n, symbol](RecordValue &value) {
         if (symbol)
-            std::get<Assignment>(value).at(n) = *symbol;
+            std::get<Assignment>(value).at(n) = static_cast<quint8>(*symbol);
     };
-}
-
-/// As with the addresses, nothing stays nothing in whatever form.
-void PutDesignation(AccessoryList &list, size_t at, const QString &text)
-{
-    if (text.isEmpty() && !IsDefined(list, at))
-        return;
-    std::vector<quint8> codes(DesignationLength);
-    EncodeName(text, codes, 0, DesignationLength);
-    list.at(at) = codes.at(0);
-    list.at(at + 1) = codes.at(1);
 }
 
 Change PlaceChange(CsvSheet &sheet, const CsvRow &row, size_t n)
 {
-    const size_t at = n * PlaceSize;
-    const auto address = AddressIn(sheet, row, AddressColumn, LastAccessoryAddress);
-    const auto name = sheet.cell(row, DesignationColumn);
-    const auto symbol = sheet.has(SymbolColumn) ? sheet.number(row, SymbolColumn, 0, HighestByte) : std::nullopt;
+    const QString &nameColumn = Column(RecordKind::PlaceTable, PlaceDesignation);
+    const auto address = AddressIn(sheet, row, Column(RecordKind::PlaceTable, PlaceAddress), LastAccessoryAddress);
+    const auto name = sheet.cell(row, nameColumn);
+    const auto symbol = SymbolIn(sheet, row, Column(RecordKind::PlaceTable, PlaceSymbol));
     if (name && (name->size() > DesignationLength || !UnknownCharacters(*name).isEmpty())) {
-        sheet.faults.push_back({row.line, DesignationColumn,
+        sheet.faults.push_back({row.line, nameColumn,
             QStringLiteral("\"%1\": hier passen nur %2 Zeichen, die der Handregler hat")
                 .arg(*name)
                 .arg(DesignationLength)});
     }
     return [=](RecordValue &value) {
         auto &list = std::get<AccessoryList>(value);
+        AccessoryPlace place = PlaceAt(list, n);
         if (address)
-            PutAddress(list, at, *address, LastAccessoryAddress);
-        if (name)
-            PutDesignation(list, at + DesignationOffset, *name);
+            place.address = StoredAddress(*address, place.address, place.hasAddress());
+        if (name && !(name->isEmpty() && !place.hasDesignation())) // as with the addresses, nothing stays nothing
+            place.setDesignation(*name);
         if (symbol)
-            list.at(at + SymbolOffset) = *symbol;
+            place.symbol = static_cast<quint8>(*symbol);
+        LayPlace(list, n, place);
     };
 }
 
@@ -182,30 +111,27 @@ Change ChangeOf(CsvSheet &sheet, const CsvRow &row, RecordKind kind, size_t n)
 
 QByteArray TableCsv(const RecordValue &table)
 {
-    QStringList lines;
-    RecordKind kind = RecordKind::PlaceTable;
-    if (const auto *routes = std::get_if<Routes>(&table)) {
-        lines = RouteLines(*routes);
-        kind = RecordKind::RouteTable;
-    } else if (const auto *assignment = std::get_if<Assignment>(&table)) {
-        lines = AssignmentLines(*assignment);
-        kind = RecordKind::AssignmentTable;
-    } else {
-        lines = PlaceLines(std::get<AccessoryList>(table));
+    const RecordKind kind = TableKindOf(table);
+    QStringList lines{ColumnsOf(kind).join(u';')};
+    for (size_t n = 0; n < static_cast<size_t>(RowOf(kind).entries); ++n) {
+        QString line = QString::number(n + 1);
+        for (const QString &text : EntryTexts(table, n))
+            line += u';' + CsvCell(text);
+        lines += line;
     }
-    return (LayoutOf(kind).columns.join(u';') + u'\n' + lines.join(u'\n') + u'\n').toUtf8();
+    return (lines.join(u'\n') + u'\n').toUtf8();
 }
 
 TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind)
 {
-    const Layout layout = LayoutOf(kind);
-    const QString &numberColumn = layout.columns.constFirst();
+    const QString &numberColumn = RowOf(kind).entryName;
     CsvSheet sheet(file);
-    sheet.checkColumns({numberColumn}, layout.columns);
+    sheet.checkColumns({numberColumn}, ColumnsOf(kind));
     std::vector<Change> changes;
     std::set<int> seen;
     for (const CsvRow &row : sheet.rows()) {
-        const auto n = sheet.has(numberColumn) ? sheet.number(row, numberColumn, 1, layout.rows) : std::nullopt;
+        const auto n =
+            sheet.has(numberColumn) ? sheet.number(row, numberColumn, 1, RowOf(kind).entries) : std::nullopt;
         if (!n)
             continue;
         if (!seen.insert(*n).second)

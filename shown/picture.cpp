@@ -1,6 +1,6 @@
 #include "shown/picture.h"
 
-#include "handheld/transfer.h"
+#include "handheld/page_sequence.h"
 #include "shown/record.h"
 #include "symbols/bmp_file.h"
 

@@ -23,32 +23,17 @@ constexpr int ListCharacters = 28;
 constexpr int AddressCharacters = 6;
 constexpr int HintLines = 3;
 
-struct RowLook {
-    const char *key;    // of the check box and the list
-    const char *allKey; // empty for loco records
-    QString caption;
-};
-
-const RowLook &LookOf(NumberedKind kind)
-{
-    static const std::array<RowLook, NumberedKindCount> looks{
-        RowLook{"LokDaten", "", QStringLiteral("Lokdatensätze")},
-        RowLook{"LokSymbole", "AlleLokSym", QStringLiteral("Loksymbole")},
-        RowLook{"LokFktSymbole", "AlleFktSym", QStringLiteral("Funktionssymbole")},
-        RowLook{"MagSymbole", "AlleMagSym", QStringLiteral("Mag.Art. Symbole")}};
-    return looks.at(kind);
-}
-
-QString ControlName(const char *key, const char *kind)
-{
-    return QLatin1String(key) + QLatin1String(kind);
-}
-
-QCheckBox *NamedCheck(const char *key, const QString &caption, QWidget *parent)
+QCheckBox *NamedCheck(const QString &key, const QString &caption, QWidget *parent)
 {
     auto *box = new QCheckBox(caption, parent);
-    box->setObjectName(ControlName(key, "Chk"));
+    box->setObjectName(key + QStringLiteral("Chk"));
     return box;
+}
+
+/// The check box of a table.
+QCheckBox *TableCheck(RecordKind kind, QWidget *parent)
+{
+    return NamedCheck(RowOf(kind).selectionKey, RowOf(kind).caption, parent);
 }
 
 void SetWidthInCharacters(QWidget *field, int characters)
@@ -75,12 +60,12 @@ bool IsAddress(int number)
 
 SelectionWindow::SelectionWindow()
     : LeavableWindow(nullptr, Qt::Dialog)
-    , lokSucheChk(NamedCheck("LokSuche", QStringLiteral("Lokdatensätze suchen"), this))
+    , lokSucheChk(NamedCheck(QStringLiteral("LokSuche"), QStringLiteral("Lokdatensätze suchen"), this))
     , startTxt(NamedField(QStringLiteral("LokSucheAdrStartTxt"), QStringLiteral("Suche von Adresse"), this))
     , stopTxt(NamedField(QStringLiteral("LokSucheAdrStopTxt"), QStringLiteral("Suche bis Adresse"), this))
-    , fsDatenChk(NamedCheck("FSdaten", QStringLiteral("Fahrstraßen"), this))
-    , magSymZuordChk(NamedCheck("MagSymZuord", QStringLiteral("Mag.Art. Symbolzuordnung"), this))
-    , magListeChk(NamedCheck("MagListe", QStringLiteral("Mag.Art. Liste"), this))
+    , fsDatenChk(TableCheck(RecordKind::RouteTable, this))
+    , magSymZuordChk(TableCheck(RecordKind::AssignmentTable, this))
+    , magListeChk(TableCheck(RecordKind::PlaceTable, this))
     , hintLbl(NamedLabel(QStringLiteral("HinweisLbl"), QString(), this))
     , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
 {
@@ -92,22 +77,22 @@ SelectionWindow::SelectionWindow()
 
 void SelectionWindow::buildNumberedRow(QGridLayout *grid, NumberedKind kind)
 {
-    const RowLook &look = LookOf(kind);
+    const KindRow &look = RowOfChoice(kind);
     const int gridRow = kind == LokDatenList ? 0 : kind + 1; // the search comes after the list of locos
     NumberedRow &row = rows.at(kind);
-    row.wanted = NamedCheck(look.key, look.caption, this);
-    row.list = NamedField(ControlName(look.key, "Txt"), look.caption + QStringLiteral(", Nummern"), this);
+    row.wanted = NamedCheck(look.selectionKey, look.caption, this);
+    row.list =
+        NamedField(look.selectionKey + QStringLiteral("Txt"), look.caption + QStringLiteral(", Nummern"), this);
     SetWidthInCharacters(row.list, ListCharacters);
     grid->addWidget(row.wanted, gridRow, KindColumn);
-    if (kind != LokDatenList) {
+    if (!look.allKey.isEmpty()) {
         row.all = NamedCheck(look.allKey, QStringLiteral("alle"), this);
         row.all->setAccessibleName(look.caption + QStringLiteral(", alle"));
         grid->addWidget(row.all, gridRow, AllColumn);
     }
     grid->addWidget(row.list, gridRow, ListColumn);
-    const NumberLimits limits = LimitsOf(kind);
     grid->addWidget(
-        new QLabel(QStringLiteral("%1 .. %2").arg(limits.low).arg(limits.high), this), gridRow, LimitColumn);
+        new QLabel(QStringLiteral("%1 .. %2").arg(look.lowest).arg(look.highest), this), gridRow, LimitColumn);
 }
 
 void SelectionWindow::buildSearchRow(QGridLayout *grid)
@@ -272,7 +257,7 @@ QStringList SelectionWindow::markFaults(const BackupSelection &chosen)
         const QString fault = ListFault(chosen, kind);
         MarkField(rows.at(kind).list, fault);
         if (!fault.isEmpty())
-            faults += LookOf(kind).caption + QStringLiteral(": ") + fault;
+            faults += RowOfChoice(kind).caption + QStringLiteral(": ") + fault;
     }
     const QString fault = SearchFault(chosen);
     const bool onlyStopWrong = IsAddress(chosen.lokSucheStart) && !IsAddress(chosen.lokSucheStop);

@@ -1,5 +1,6 @@
 #include "ui/editors/accessory_list_editor.h"
 
+#include "handheld/table_entries.h"
 #include "link/text_encoding.h"
 #include "platform/text.h"
 #include "program/run_control.h"
@@ -16,14 +17,14 @@ namespace
 
 enum Column { NumberColumn, AddressColumn, DesignationColumn, RedColumn, GreenColumn };
 
-constexpr size_t AddressOffset = 0;
-constexpr size_t DesignationOffset = 2;
-constexpr size_t SymbolOffset = 4;
-constexpr int DesignationLength = 2;
-
-size_t Index(int row, size_t offset)
+AccessoryPlace PlaceOfRow(int row)
 {
-    return static_cast<size_t>(row * PlaceSize) + offset;
+    return PlaceAt(MagListeDaten, static_cast<size_t>(row));
+}
+
+void LayPlaceOfRow(int row, const AccessoryPlace &place)
+{
+    LayPlace(MagListeDaten, static_cast<size_t>(row), place);
 }
 
 BlockEditorLook Look()
@@ -66,7 +67,7 @@ Outcome AccessoryListEditor::readTable()
     return outcome;
 }
 
-std::vector<int> AccessoryListEditor::entries() const
+std::vector<quint8> AccessoryListEditor::entries() const
 {
     return {MagListeDaten.begin(), MagListeDaten.end()};
 }
@@ -81,10 +82,9 @@ std::function<Outcome()> AccessoryListEditor::writeOfTable() const
 
 void AccessoryListEditor::showPlace(int row)
 {
-    const size_t at = Index(row, AddressOffset);
-    grid->setText(row, AddressColumn, QString::number(MagListeDaten.at(at) * 256 + MagListeDaten.at(at + 1)));
-    const auto designation = static_cast<int>(Index(row, DesignationOffset));
-    grid->setText(row, DesignationColumn, DecodeName(MagListeDaten, designation, DesignationLength));
+    const AccessoryPlace place = PlaceOfRow(row);
+    grid->setText(row, AddressColumn, QString::number(place.address));
+    grid->setText(row, DesignationColumn, place.designationText());
     showSymbol(row);
 }
 
@@ -114,25 +114,33 @@ bool AccessoryListEditor::takeAddress(int row, int address)
 {
     if (address < 1 || address > LastAccessoryAddress)
         return false;
-    MagListeDaten.at(Index(row, AddressOffset)) = address / 256;
-    MagListeDaten.at(Index(row, AddressOffset + 1)) = address % 256;
+    AccessoryPlace place = PlaceOfRow(row);
+    place.address = address;
+    LayPlaceOfRow(row, place);
     return true;
 }
 
-void AccessoryListEditor::setEntries(const std::vector<int> &entries)
+void AccessoryListEditor::setEntries(const std::vector<quint8> &entries)
 {
     std::ranges::copy(entries, MagListeDaten.begin());
 }
 
 int AccessoryListEditor::symbolOf(int row) const
 {
-    return MagListeDaten.at(Index(row, SymbolOffset));
+    return PlaceOfRow(row).symbol;
+}
+
+void AccessoryListEditor::setSymbol(int row, int symbol)
+{
+    AccessoryPlace place = PlaceOfRow(row);
+    place.symbol = static_cast<quint8>(symbol);
+    LayPlaceOfRow(row, place);
 }
 
 QString AccessoryListEditor::lay(int row, int column, const QString &text)
 {
     if (column == RedColumn || column == GreenColumn)
-        return laySymbol(row, MagListeDaten.at(Index(row, SymbolOffset)), text);
+        return laySymbol(row, text);
     if (column == AddressColumn) {
         if (!takeAddress(row, RoundedVal(text)))
             return QStringLiteral("erlaubt sind Zahlen von 1 bis %1").arg(LastAccessoryAddress);
@@ -150,15 +158,16 @@ QString AccessoryListEditor::lay(int row, int column, const QString &text)
 
 void AccessoryListEditor::takeDesignation(int row, const QString &text)
 {
-    EncodeName(text, MagListeDaten, static_cast<int>(Index(row, DesignationOffset)), DesignationLength);
+    AccessoryPlace place = PlaceOfRow(row);
+    place.setDesignation(text);
+    LayPlaceOfRow(row, place);
 }
 
 void AccessoryListEditor::pickSymbol(int row)
 {
-    quint8 &symbol = MagListeDaten.at(Index(row, SymbolOffset));
-    const int chosen = pickAccessorySymbol(symbol);
+    const int chosen = pickAccessorySymbol(symbolOf(row));
     if (chosen == NothingChosen)
         return;
-    symbol = static_cast<quint8>(chosen);
+    setSymbol(row, chosen);
     showSymbol(row);
 }

@@ -16,9 +16,10 @@ public:
 protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
-    [[nodiscard]] std::vector<int> entries() const override;
-    void setEntries(const std::vector<int> &entries) override;
+    [[nodiscard]] std::vector<quint8> entries() const override;
+    void setEntries(const std::vector<quint8> &entries) override;
     [[nodiscard]] int symbolOf(int row) const override;
+    void setSymbol(int row, int symbol) override;
     QString lay(int row, int column, const QString &text) override;
     void actOn(int row, int column) override;
     [[nodiscard]] bool takesInput(int column) const override;

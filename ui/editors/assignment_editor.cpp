@@ -64,12 +64,12 @@ void AssignmentEditor::fillTable()
     }
 }
 
-std::vector<int> AssignmentEditor::entries() const
+std::vector<quint8> AssignmentEditor::entries() const
 {
     return {MagZuordDaten.begin(), MagZuordDaten.end()};
 }
 
-void AssignmentEditor::setEntries(const std::vector<int> &entries)
+void AssignmentEditor::setEntries(const std::vector<quint8> &entries)
 {
     std::ranges::copy(entries, MagZuordDaten.begin());
 }
@@ -79,9 +79,14 @@ int AssignmentEditor::symbolOf(int row) const
     return EntryOfRow(row);
 }
 
+void AssignmentEditor::setSymbol(int row, int symbol)
+{
+    EntryOfRow(row) = static_cast<quint8>(symbol);
+}
+
 QString AssignmentEditor::lay(int row, int /*column*/, const QString &text)
 {
-    return laySymbol(row, EntryOfRow(row), text);
+    return laySymbol(row, text);
 }
 
 std::function<Outcome()> AssignmentEditor::writeOfTable() const
@@ -107,7 +112,7 @@ void AssignmentEditor::actOn(int row, int /*column*/)
             grid->model()->index(marked, RedColumn), QItemSelectionModel::Select | QItemSelectionModel::Rows);
         if (chosen == NothingChosen)
             continue;
-        EntryOfRow(marked) = static_cast<quint8>(chosen);
+        setSymbol(marked, chosen);
         showSymbol(marked);
     }
 }

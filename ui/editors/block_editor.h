@@ -40,7 +40,7 @@ struct BlockEditorLook {
 
 /// A table as the window keeps and shows it: what a cell shows may differ from its entry ("ERR!").
 struct TableState {
-    std::vector<int> entries;
+    std::vector<quint8> entries;
     QStringList texts; // of the columns with texts behind the number, row by row
     bool operator==(const TableState &) const = default;
 };
@@ -71,13 +71,14 @@ protected:
     [[nodiscard]] virtual std::function<Outcome()> writeOfTable() const = 0;
 
     /// The table's entries, as many for each row.
-    [[nodiscard]] virtual std::vector<int> entries() const = 0;
+    [[nodiscard]] virtual std::vector<quint8> entries() const = 0;
 
     /// Sets all entries; the grid is not touched.
-    virtual void setEntries(const std::vector<int> &entries) = 0;
+    virtual void setEntries(const std::vector<quint8> &entries) = 0;
 
-    /// The symbol number behind a row's picture columns.
+    /// The symbol number behind a row's picture columns; the grid is not touched.
     [[nodiscard]] virtual int symbolOf(int row) const = 0;
+    virtual void setSymbol(int row, int symbol) = 0;
 
     /// Sets a cell to a pasted or filled text and shows it. Returns why the cell does not take it, in German for the
     /// user, and changes nothing then; empty when it does. Never called for the number column.
@@ -91,7 +92,7 @@ protected:
     void showSymbol(int row);
 
     /// Lays a pasted text as symbol number; what lay() returns.
-    QString laySymbol(int row, quint8 &symbol, const QString &text);
+    QString laySymbol(int row, const QString &text);
 
     /// Changes the table as one step that can be undone.
     void change(const std::function<void()> &work);
@@ -125,11 +126,11 @@ private:
     void type(int row, int column, const QString &firstCharacter);
     void updateMarks();
 
-    TypeSearch search;        // where a character begins no input
-    bool working = false;     // a command of this window runs
-    std::vector<int> written; // the entries that the handheld holds, as far as the window knows
-    bool writeFailed = false; // what the handheld holds is not known
-    bool complete = true;     // false after a read with a time-out or a damaged answer
+    TypeSearch search;           // where a character begins no input
+    bool working = false;        // a command of this window runs
+    std::vector<quint8> written; // the entries that the handheld holds, as far as the window knows
+    bool writeFailed = false;    // what the handheld holds is not known
+    bool complete = true;        // false after a read with a time-out or a damaged answer
 
     bool &tableLoaded;
     SnapshotHistory<TableState> history;

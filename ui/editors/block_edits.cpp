@@ -153,13 +153,13 @@ QString BlockEditor::layCell(int row, int column, const QString &text)
         .arg(grid->horizontalHeaderItem(0)->text(), grid->text(row, 0), heading, text, reason);
 }
 
-QString BlockEditor::laySymbol(int row, quint8 &symbol, const QString &text)
+QString BlockEditor::laySymbol(int row, const QString &text)
 {
     bool isNumber = false;
     const int number = text.trimmed().toInt(&isNumber);
     if (!isNumber || number < 0 || number >= NothingChosen)
         return QStringLiteral("erlaubt sind Symbolnummern von 0 bis %1").arg(NothingChosen - 1);
-    symbol = number;
+    setSymbol(row, number);
     showSymbol(row);
     return {};
 }

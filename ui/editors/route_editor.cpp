@@ -1,5 +1,6 @@
 #include "ui/editors/route_editor.h"
 
+#include "handheld/table_entries.h"
 #include "platform/text.h"
 #include "shown/tables.h"
 #include "ui/common/progress.h"
@@ -12,15 +13,26 @@ namespace
 {
 
 enum Column { NumberColumn, AddressColumn, FreeColumn, OccupiedColumn };
-constexpr int FreeTrigger = 0;
-constexpr int OccupiedTrigger = 1;
+constexpr quint8 FreeTrigger = 0;
+constexpr quint8 OccupiedTrigger = 1;
 
-constexpr size_t AddressOffset = 0;
-constexpr size_t TriggerOffset = 2;
-
-size_t Index(int row, size_t offset)
+Route RouteOfRow(int row)
 {
-    return static_cast<size_t>(row * RouteSize) + offset;
+    return RouteAt(FsDaten, static_cast<size_t>(row));
+}
+
+void SetFeedback(int row, int address)
+{
+    Route route = RouteOfRow(row);
+    route.feedback = address;
+    LayRoute(FsDaten, static_cast<size_t>(row), route);
+}
+
+void SetTrigger(int row, quint8 trigger)
+{
+    Route route = RouteOfRow(row);
+    route.trigger = trigger;
+    LayRoute(FsDaten, static_cast<size_t>(row), route);
 }
 
 BlockEditorLook Look()
@@ -51,12 +63,12 @@ Outcome RouteEditor::readTable()
     return outcome;
 }
 
-std::vector<int> RouteEditor::entries() const
+std::vector<quint8> RouteEditor::entries() const
 {
     return {FsDaten.begin(), FsDaten.end()};
 }
 
-void RouteEditor::setEntries(const std::vector<int> &entries)
+void RouteEditor::setEntries(const std::vector<quint8> &entries)
 {
     std::ranges::copy(entries, FsDaten.begin());
 }
@@ -67,9 +79,9 @@ QString RouteEditor::lay(int row, int column, const QString &text)
         const QString mark = text.trimmed();
         if (!mark.isEmpty() && mark.compare(u"X", Qt::CaseInsensitive) != 0)
             return QStringLiteral("erlaubt ist nur X oder nichts");
-        const int trigger = (column == OccupiedColumn) == !mark.isEmpty() ? OccupiedTrigger : FreeTrigger;
-        FsDaten.at(Index(row, TriggerOffset)) = trigger;
-        showTrigger(row, trigger);
+        const bool occupied = (column == OccupiedColumn) == !mark.isEmpty();
+        SetTrigger(row, occupied ? OccupiedTrigger : FreeTrigger);
+        showTrigger(row, occupied);
         return {};
     }
     if (!takeAddress(row, Val(text)))
@@ -88,15 +100,15 @@ std::function<Outcome()> RouteEditor::writeOfTable() const
 
 void RouteEditor::showRoute(int row)
 {
-    const size_t at = Index(row, AddressOffset);
-    grid->setText(row, AddressColumn, AddressText(FsDaten.at(at) * 256 + FsDaten.at(at + 1)));
-    showTrigger(row, FsDaten.at(Index(row, TriggerOffset)) & 1);
+    const Route route = RouteOfRow(row);
+    grid->setText(row, AddressColumn, AddressText(route.feedback));
+    showTrigger(row, route.occupied());
 }
 
-void RouteEditor::showTrigger(int row, int trigger)
+void RouteEditor::showTrigger(int row, bool occupied)
 {
-    grid->setText(row, FreeColumn, trigger == FreeTrigger ? QStringLiteral("X") : QString());
-    grid->setText(row, OccupiedColumn, trigger == OccupiedTrigger ? QStringLiteral("X") : QString());
+    grid->setText(row, FreeColumn, occupied ? QString() : QStringLiteral("X"));
+    grid->setText(row, OccupiedColumn, occupied ? QStringLiteral("X") : QString());
 }
 
 bool RouteEditor::takesInput(int column) const
@@ -108,10 +120,10 @@ void RouteEditor::actOn(int row, int column)
 {
     if (column == AddressColumn && !typeAddress(row))
         return;
-    const int trigger = column == OccupiedColumn ? OccupiedTrigger : FreeTrigger;
+    const bool occupied = column == OccupiedColumn;
     if (column == FreeColumn || column == OccupiedColumn)
-        showTrigger(row, trigger);
-    FsDaten.at(Index(row, TriggerOffset)) = trigger;
+        showTrigger(row, occupied);
+    SetTrigger(row, occupied ? OccupiedTrigger : FreeTrigger);
 }
 
 bool RouteEditor::typeAddress(int row)
@@ -129,7 +141,6 @@ bool RouteEditor::takeAddress(int row, int address)
 {
     if (address < 1 || address > LastFeedbackAddress)
         return false;
-    FsDaten.at(Index(row, AddressOffset)) = address / 256;
-    FsDaten.at(Index(row, AddressOffset + 1)) = address % 256;
+    SetFeedback(row, address);
     return true;
 }

@@ -16,9 +16,10 @@ public:
 protected:
     Outcome readTable() override;
     [[nodiscard]] std::function<Outcome()> writeOfTable() const override;
-    [[nodiscard]] std::vector<int> entries() const override;
-    void setEntries(const std::vector<int> &entries) override;
+    [[nodiscard]] std::vector<quint8> entries() const override;
+    void setEntries(const std::vector<quint8> &entries) override;
     [[nodiscard]] int symbolOf(int /*row*/) const override { return 0; }
+    void setSymbol(int /*row*/, int /*symbol*/) override { }
     /// An address leaves the trigger as it is. An empty cell of "frei" or "bes." means the other one of the two.
     QString lay(int row, int column, const QString &text) override;
     /// Every act that is not discarded also sets the route's trigger: occupied from the column "bes.", free from all
@@ -28,7 +29,7 @@ protected:
 
 private:
     void showRoute(int row);
-    void showTrigger(int row, int trigger);
+    void showTrigger(int row, bool occupied);
     bool typeAddress(int row);
     static bool takeAddress(int row, int address);
 };
