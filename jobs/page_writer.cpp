@@ -48,9 +48,11 @@ PageResult Program(const std::vector<RecordChange> &changes, bool prove)
 Result<RecordChange> ReadAgain(const RecordChange &written)
 {
     SpiImage image{};
-    auto read = ReadRecord(image, written.id, [](int) {}, Patience::Quiet);
+    auto read = ReadRecord(
+        image, written.id, [](int) {}, Patience::Quiet);
     for (int repeat = 1; repeat < MostReads && read.outcome.timedOut() && !TransferBrokenOff(); ++repeat)
-        read = ReadRecord(image, written.id, [](int) {}, Patience::Quiet);
+        read = ReadRecord(
+            image, written.id, [](int) {}, Patience::Quiet);
     RecordChange now = written;
     now.present = read.value;
     now.presentBytes.reset();
