@@ -573,21 +573,15 @@ private:
     {
         const TellsPortLoss teller;
         const auto pages = ByPage(chosen);
-        const double all = SecondsOf(chosen, job.options.prove);
-        const double start = NowSeconds();
-        double spent = 0;
-        size_t done = 0;
+        JobAmount amount(chosen.size(), SecondsOf(chosen, job.options.prove));
         for (const std::vector<RecordChange> &page : pages) {
             if (!JobGoesOn()) {
                 end.report.job.end = WhyJobBrokeOff();
                 return;
             }
             TheAsk().showProgress(QStringLiteral("Schreibe ") + RecordName(page.front().id));
-            if (chosen.size() > 1)
-                TheAsk().showAmount(
-                    {done, chosen.size(), spent > 0 ? SecondsSince(start) / spent * (all - spent) : -1});
-            done += page.size();
-            spent += SecondsOf(page, job.options.prove);
+            amount.show();
+            amount.add(page.size(), SecondsOf(page, job.options.prove));
             if (!writePage(page))
                 return;
         }

@@ -44,7 +44,7 @@ struct RecordChange {
     RecordValue wanted;
     std::optional<RecordValue> present;    // as read; an empty loco record has an empty name
     std::optional<LocoBytes> presentBytes; // of a loco record that is not empty
-    std::optional<LocoBytes> wantedBytes;  // of a loco record that is to be the same to the byte
+    std::optional<LocoBytes> wantedBytes{}; // of a loco record that is to be the same to the byte
 };
 
 /// The bytes in the flash of what stands there, as far as it was read, and of what is to stand there. An empty loco record
