@@ -1,5 +1,7 @@
 #include "shown/record.h"
 
+#include <algorithm>
+
 SpiImage SpiBuf{};
 QString LokName = LeerName();
 std::array<int, FunctionCount> FktSymbol{};
@@ -19,6 +21,11 @@ void SetCurrentLocoRecord(const LocoRecord &record)
     FktModus = record.modes;
     MultiUni = record.multiUni;
     LokSymbol = record.locoSymbol;
+}
+
+void ShowPicture(const Picture &picture)
+{
+    std::ranges::copy(picture.bytes, SpiBuf.begin() + WritePosition);
 }
 
 Outcome ReadLocoRecord(int locoNumber)

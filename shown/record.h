@@ -3,9 +3,10 @@
 #pragma once
 
 #include "handheld/loco_record.h"
+#include "handheld/picture.h"
 
 /// The handheld's SPI buffer as the last single command left it, index 0..512. Bytes that a write does not lay are
-/// programmed from it; the pixel editor works on the picture in it.
+/// programmed from it; a picture that was edited stays in it.
 extern SpiImage SpiBuf;
 
 // --- The current record. Filled by ReadLocoRecord, changed by the editor, written as it was at the click. ---
@@ -17,6 +18,9 @@ extern int LokSymbol;                            // loco symbol number
 
 LocoRecord CurrentLocoRecord();
 void SetCurrentLocoRecord(const LocoRecord &record);
+
+/// Lays a picture that was edited into SpiBuf.
+void ShowPicture(const Picture &picture);
 
 /// Reads a record into the current one. Goes on after a time-out; a read that was broken off leaves it as it was.
 Outcome ReadLocoRecord(int locoNumber);
