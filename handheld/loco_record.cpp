@@ -3,6 +3,7 @@
 #include "handheld/known_locos.h"
 
 #include "link/text_encoding.h"
+#include "platform/text.h"
 
 #include <algorithm>
 
@@ -109,6 +110,11 @@ bool IsEmptyName(const QString &name)
 QString EmptyName(int length)
 {
     return QString(length, FillerCharacter);
+}
+
+QString ShownName(const LocoRecord &record)
+{
+    return IsEmptyName(record.name) ? QStringLiteral("-leer-") : WithoutTrailingBlanks(record.name);
 }
 
 QString FitLocoName(const QString &name)

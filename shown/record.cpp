@@ -3,24 +3,11 @@
 #include <algorithm>
 
 SpiImage SpiBuf{};
-QString LokName = LeerName();
-std::array<int, FunctionCount> FktSymbol{};
-std::array<int, FunctionCount> FktModus{};
-int MultiUni = 0;
-int LokSymbol = 0;
+ShownLoco CurrentLoco;
 
-LocoRecord CurrentLocoRecord()
+QString LokName()
 {
-    return {LokName, FktSymbol, FktModus, MultiUni, LokSymbol};
-}
-
-void SetCurrentLocoRecord(const LocoRecord &record)
-{
-    LokName = record.name;
-    FktSymbol = record.symbols;
-    FktModus = record.modes;
-    MultiUni = record.multiUni;
-    LokSymbol = record.locoSymbol;
+    return CurrentLoco.nothingToWrite ? ShownName(CurrentLoco.record) : CurrentLoco.record.name;
 }
 
 void ShowPicture(const Picture &picture)
@@ -32,7 +19,7 @@ Outcome ReadLocoRecord(int locoNumber)
 {
     const Result<LocoRecord> read = ReadLoco(SpiBuf, locoNumber);
     if (!read.outcome.brokenOff())
-        SetCurrentLocoRecord(read.value);
+        CurrentLoco = {read.value, IsEmptyName(read.value.name)};
     return read.outcome;
 }
 
@@ -44,5 +31,5 @@ Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 void ResetShownRecord()
 {
     SpiBuf.fill(0);
-    SetCurrentLocoRecord({LeerName(), {}, {}, 0, 0});
+    CurrentLoco = {};
 }
