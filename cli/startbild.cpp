@@ -15,7 +15,7 @@ Exit Run(const Call &call)
     SpiImage image{};
     return MovePicture(
         call, call.arguments.value(1), verb == u"schreiben", blank, [&] { return ReadStartPicture(image); },
-        [&](const Picture &picture) { return WriteStartPicture(image, picture, Patience::Job); });
+        [&](const Picture &picture) { return WriteStartPicture(image, picture, Patience::Job).outcome; });
 }
 
 } // namespace

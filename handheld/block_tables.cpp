@@ -23,19 +23,26 @@ constexpr int GroupSize = 64;
 constexpr int GroupLastSlice = 60;
 constexpr int GroupCount = LastAccessoryAddress / GroupSize;
 
-template <typename Table> Result<Table> ReadPageTable(SpiImage &image, const PageTable &source)
+bool EndsTable(const Outcome &outcome, const Patience &patience)
+{
+    return outcome.brokenOff() || EndsStep(outcome, patience);
+}
+
+template <typename Table>
+Result<Table> ReadPageTable(SpiImage &image, const PageTable &source, const Patience &patience)
 {
     Result<Table> read;
-    for (int k = 0; k < BlockCount && !read.outcome.brokenOff(); ++k) {
+    for (int k = 0; k < BlockCount && !EndsTable(read.outcome, patience); ++k) {
         const int start = k * source.blockSize;
-        read.outcome.keep(ReadFlash(image, source.pageAddress + source.firstOffset + start, source.blockSize));
+        read.outcome.keep(
+            ReadFlash(image, source.pageAddress + source.firstOffset + start, source.blockSize, patience));
         std::copy_n(image.begin() + ReadPosition, source.blockSize, read.value.begin() + start);
     }
     return read;
 }
 
 template <typename Table>
-Outcome WritePageTable(SpiImage &image, const PageTable &target, const Table &table, Patience patience)
+PageResult WritePageTable(SpiImage &image, const PageTable &target, const Table &table, const Patience &patience)
 {
     // The page holds nothing else that the tool uses; it is not loaded first.
     PageWrite page{target.pageAddress, false, {}};
@@ -73,51 +80,51 @@ PageWrite AssignmentPage(const Assignment &assignment, int firstAccessory, int l
 
 } // namespace
 
-Result<Routes> ReadRouteTable(SpiImage &image)
+Result<Routes> ReadRouteTable(SpiImage &image, const Patience &patience)
 {
-    return ReadPageTable<Routes>(image, RouteTable);
+    return ReadPageTable<Routes>(image, RouteTable, patience);
 }
 
-Outcome WriteRouteTable(SpiImage &image, const Routes &routes, Patience patience)
+PageResult WriteRouteTable(SpiImage &image, const Routes &routes, const Patience &patience)
 {
     return WritePageTable(image, RouteTable, routes, patience);
 }
 
-Result<AccessoryList> ReadAccessoryList(SpiImage &image)
+Result<AccessoryList> ReadAccessoryList(SpiImage &image, const Patience &patience)
 {
-    return ReadPageTable<AccessoryList>(image, ListTable);
+    return ReadPageTable<AccessoryList>(image, ListTable, patience);
 }
 
-Outcome WriteAccessoryList(SpiImage &image, const AccessoryList &list, Patience patience)
+PageResult WriteAccessoryList(SpiImage &image, const AccessoryList &list, const Patience &patience)
 {
     return WritePageTable(image, ListTable, list, patience);
 }
 
-Result<Assignment> ReadAssignment(SpiImage &image, const std::function<void(int)> &onGroup)
+Result<Assignment> ReadAssignment(SpiImage &image, const std::function<void(int)> &onGroup, const Patience &patience)
 {
     Result<Assignment> read;
-    for (int g = 0; g < GroupCount && !read.outcome.brokenOff(); ++g) {
+    for (int g = 0; g < GroupCount && !EndsTable(read.outcome, patience); ++g) {
         onGroup(g);
         // From one byte behind the boundary: byte 0x0E0000 + a belongs to address a, and address 0 does not exist.
-        read.outcome.keep(ReadFlash(image, MagZuordAddress + 1 + g * GroupSize, GroupSize));
+        read.outcome.keep(ReadFlash(image, MagZuordAddress + 1 + g * GroupSize, GroupSize, patience));
         std::copy_n(image.begin() + ReadPosition, GroupSize, read.value.begin() + g * GroupSize);
     }
     return read;
 }
 
-Outcome WriteAssignment(SpiImage &image, const Assignment &assignment, Patience patience)
+PageResult WriteAssignment(SpiImage &image, const Assignment &assignment, const Patience &patience)
 {
-    Outcome outcome;
+    PageResult result;
     for (int first = 1; first <= LastAccessoryAddress;) {
         const int pageEnd = (first / FlashPageSize + 1) * FlashPageSize - 1;
         const int last = std::min(pageEnd, LastAccessoryAddress);
-        const Outcome page = ProgramPage(image, AssignmentPage(assignment, first, last), patience);
-        if (page.how() == End::GivenUp) // after the first page "nothing was written" would be untrue
-            return first == 1 ? page : Outcome(End::NoAnswer, page.at());
-        outcome.keep(page);
-        if (outcome.brokenOff() || (patience != Patience::Agreed && !outcome.ok()))
-            return outcome;
+        const PageResult page = ProgramPage(image, AssignmentPage(assignment, first, last), patience);
+        result.outcome.keep(page.outcome);
+        if (!page.ok()) // after the first page "nothing was written" would be untrue
+            result.page = first > 1 && IsUntouched(page.page) ? PageState::Unanswered : page.page;
+        if (IsUntouched(page.page) || EndsTable(result.outcome, patience))
+            return result;
         first = last + 1;
     }
-    return outcome;
+    return result;
 }

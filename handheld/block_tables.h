@@ -20,7 +20,7 @@
 // and the outcome says so. They end at once when the port is closed or lost or the program ends.
 #pragma once
 
-#include "handheld/transfer.h"
+#include "handheld/page_sequence.h"
 
 #include <functional>
 #include <vector>
@@ -57,19 +57,20 @@ using Routes = ByteTable<RouteCount * RouteSize>;
 using AccessoryList = ByteTable<PlaceCount * PlaceSize>;
 using Assignment = ByteTable<LastAccessoryAddress>;
 
-Result<Routes> ReadRouteTable(SpiImage &image);
+Result<Routes> ReadRouteTable(SpiImage &image, const Patience &patience = Patience::Agreed);
 
 /// Writes the routes in one page program, without loading the page: its other bytes are programmed from what
 /// buffer 1 holds.
-Outcome WriteRouteTable(SpiImage &image, const Routes &routes, Patience patience);
+PageResult WriteRouteTable(SpiImage &image, const Routes &routes, const Patience &patience);
 
-Result<AccessoryList> ReadAccessoryList(SpiImage &image);
+Result<AccessoryList> ReadAccessoryList(SpiImage &image, const Patience &patience = Patience::Agreed);
 
 /// Writes the accessory list in one page program, without loading the page, as the routes.
-Outcome WriteAccessoryList(SpiImage &image, const AccessoryList &list, Patience patience);
+PageResult WriteAccessoryList(SpiImage &image, const AccessoryList &list, const Patience &patience);
 
 /// Reads the assignment in 32 groups; onGroup is told the number of each (0..31) before it is read.
-Result<Assignment> ReadAssignment(SpiImage &image, const std::function<void(int)> &onGroup);
+Result<Assignment> ReadAssignment(
+    SpiImage &image, const std::function<void(int)> &onGroup, const Patience &patience = Patience::Agreed);
 
 /// Writes the assignment page by page, each loaded first, so that bytes outside the table stay.
-Outcome WriteAssignment(SpiImage &image, const Assignment &assignment, Patience patience);
+PageResult WriteAssignment(SpiImage &image, const Assignment &assignment, const Patience &patience);

@@ -1,8 +1,8 @@
 #include "handheld/discovery.h"
 
 #include "handheld/flash_map.h"
+#include "handheld/flash_read.h"
 #include "handheld/known_locos.h"
-#include "handheld/transfer.h"
 #include "link/exchange.h"
 #include "link/open_link.h"
 #include "link/text_encoding.h"
@@ -145,8 +145,8 @@ Result<HandheldInfo> ReadHandheldInfo()
     Request request = Request::toHandheld();
     request.bytes.at(10) = 0x30;
     Result<SliceBytes> answer;
-    answer.outcome = RunStep([&] {
-        answer = ExchangeForReadBack(request);
+    answer.outcome = RunStep(Patience::Agreed, [&](const Patience &manner) {
+        answer = ExchangeForReadBack(request, manner.tells);
         return answer.outcome;
     });
     if (answer.outcome.timedOut() && !BoxesAreSilent())
@@ -163,11 +163,11 @@ QString ReadHandheldText(int block, int number)
 {
     SpiImage image{};
     const int address = TextTableAddress + block * TextBlockSize + number * TextEntrySize;
-    Outcome outcome = RunStep([&] {
-        Outcome read = read_flash_to_spibuf(address, TextEntrySize);
+    Outcome outcome = RunStep(Patience::Agreed, [&](const Patience &manner) {
+        Outcome read = read_flash_to_spibuf(address, TextEntrySize, manner);
         for (const int start : {0, SliceSize}) {
             if (read.ok())
-                read = read_spibuf(image, start);
+                read = read_spibuf(image, start, manner);
         }
         return read;
     });

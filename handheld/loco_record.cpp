@@ -45,7 +45,8 @@ LocoBytes BytesAt(const SpiImage &image, int position)
 }
 
 /// Page load, buffer write, page program of a record's place.
-Outcome ProgramRecord(SpiImage &image, int locoNumber, std::vector<quint8> data, int lastSlice, Patience patience)
+PageResult ProgramRecord(
+    SpiImage &image, int locoNumber, std::vector<quint8> data, int lastSlice, const Patience &patience)
 {
     const int address = LocoRecordAddress(locoNumber);
     const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
@@ -122,13 +123,14 @@ QString FitLocoName(const QString &name)
     return name.leftJustified(NameLength, u' ', true);
 }
 
-Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
+Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber, const Patience &patience)
 {
-    Outcome outcome = RunStep([&] {
-        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize);
-        read.keep(ReadSlices(image, 0, 0));
-        if (image.at(ReadPosition) != EmptyByte)
-            read.keep(ReadSlices(image, SliceSize, LastSlice));
+    Outcome outcome = RunStep(patience, [&](const Patience &manner) {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), LocoRecordSize, manner);
+        if (!EndsStep(read, manner))
+            read.keep(ReadSlices(image, 0, 0, manner));
+        if (!EndsStep(read, manner) && image.at(ReadPosition) != EmptyByte)
+            read.keep(ReadSlices(image, SliceSize, LastSlice, manner));
         return read;
     });
     LocoRecord record = DecodeLoco(BytesAt(image, ReadPosition));
@@ -137,13 +139,13 @@ Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber)
     return {std::move(record), outcome};
 }
 
-Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience)
+PageResult WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, const Patience &patience)
 {
     const LocoBytes bytes = EncodeLoco(record, BytesAt(image, WritePosition));
-    Outcome outcome = ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
-    if (outcome.ok())
+    PageResult result = ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
+    if (result.ok())
         Note(locoNumber, IsEmptyName(record.name) ? record.name : AsStored(record.name, NameLength));
-    return outcome;
+    return result;
 }
 
 PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath)
@@ -152,20 +154,20 @@ PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &ben
     return {PageOffset(LocoRecordAddress(locoNumber)), {bytes.begin(), bytes.end()}, LastSlice, ExecuteLength};
 }
 
-Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience)
+PageResult DeleteLoco(SpiImage &image, int locoNumber, const Patience &patience)
 {
-    Outcome outcome = ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
-    if (outcome.ok())
+    PageResult result = ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
+    if (result.ok())
         NoteNoLoco(locoNumber);
-    return outcome;
+    return result;
 }
 
-Result<bool> LocoIsUsed(int locoNumber)
+Result<bool> LocoIsUsed(int locoNumber, const Patience &patience)
 {
     SpiImage image{};
-    Outcome outcome = RunStep([&] {
-        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1);
-        return read.ok() ? read_spibuf(image, 0) : read;
+    Outcome outcome = RunStep(patience, [&](const Patience &manner) {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1, manner);
+        return read.ok() ? read_spibuf(image, 0, manner) : read;
     });
     const bool used = outcome.ok() && image.at(ReadPosition) != EmptyByte;
     if (outcome.ok())
@@ -173,13 +175,13 @@ Result<bool> LocoIsUsed(int locoNumber)
     return {used, outcome};
 }
 
-Result<NeighbourUse> NeighboursUsed(int firstLoco)
+Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience)
 {
     SpiImage image{};
-    Outcome outcome = RunStep([&] {
-        Outcome read = read_flash_to_spibuf(LocoRecordAddress(firstLoco), LongestRead);
+    Outcome outcome = RunStep(patience, [&](const Patience &manner) {
+        Outcome read = read_flash_to_spibuf(LocoRecordAddress(firstLoco), LongestRead, manner);
         for (size_t i = 0; i < Neighbours && read.ok(); ++i)
-            read = read_spibuf(image, FirstByteIndex(i) / SliceSize * SliceSize);
+            read = read_spibuf(image, FirstByteIndex(i) / SliceSize * SliceSize, manner);
         return read;
     });
     NeighbourUse use{};

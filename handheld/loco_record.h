@@ -17,7 +17,7 @@
 #pragma once
 
 #include "handheld/flash_map.h"
-#include "handheld/transfer.h"
+#include "handheld/page_sequence.h"
 
 #include <QString>
 
@@ -56,25 +56,24 @@ QString ShownName(const LocoRecord &record);
 /// The name cut to 21 characters, or filled with blanks up to 21.
 QString FitLocoName(const QString &name);
 
-/// Reads a record; an empty one needs only its first slice. Goes on after a time-out ("Timeout" box), so that the
-/// value then holds what the image held.
-Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber);
+/// Reads a record; an empty one needs only its first slice. After a failure the value holds what the image held.
+Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber, const Patience &patience = Patience::Agreed);
 
 /// Writes a record; the other records of its page stay.
-Outcome WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, Patience patience);
+PageResult WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, const Patience &patience);
 
 /// The buffer write of a record, laid over `beneath`.
 PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath);
 
 /// Marks a record as empty with a single message of data. Its bytes 15 .. 63 are programmed from what the handheld's
 /// buffer held, since byte 0 alone decides.
-Outcome DeleteLoco(SpiImage &image, int locoNumber, Patience patience);
+PageResult DeleteLoco(SpiImage &image, int locoNumber, const Patience &patience);
 
 /// Asks whether a record holds a loco, with two messages.
-Result<bool> LocoIsUsed(int locoNumber);
+Result<bool> LocoIsUsed(int locoNumber, const Patience &patience = Patience::Agreed);
 
 constexpr size_t Neighbours = 3; // records whose first bytes one flash read reaches
 using NeighbourUse = std::array<bool, Neighbours>;
 
 /// Asks of three neighbours at once whether they hold a loco, with four messages.
-Result<NeighbourUse> NeighboursUsed(int firstLoco);
+Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience = Patience::Agreed);

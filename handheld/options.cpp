@@ -21,19 +21,19 @@ Result<SettingsBlock> ReadSettingsBlock(SpiImage &image)
     return read;
 }
 
-Outcome WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, Patience patience)
+PageResult WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, const Patience &patience)
 {
     // The page is not loaded first: its bytes from 128 on are programmed from what buffer 1 holds.
     const PagePart part{0, {settings.begin(), settings.end()}, LastSlice, WritePosition + SettingsSize};
     return ProgramPage(image, {SettingsAddress, false, {part}}, patience);
 }
 
-Outcome ClearSwitchOffTime(SpiImage &image)
+Outcome ClearSwitchOffTime(SpiImage &image, const std::function<bool()> &mayWrite)
 {
     Result<SettingsBlock> settings = ReadSettingsBlock(image);
-    if (settings.outcome.brokenOff())
+    if (settings.outcome.brokenOff() || (!settings.ok() && !mayWrite()))
         return settings.outcome;
     settings.value.at(SwitchOffTimeOffset) = 0;
-    settings.outcome.keep(WriteSettingsBlock(image, settings.value, Patience::Agreed));
+    settings.outcome.keep(WriteSettingsBlock(image, settings.value, Patience::Agreed).outcome);
     return settings.outcome;
 }

@@ -3,7 +3,7 @@
 // Settings: 128 bytes at 0x3F0000; offset 5 = switch-off time (0 = never). All other bytes are carried over.
 #pragma once
 
-#include "handheld/transfer.h"
+#include "handheld/page_sequence.h"
 
 constexpr int SettingsSize = 128;
 using SettingsBlock = std::array<quint8, SettingsSize>;
@@ -11,7 +11,9 @@ using SettingsBlock = std::array<quint8, SettingsSize>;
 /// Reads the 128 bytes. Goes on after a time-out; the value then holds what the image held.
 Result<SettingsBlock> ReadSettingsBlock(SpiImage &image);
 
-Outcome WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, Patience patience);
+PageResult WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, const Patience &patience);
 
-/// Sets the switch-off time to zero; the steps go on after a time-out. The caller has asked the user.
-Outcome ClearSwitchOffTime(SpiImage &image);
+/// Sets the switch-off time to zero; the steps go on after a time-out. The caller has asked the user. When the page was not
+/// read for sure, the rest of it would be overwritten with what the image held: then it is written only when `mayWrite`
+/// says so.
+Outcome ClearSwitchOffTime(SpiImage &image, const std::function<bool()> &mayWrite);

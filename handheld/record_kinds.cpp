@@ -226,23 +226,24 @@ RecordKind RecordKindOf(SymbolKind symbol, int half)
     return *found;
 }
 
-Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup)
+Result<RecordValue> ReadRecord(
+    SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup, const Patience &patience)
 {
     switch (id.kind) {
     case RecordKind::Loco:
-        return AsRecord(ReadLoco(image, id.number));
+        return AsRecord(ReadLoco(image, id.number, patience));
     case RecordKind::RouteTable:
-        return AsRecord(ReadRouteTable(image));
+        return AsRecord(ReadRouteTable(image, patience));
     case RecordKind::AssignmentTable:
-        return AsRecord(ReadAssignment(image, onGroup));
+        return AsRecord(ReadAssignment(image, onGroup, patience));
     case RecordKind::PlaceTable:
-        return AsRecord(ReadAccessoryList(image));
+        return AsRecord(ReadAccessoryList(image, patience));
     default:
-        return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind)));
+        return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind), patience));
     }
 }
 
-Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience)
+PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, const Patience &patience)
 {
     switch (id.kind) {
     case RecordKind::Loco:

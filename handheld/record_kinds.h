@@ -102,8 +102,9 @@ int HalfOf(RecordKind kind);
 RecordKind RecordKindOf(SymbolKind symbol, int half);
 
 /// Reads and writes a record of any kind. onGroup is called before each of the groups in which the assignment is read.
-Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup);
-Outcome WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, Patience patience);
+Result<RecordValue> ReadRecord(SpiImage &image, const RecordId &id, const std::function<void(int)> &onGroup,
+    const Patience &patience = Patience::Agreed);
+PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &value, const Patience &patience);
 
 // --- Records that share a page: eight loco records, or eight symbols with both halves. ---
 

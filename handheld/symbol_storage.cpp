@@ -38,16 +38,17 @@ PagePart StartImageChunk(const Picture &picture, int offset)
 
 } // namespace
 
-Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half)
+Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half, const Patience &patience)
 {
     const PictureGeometry geometry = GeometryOf(kind);
-    Outcome outcome = ReadFlash(image, SlotOf(kind, n, half).address, FlashBytesOf(geometry));
+    Outcome outcome = ReadFlash(image, SlotOf(kind, n, half).address, FlashBytesOf(geometry), patience);
     MoveToWritePosition(image, BackupBytesOf(kind) - 1);
     const auto first = image.begin() + WritePosition;
     return {{geometry, {first, first + BackupBytesOf(kind)}}, outcome};
 }
 
-Outcome WritePicture(SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, Patience patience)
+PageResult WritePicture(
+    SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, const Patience &patience)
 {
     const Slot slot = SlotOf(kind, n, half);
     return ProgramPage(image, {slot.address, slot.loadFirst, {PicturePart(kind, n, half, picture)}}, patience);
@@ -65,20 +66,20 @@ PagePart PicturePart(SymbolKind kind, int n, int half, const Picture &picture)
     return {PageOffset(slot.address), picture.bytes, slot.lastSlice, WritePosition + FlashBytesOf(picture.geometry)};
 }
 
-Result<Picture> ReadStartPicture(SpiImage &image)
+Result<Picture> ReadStartPicture(SpiImage &image, const Patience &patience)
 {
     Result<Picture> read{{StartImageGeometry, {}}, {}};
     const int bytes = FlashBytesOf(StartImageGeometry);
-    for (int offset = 0; offset < bytes; offset += ChunkSize) {
+    for (int offset = 0; offset < bytes && !EndsStep(read.outcome, patience); offset += ChunkSize) {
         const int size = std::min(ChunkSize, bytes - offset);
-        read.outcome.keep(ReadFlash(image, StartImageAddress + offset, size));
+        read.outcome.keep(ReadFlash(image, StartImageAddress + offset, size, patience));
         const auto first = image.begin() + ReadPosition;
         read.value.bytes.insert(read.value.bytes.end(), first, first + size);
     }
     return read;
 }
 
-Outcome WriteStartPicture(SpiImage &image, const Picture &picture, Patience patience)
+PageResult WriteStartPicture(SpiImage &image, const Picture &picture, const Patience &patience)
 {
     PageWrite page{StartImageAddress, true, {}};
     for (int offset = 0; offset < FlashBytesOf(StartImageGeometry); offset += ChunkSize)

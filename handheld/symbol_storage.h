@@ -10,8 +10,8 @@
 // it there is programmed with a loco symbol. Reads go on after a time-out (each shows its "Timeout" box).
 #pragma once
 
+#include "handheld/page_sequence.h"
 #include "handheld/picture.h"
-#include "handheld/transfer.h"
 
 /// Which half of a pair is which, in the handheld: the index of the option buttons too.
 constexpr int HalfOn = 0;  // function symbol ON, accessory symbol green
@@ -21,14 +21,16 @@ constexpr int LokSymbolCount = 64;
 constexpr int PairCount = 256;
 
 /// The picture of a symbol with the bytes that a backup carries; half is ignored for loco symbols.
-Result<Picture> ReadPicture(SpiImage &image, SymbolKind kind, int n, int half);
+Result<Picture> ReadPicture(
+    SpiImage &image, SymbolKind kind, int n, int half, const Patience &patience = Patience::Agreed);
 
 /// Writes a picture and what it carries behind itself.
-Outcome WritePicture(SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, Patience patience);
+PageResult WritePicture(
+    SpiImage &image, SymbolKind kind, int n, int half, const Picture &picture, const Patience &patience);
 
 /// The first flash byte of a symbol, and the buffer write of a picture.
 int PictureAddress(SymbolKind kind, int n, int half);
 PagePart PicturePart(SymbolKind kind, int n, int half, const Picture &picture);
 
-Result<Picture> ReadStartPicture(SpiImage &image);
-Outcome WriteStartPicture(SpiImage &image, const Picture &picture, Patience patience);
+Result<Picture> ReadStartPicture(SpiImage &image, const Patience &patience = Patience::Agreed);
+PageResult WriteStartPicture(SpiImage &image, const Picture &picture, const Patience &patience);

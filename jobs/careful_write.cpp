@@ -21,7 +21,7 @@ Plan ReadingPlan(const std::vector<RecordId> &ids)
 {
     Plan plan{.steps = {},
         .progress = [](const Step &step) -> QString { return QStringLiteral("Lese ") + RecordName(step.id); },
-        .patience = Patience::Agreed,
+        .patience = Patience::Quiet,
         .endsAtFailure = false,
         .ownerTellsPortLoss = true};
     for (const RecordId &id : ids)
@@ -221,8 +221,9 @@ private:
             journal->pageBegins(page);
         if (!journalSound())
             return false;
-        const Outcome outcome = programSurely(group);
-        if (outcome.ok() || outcome.how() == End::Differs) {
+        const PageResult result = programSurely(group);
+        const Outcome &outcome = result.outcome;
+        if (result.ok() || result.page == PageState::Differs) {
             noteInJournal(group, page);
             if (TransferBrokenOff() && !IsSettled(report))
                 report.end = WhyJobBrokeOff();
@@ -232,23 +233,23 @@ private:
         return false;
     }
 
-    Outcome programSurely(const Group &group)
+    PageResult programSurely(const Group &group)
     {
-        Outcome outcome;
+        PageResult result;
         for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
-            outcome = program(group);
-            if (repeat > 0 && outcome.how() == End::GivenUp)
-                outcome = Outcome(End::NoAnswer, outcome.at()); // it was programmed before
-            note(group, outcome);
-            if (!outcome.ok() || !wish.verify || !readBackDiffers(group))
+            result = program(group);
+            if (repeat > 0 && IsUntouched(result.page))
+                result.page = PageState::Differs; // it was programmed before, and did not read back as it should
+            note(group, result);
+            if (!result.ok() || !wish.verify || !readBackDiffers(group))
                 break;
         }
-        return outcome;
+        return result;
     }
 
-    Outcome program(const Group &group)
+    PageResult program(const Group &group)
     {
-        const Patience patience = wish.verify ? Patience::Verified : Patience::Job;
+        const Patience patience = wish.verify ? Patience::Verified : Patience::Quiet;
         SpiImage image{};
         image.fill(EmptyByte); // bytes that nobody lays
         const RecordChange &first = group.front();
@@ -260,17 +261,12 @@ private:
         return ProgramPage(image, page, patience);
     }
 
-    void note(const Group &group, const Outcome &outcome)
+    void note(const Group &group, const PageResult &result)
     {
         for (const RecordChange &change : group) {
             JobEntry &entry = entryOf(change.id);
-            entry.outcome = outcome;
-            if (outcome.ok())
-                entry.state = RecordState::Done;
-            else if (outcome.how() == End::Differs)
-                entry.state = RecordState::Differs;
-            else
-                entry.state = outcome.how() == End::GivenUp ? RecordState::Untouched : RecordState::Doubtful;
+            entry.outcome = result.outcome;
+            entry.state = StateOf(result.page);
         }
     }
 
@@ -280,9 +276,11 @@ private:
         bool differs = false;
         for (const RecordChange &change : group) {
             SpiImage image{};
-            auto read = ReadRecord(image, change.id, [](int) {});
+            auto read = ReadRecord(
+                image, change.id, [](int) {}, Patience::Quiet);
             for (int repeat = 1; repeat < MostReads && read.outcome.timedOut() && !TransferBrokenOff(); ++repeat)
-                read = ReadRecord(image, change.id, [](int) {});
+                read = ReadRecord(
+                    image, change.id, [](int) {}, Patience::Quiet);
             JobEntry &entry = entryOf(change.id);
             if (!read.ok()) {
                 entry.state = RecordState::Doubtful;
@@ -347,7 +345,6 @@ Look LookAt(const std::vector<Step> &steps)
         once.push_back(steps.at(i));
     }
     const StoppableJob stoppable;
-    const SilentTransfers silent;
     const Report read = ReadSurely(ids);
     return {read.end, ChangesOf(once, read)};
 }
@@ -356,7 +353,6 @@ Report WriteCarefully(
     const std::vector<RecordChange> &changes, const CarefulWish &wish, Journal *journal, const EarlierWork &earlier)
 {
     const StoppableJob stoppable; // one for reading and writing: a stop between them counts
-    const SilentTransfers silent;
     return Writer(changes, wish, journal, earlier).run();
 }
 

@@ -28,7 +28,7 @@ struct Step {
 struct Plan {
     std::vector<Step> steps;
     std::function<QString(const Step &)> progress; // the line that is shown while a step runs
-    Patience patience = Patience::Job;             // see handheld/transfer.h
+    Patience patience = Patience::Job;             // see handheld/chip_commands.h
     bool endsAtFailure = false;                    // also where the patience would go on
     bool ownerTellsPortLoss = false;               // the owner shows a report; the port itself is then silent
 };

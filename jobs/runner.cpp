@@ -7,6 +7,7 @@
 #include "program/run_control.h"
 
 #include <algorithm>
+#include <deque>
 
 namespace
 {
@@ -26,9 +27,9 @@ RecordState StateOfRead(const RecordValue &value, const Outcome &outcome, const 
     return reallyEmpty ? RecordState::Empty : RecordState::Doubtful;
 }
 
-void Read(SpiImage &image, JobEntry &entry)
+void Read(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
-    Result<RecordValue> read = ReadRecord(image, entry.step.id, ShowGroup);
+    Result<RecordValue> read = ReadRecord(image, entry.step.id, ShowGroup, patience);
     entry.state = StateOfRead(read.value, read.outcome, image);
     entry.outcome = read.outcome;
     entry.value = std::move(read.value);
@@ -38,23 +39,19 @@ void Read(SpiImage &image, JobEntry &entry)
     }
 }
 
-RecordState StateOfWrite(const Outcome &outcome)
+void Note(JobEntry &entry, const PageResult &written)
 {
-    if (outcome.how() == End::GivenUp)
-        return RecordState::Untouched;
-    if (outcome.how() == End::Differs)
-        return RecordState::Differs;
-    return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
+    entry.outcome = written.outcome;
+    entry.state = StateOf(written.page);
 }
 
 /// Bytes that the value does not give are sent as the image holds them.
-void WriteInto(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
+void WriteInto(SpiImage &image, JobEntry &entry, const RecordValue &value, const Patience &patience)
 {
-    entry.outcome = WriteRecord(image, entry.step.id, value, patience);
-    entry.state = StateOfWrite(entry.outcome);
+    Note(entry, WriteRecord(image, entry.step.id, value, patience));
 }
 
-void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience patience)
+void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, const Patience &patience)
 {
     image.fill(EmptyByte); // bytes that nobody lays would otherwise be those of the record before
     WriteInto(image, entry, value, patience);
@@ -62,11 +59,11 @@ void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, Patience 
 
 /// Only locos are merged. What cannot be read or understood is not changed; an empty record has nothing to merge with
 /// and is left alone or filled. Bytes of the record that this program does not know stay as they are.
-void Merge(SpiImage &image, JobEntry &entry, Patience patience)
+void Merge(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
-    Read(image, entry);
-    if (entry.outcome.timedOut() && patience == Patience::Job)
-        Read(image, entry); // as a job tries a page once more
+    Read(image, entry, patience);
+    if (entry.outcome.timedOut() && patience.sequences > 1)
+        Read(image, entry, patience); // as a job tries a page once more
     if (entry.state == RecordState::Doubtful && !entry.outcome.ok())
         entry.state = RecordState::Untouched; // nothing is written
     if (entry.state == RecordState::Empty && entry.step.fillsEmpty)
@@ -77,9 +74,9 @@ void Merge(SpiImage &image, JobEntry &entry, Patience patience)
     WriteInto(image, entry, entry.step.merge(*entry.value), patience);
 }
 
-void AskUse(JobEntry &entry)
+void AskUse(JobEntry &entry, const Patience &patience)
 {
-    const Result<bool> used = LocoIsUsed(entry.step.id.number);
+    const Result<bool> used = LocoIsUsed(entry.step.id.number, patience);
     entry.outcome = used.outcome;
     if (!used.ok())
         entry.state = RecordState::Doubtful;
@@ -115,22 +112,20 @@ bool KnownFromNeighbours(KnownUse &known, JobEntry &entry, bool neighbourFollows
     return true;
 }
 
-void CarryOut(SpiImage &image, JobEntry &entry, Patience patience)
+void CarryOut(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
     switch (entry.step.kind) {
     case StepKind::Read:
     case StepKind::Search:
-        return Read(image, entry);
+        return Read(image, entry, patience);
     case StepKind::IsUsed:
-        return AskUse(entry);
+        return AskUse(entry, patience);
     case StepKind::Write:
         return Write(image, entry, entry.step.value, patience);
     case StepKind::Merge:
         return Merge(image, entry, patience);
     case StepKind::Delete:
-        entry.outcome = DeleteLoco(image, entry.step.id.number, patience);
-        entry.state = StateOfWrite(entry.outcome);
-        return;
+        return Note(entry, DeleteLoco(image, entry.step.id.number, patience));
     }
     Q_UNREACHABLE();
 }
@@ -151,22 +146,41 @@ bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
     if (outcome.ok())
         return false;
     const bool writes = step.kind != StepKind::Read && !IsLook(step);
-    return plan.endsAtFailure || (writes && plan.patience != Patience::Agreed && outcome.timedOut());
+    return plan.endsAtFailure || (writes && !plan.patience.goesOn && outcome.timedOut());
 }
 
 } // namespace
+
+RecordState StateOf(PageState page)
+{
+    switch (page) {
+    case PageState::Programmed:
+        return RecordState::Done;
+    case PageState::NotLoaded:
+    case PageState::NotWritten:
+    case PageState::BrokenOff:
+        return RecordState::Untouched;
+    case PageState::Differs:
+        return RecordState::Differs;
+    case PageState::Unanswered:
+        break;
+    }
+    return RecordState::Doubtful;
+}
 
 JobEnd WhyJobBrokeOff()
 {
     if (BoxesAreSilent())
         return JobEnd::ProgramEnds;
+    if (TheMessages().secondHandheld())
+        return JobEnd::NoAnswer;
     return Comm().isOpen() ? JobEnd::Stopped : JobEnd::PortLost;
 }
 
 bool JobGoesOn()
 {
     LetEventsRun();
-    return !StoppableJob::stopRequested() && Comm().isOpen();
+    return !StoppableJob::stopRequested() && Comm().isOpen() && !TheMessages().secondHandheld();
 }
 
 void ShowJobAmount(size_t done, size_t all, double start)
@@ -178,6 +192,69 @@ void ShowJobAmount(size_t done, size_t all, double start)
     TheAsk().showAmount({done, all, left});
 }
 
+namespace
+{
+
+/// Entries become known only when no second answer can follow theirs any more: a second handheld's answer to the record
+/// before may have been taken for one of theirs.
+class SureEntries
+{
+public:
+    SureEntries(Report &whole, const Watcher &seen) : report(whole), watcher(seen) { }
+
+    void add(size_t index) { waiting.push_back({index, NowSeconds()}); }
+
+    /// Hands on what is old enough. False when two handhelds answer: what is not is doubtful then.
+    bool settle(double seconds)
+    {
+        const bool sure = !TheMessages().secondHandheld();
+        while (!waiting.empty() && (!sure || SecondsSince(waiting.front().finished) >= seconds)) {
+            JobEntry &entry = report.entries.at(waiting.front().index);
+            const bool before = TheMessages().secondHandheldSince() - waiting.front().finished >= SureSeconds;
+            waiting.pop_front();
+            if (!sure && !before && entry.state != RecordState::Untouched) {
+                entry.state = RecordState::Doubtful;
+                entry.outcome = Outcome(End::SecondHandheld);
+            }
+            if (watcher.finished)
+                watcher.finished(entry);
+        }
+        return sure;
+    }
+
+    /// At the end of the job it is listened for the last ones.
+    bool settleAll()
+    {
+        if (!waiting.empty() && !TransferBrokenOff())
+            static_cast<void>(OnlyOneAnswers(ListenSeconds));
+        return settle(0);
+    }
+
+    static constexpr double SureSeconds = 0.5;
+
+private:
+    static constexpr double ListenSeconds = 0.2;
+    struct Waiting {
+        size_t index;
+        double finished;
+    };
+    Report &report;
+    const Watcher &watcher;
+    std::deque<Waiting> waiting;
+};
+
+/// What a job has to tell while it runs.
+void ShowStep(const Plan &plan, const Watcher &watcher, size_t index, double start)
+{
+    const Step &step = plan.steps.at(index);
+    TheAsk().showProgress(plan.progress(step));
+    ShowJobAmount(index, plan.steps.size(), start);
+    if (watcher.begins)
+        watcher.begins(step, index, plan.steps.size());
+}
+
+} // namespace
+
 Report RunJob(const Plan &plan, const Watcher &watcher)
 {
     const StoppableJob stoppable;
@@ -185,6 +262,8 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     if (plan.ownerTellsPortLoss)
         teller.emplace();
     Report report;
+    report.entries.reserve(plan.steps.size());
+    SureEntries sure(report, watcher);
     SpiImage image{};
     KnownUse known;
     const double start = NowSeconds();
@@ -192,21 +271,19 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     for (const Step &step : plan.steps) {
         const size_t index = report.entries.size();
         JobEntry &entry = report.entries.emplace_back(JobEntry{step, RecordState::Untouched, {}, {}, {}});
-        brokenOff = brokenOff || !JobGoesOn() || (watcher.mayGoOn && !watcher.mayGoOn());
+        brokenOff = brokenOff || !JobGoesOn() || !sure.settle(SureEntries::SureSeconds)
+            || (watcher.mayGoOn && !watcher.mayGoOn());
         if (brokenOff)
             continue; // untouched
-        TheAsk().showProgress(plan.progress(step));
-        ShowJobAmount(index, plan.steps.size(), start);
-        if (watcher.begins)
-            watcher.begins(step, index, plan.steps.size());
+        ShowStep(plan, watcher, index, start);
         if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
             CarryOut(image, entry, plan.patience);
-        if (watcher.finished)
-            watcher.finished(entry);
+        sure.add(index);
         brokenOff = entry.outcome.brokenOff() || EndsJob(plan, step, entry.outcome);
         if (brokenOff && !entry.outcome.brokenOff() && !StoppableJob::stopRequested())
             report.end = JobEnd::NoAnswer;
     }
+    brokenOff = !sure.settleAll() || brokenOff;
     TheAsk().hideProgress(); // questions and reports stand alone
     if (brokenOff && report.end == JobEnd::Complete)
         report.end = WhyJobBrokeOff();

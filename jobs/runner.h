@@ -33,7 +33,7 @@ struct Report {
 /// Sees the job from outside. Every part may be empty.
 struct Watcher {
     std::function<void(const Step &, size_t index, size_t count)> begins;
-    std::function<void(const JobEntry &)> finished; // at once, so that a journal loses nothing
+    std::function<void(const JobEntry &)> finished; // as soon as it is sure, half a second later: for a journal
     std::function<bool()> mayGoOn;                  // asked before each step; false stops the job
 };
 
@@ -45,6 +45,9 @@ struct Watcher {
 [[nodiscard]] Report RunJob(const Plan &plan, const Watcher &watcher = {});
 
 // --- Parts that every runner of a job needs. ---
+
+/// What became of a record whose page was written.
+RecordState StateOf(PageState page);
 
 /// Asked between two records: lets events run, and says whether the job goes on.
 bool JobGoesOn();

@@ -13,7 +13,6 @@ enum class End {
     Damaged,        // an answer came, but its checksum is wrong: what it brought is doubtful
     Refused,        // the device answered with another code than the one for "done"
     Differs,        // a page was programmed, and the chip says that it does not hold what it should
-    GivenUp,        // ended before a page was programmed from a doubtful buffer: the flash is as it was
     NotOpened,      // the port or its interface could not be opened
     SecondHandheld, // answers came that only a second handheld can have given: none is believed any more
     PortLost,       // the port is closed or was lost
@@ -39,10 +38,7 @@ public:
     }
 
     /// True when the device stayed silent or could not be reached in time; the next command may work again.
-    [[nodiscard]] bool timedOut() const
-    {
-        return end == End::NoAnswer || end == End::NotSent || end == End::Refused || end == End::GivenUp;
-    }
+    [[nodiscard]] bool timedOut() const { return end == End::NoAnswer || end == End::NotSent || end == End::Refused; }
 
     /// For those who go on after a failure: the first one counts, a broken-off step counts more than a time-out.
     void keep(const Outcome &next);

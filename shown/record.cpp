@@ -25,7 +25,7 @@ Outcome ReadLocoRecord(int locoNumber)
 
 Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 {
-    return WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed);
+    return WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed).outcome;
 }
 
 void ResetShownRecord()

@@ -42,17 +42,17 @@ Outcome ReadMagZuordnung()
 
 Outcome WriteRoutes(const Routes &routes)
 {
-    return WriteRouteTable(SpiBuf, routes, Patience::Agreed);
+    return WriteRouteTable(SpiBuf, routes, Patience::Agreed).outcome;
 }
 
 Outcome WriteMagListe(const AccessoryList &list)
 {
-    return WriteAccessoryList(SpiBuf, list, Patience::Agreed);
+    return WriteAccessoryList(SpiBuf, list, Patience::Agreed).outcome;
 }
 
 Outcome WriteMagZuordnung(const Assignment &assignment)
 {
-    return WriteAssignment(SpiBuf, assignment, Patience::Agreed);
+    return WriteAssignment(SpiBuf, assignment, Patience::Agreed).outcome;
 }
 
 void ResetShownTables()

@@ -35,7 +35,10 @@ struct Faults {
     Fault foreignBeforeEcho; // foreign messages come before the echo
     Fault foreignAfterEcho;  // foreign messages come between the echo and the answer
     int foreignCount = 3;
-    Fault hangUp; // the interface vanishes when this message is written
+    Fault foreignPeerBefore;      // a 31-byte 0xE5 message of another device comes before the echo
+    Fault foreignPeerAfter;       // the same between the echo and the answer
+    bool foreignPeerSound = true; // its checksum is right
+    Fault hangUp;                 // the interface vanishes when this message is written
 
     // Occasion: a request that reaches the handheld. It does not hear it, and so does not answer.
     Fault missedRequest;
@@ -44,6 +47,12 @@ struct Faults {
     Fault lostAck;
     Fault otherAck; // it carries otherAckCode instead of the usual code
     quint8 otherAckCode = 0x00;
+
+    // Occasion: an acknowledge or answer of the handheld.
+    Fault doubledAnswer; // it comes once more, doubledUs later
+    qint64 doubledUs = 20'000;
+    Fault lateAnswer; // it comes lateAnswerUs later than it should
+    qint64 lateAnswerUs = 3'000'000;
 
     // Occasion: a page program of the dataflash. The page is left half programmed, the handheld is dead afterwards.
     Fault powerCut;

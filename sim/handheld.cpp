@@ -84,7 +84,19 @@ std::vector<BusAnswer> Handheld::receive(const Bytes &message, qint64 timeUs)
     }
     if (box.strikes(box.faults.missedRequest))
         return {};
-    return handle(message, timeUs);
+    return disturbed(handle(message, timeUs));
+}
+
+std::vector<BusAnswer> Handheld::disturbed(std::vector<BusAnswer> answers) const
+{
+    if (answers.empty())
+        return answers;
+    const BusAnswer first = answers.front();
+    if (box.strikes(box.faults.lateAnswer))
+        answers.front().delayUs += box.faults.lateAnswerUs;
+    if (box.strikes(box.faults.doubledAnswer))
+        answers.push_back({first.bytes, first.delayUs + box.faults.doubledUs});
+    return answers;
 }
 
 std::vector<BusAnswer> Handheld::handle(const Bytes &message, qint64 timeUs)

@@ -59,6 +59,7 @@ private:
     std::vector<BusAnswer> acknowledge(qint64 workUs);
     std::vector<BusAnswer> answer(std::span<const quint8> data) const;
     [[nodiscard]] Bytes identification() const;
+    [[nodiscard]] std::vector<BusAnswer> disturbed(std::vector<BusAnswer> answers) const;
 
     FaultBox &box;
     bool powered = true;

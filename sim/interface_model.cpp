@@ -171,6 +171,8 @@ void InterfaceModel::pcMessage(const Bytes &message, qint64 timeUs)
     }
     if (box.strikes(box.faults.foreignBeforeEcho))
         foreignBurst(timeUs);
+    if (box.strikes(box.faults.foreignPeerBefore))
+        foreignPeer(timeUs);
     bus.transmit(message, Sender::Pc, timeUs);
 }
 
@@ -179,6 +181,18 @@ void InterfaceModel::foreignBurst(qint64 fromUs)
     for (int i = 0; i < box.faults.foreignCount; ++i)
         bus.transmit(
             WithChecksum(ForeignMessages.at(static_cast<std::size_t>(box.number(3)))), Sender::Foreign, fromUs);
+}
+
+/// A station that answers somebody else.
+void InterfaceModel::foreignPeer(qint64 fromUs)
+{
+    constexpr std::size_t length = 31;
+    Bytes message(length - 1, 0x11);
+    const Bytes head{0xE5, length, 0x01, 0x50, 0x43};
+    std::ranges::copy(head, message.begin());
+    message = WithChecksum(message);
+    message.back() ^= box.faults.foreignPeerSound ? 0 : 0x0F;
+    bus.transmit(message, Sender::Foreign, fromUs);
 }
 
 void InterfaceModel::hear(const BusMessage &message)
@@ -193,6 +207,8 @@ void InterfaceModel::hearEcho(BusMessage message)
 {
     if (box.strikes(box.faults.foreignAfterEcho))
         foreignBurst(message.endUs());
+    if (box.strikes(box.faults.foreignPeerAfter))
+        foreignPeer(message.endUs());
     const bool torn = box.strikes(box.faults.tornEcho);
     const bool changed = box.strikes(box.faults.changedEcho);
     if (box.strikes(box.faults.lostEcho))

@@ -78,6 +78,7 @@ private:
     void takeMessageByte(quint8 byte, qint64 timeUs);
     void pcMessage(const Bytes &message, qint64 timeUs);
     void foreignBurst(qint64 fromUs);
+    void foreignPeer(qint64 fromUs);
     void hear(const BusMessage &message);
     void hearEcho(BusMessage message);
     void forward(const BusMessage &message, qint64 tearUs);

@@ -11,6 +11,22 @@ Layout::Layout(Events &clock) : events(clock)
     bus.attach(station);
 }
 
+Handheld &Layout::plugSecond()
+{
+    if (!second) {
+        second = std::make_unique<Handheld>(noFaults);
+        bus.attach(*second);
+    }
+    second->settings.present = true;
+    return *second;
+}
+
+void Layout::unplugSecond()
+{
+    if (second)
+        second->settings.present = false;
+}
+
 void Layout::fromPc(const Bytes &bytes)
 {
     adapter.fromPc(bytes, events.monotonicUs());

@@ -26,6 +26,10 @@ public:
     Layout(const Layout &) = delete;
     Layout &operator=(const Layout &) = delete;
 
+    /// Connects a second handheld, which hears and answers all that the first one does; it has no faults of its own.
+    Handheld &plugSecond();
+    void unplugSecond();
+
     /// The PC writes bytes into the cable.
     void fromPc(const Bytes &bytes);
     void setBreak(bool on);
@@ -49,6 +53,8 @@ private:
     void arm();
 
     Events &events;
+    FaultBox noFaults;
+    std::unique_ptr<Handheld> second;
     std::set<qint64> armed; // due times with a call outstanding; one, unless something earlier came up
     std::shared_ptr<int> alive = std::make_shared<int>(0); // outstanding calls find out that the layout is gone
 };

@@ -60,7 +60,10 @@ void AskAndClearSwitchOffTime()
     if (!command.confirmed(question, true))
         return;
     const Progress progress(QStringLiteral("Abschaltzeit ändern"));
-    if (!ClearSwitchOffTime(SpiBuf).brokenOff())
+    const auto mayWrite = [&command] {
+        return command.mayWriteDoubtful(QStringLiteral("die Seite mit den Einstellungen"));
+    };
+    if (!ClearSwitchOffTime(SpiBuf, mayWrite).brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
 

@@ -39,6 +39,9 @@ const std::array FaultOptions{
     FaultOption{"miss-request", &Faults::missedRequest, "Handregler überhört eine Anforderung."},
     FaultOption{"lose-ack", &Faults::lostAck, "Quittung verlieren."},
     FaultOption{"other-ack", &Faults::otherAck, "Quittung mit Code 0."},
+    FaultOption{"double-answer", &Faults::doubledAnswer, "Antwort des Handreglers kommt zweimal."},
+    FaultOption{"late-answer", &Faults::lateAnswer, "Antwort des Handreglers kommt 3 s zu spät."},
+    FaultOption{"foreign-answer", &Faults::foreignPeerAfter, "Antwort eines fremden Geräts vor der eigenen."},
     FaultOption{"skip-program", &Faults::skippedProgram, "Seite quittieren und nicht programmieren."},
     FaultOption{"power-cut", &Faults::powerCut, "Stromausfall beim Programmieren einer Seite."},
 };
@@ -60,6 +63,7 @@ const std::array Options{
     Option{"ack-code", "Code aller Quittungen, hexadezimal.", "Code", "7F"},
     Option{"seed", "Startwert der Zufallsfehler.", "Zahl", "1"},
     Option{"no-station", "Keine Zentrale am Bus.", nullptr, ""},
+    Option{"second", "Ein zweiter Handregler antwortet auf alles.", nullptr, ""},
     Option{"help", "Diese Hilfe anzeigen.", nullptr, ""},
     Option{"version", "Version des Programms.", nullptr, ""},
     Option{"log", "Alle Meldungen auf dem Bus ausgeben.", nullptr, ""},
@@ -127,6 +131,8 @@ bool SetUp(sim::Layout &layout, const QCommandLineParser &parser)
     layout.station.locos = sim::DemoStationLocos();
     layout.faults.set(ParseFaults(parser));
     sim::FillDemoContent(layout.handheld.flash);
+    if (parser.isSet(QStringLiteral("second")))
+        layout.plugSecond();
     const QString image = parser.value(QStringLiteral("flash"));
     return image.isEmpty() || layout.handheld.flash.keepIn(image);
 }

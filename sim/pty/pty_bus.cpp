@@ -93,7 +93,7 @@ void PtyBus::logMessages()
 
 QString PtyBus::commandHelp()
 {
-    return QStringLiteral("hangup, replug, away, back, dump ADRESSE ANZAHL, stats, foreign HEX, quit");
+    return QStringLiteral("hangup, replug, away, back, second, alone, dump ADRESSE ANZAHL, stats, foreign HEX, quit");
 }
 
 bool PtyBus::runCommand(const QString &line)
@@ -116,6 +116,10 @@ bool PtyBus::runCommand(const QString &line)
         model.handheld.settings.present = false;
     else if (command == QLatin1String("back"))
         model.handheld.settings.present = true;
+    else if (command == QLatin1String("second"))
+        model.plugSecond();
+    else if (command == QLatin1String("alone"))
+        model.unplugSecond();
     else if (!command.isEmpty())
         Print(QStringLiteral("Befehle: ") + commandHelp());
     return true;

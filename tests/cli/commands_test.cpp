@@ -199,7 +199,7 @@ TEST_F(Terminal, ExitStatusSaysHowItEnded)
     handheld().settings.present = false;
     EXPECT_EQ(run(QStringLiteral("lesen 3")), Exit::NoHandheld);
     handheld().settings.present = true;
-    events.after(3'000'000, [] { TakeInterrupt(); });
+    events.after(9'000'000, [] { TakeInterrupt(); });
     EXPECT_EQ(run(QStringLiteral("lesen 1-99 --json")), Exit::Stopped);
     EXPECT_LT(QJsonDocument::fromJson(out).array().size(), 20);
     EXPECT_TRUE(messages.contains(QStringLiteral("Nicht gelesen")));

@@ -63,14 +63,15 @@ protected:
         const auto agreed = Patience::Agreed;
         const auto quiet = [](int) {};
         return {Block{"routes", [this] { return AsVector(ReadRouteTable(image)); },
-                    [=, this](const auto &v) { return WriteRouteTable(image, AsTable<Routes>(v), agreed); }, 0x3F0204,
-                    320, 0, 4, 1},
+                    [=, this](const auto &v) { return WriteRouteTable(image, AsTable<Routes>(v), agreed).outcome; },
+                    0x3F0204, 320, 0, 4, 1},
             Block{"list", [this] { return AsVector(ReadAccessoryList(image)); },
-                [=, this](const auto &v) { return WriteAccessoryList(image, AsTable<AccessoryList>(v), agreed); },
+                [=, this](
+                    const auto &v) { return WriteAccessoryList(image, AsTable<AccessoryList>(v), agreed).outcome; },
                 0x3F0808, 256, 0, 4, 1},
             Block{"assignment", [=, this] { return AsVector(ReadAssignment(image, quiet)); },
-                [=, this](const auto &v) { return WriteAssignment(image, AsTable<Assignment>(v), agreed); }, 0x0E0001,
-                2048, 5, 33, 5}};
+                [=, this](const auto &v) { return WriteAssignment(image, AsTable<Assignment>(v), agreed).outcome; },
+                0x0E0001, 2048, 5, 33, 5}};
     }
 
     SpiImage image{};
@@ -141,7 +142,7 @@ TEST_F(BlockTables, TheProgramsEndFinishesTheStartedPageOnly)
     for (const double seconds : {0.5, 3.8, 7.1, 13.7}) {
         flash().setBytes(MagZuordAddress, QByteArray(AssignmentBytes, '\x01'));
         events.after(static_cast<qint64>(seconds * 1e6), RequestEnd);
-        EXPECT_EQ(WriteAssignment(image, twos, Patience::Agreed).how(), End::ProgramEnds);
+        EXPECT_EQ(WriteAssignment(image, twos, Patience::Agreed).outcome.how(), End::ProgramEnds);
         EXPECT_EQ(flash().state.programmingPage, MagZuordAddress / FlashPageSize + executed(0x83) - 1);
         EXPECT_EQ(flashBytes(MagZuordAddress, AssignmentBytes).count('\x02'), executed(0x83) * 512 - 1);
         EXPECT_EQ(executed(0x53), executed(0x83));
@@ -168,10 +169,10 @@ TEST_F(BlockTables, AnAssignmentEndsAtAPageThatIsNotLoaded)
         user.expect(QStringLiteral("Der Handregler hat die Speicherseite nicht geladen.\r"
                                    "Damit die Nachbarn unversehrt bleiben, wurde sie nicht geschrieben."),
             QStringLiteral("Fehler!"));
-        const End how = WriteAssignment(image, twos, Patience::Agreed).how();
+        const PageState how = WriteAssignment(image, twos, Patience::Agreed).page;
         layout().bus.onEnd = nullptr;
         layout().faults.set({});
-        EXPECT_EQ(how, goodPages == 0 ? End::GivenUp : End::NoAnswer);
+        EXPECT_EQ(how, goodPages == 0 ? PageState::NotLoaded : PageState::Unanswered);
         EXPECT_EQ(executed(0x83), goodPages);
         EXPECT_EQ(flashBytes(MagZuordAddress, AssignmentBytes).count('\xA5'), 0);
         flash().state.executed = {};

@@ -1,4 +1,4 @@
-#include "handheld/transfer.h"
+#include "handheld/page_sequence.h"
 
 #include "link/open_link.h"
 #include "program/run_control.h"

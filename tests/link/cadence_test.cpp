@@ -25,7 +25,7 @@ protected:
     static Outcome writeLoco()
     {
         SpiImage image{};
-        return WriteLoco(image, 9, {FitLocoName(QStringLiteral("LOK")), {}, {}, 0, 3}, Patience::Agreed);
+        return WriteLoco(image, 9, {FitLocoName(QStringLiteral("LOK")), {}, {}, 0, 3}, Patience::Agreed).outcome;
     }
 };
 

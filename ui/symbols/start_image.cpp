@@ -41,6 +41,6 @@ void EditStartImage()
         return;
     const Progress progress(QStringLiteral("Schreibe Startbild"));
     LaySizeBytes(picture);
-    if (!WriteStartPicture(SpiBuf, picture, Patience::Agreed).brokenOff())
+    if (!WriteStartPicture(SpiBuf, picture, Patience::Agreed).outcome.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }

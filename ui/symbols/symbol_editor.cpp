@@ -344,7 +344,7 @@ void SymbolEditor::writeSymbol()
     if (!saveToCatalogue(shown, description))
         return;
     const Outcome written =
-        WritePicture(SpiBuf, look.kind, shown.number, shown.half, shown.picture, Patience::Agreed);
+        WritePicture(SpiBuf, look.kind, shown.number, shown.half, shown.picture, Patience::Agreed).outcome;
     if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
