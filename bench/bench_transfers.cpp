@@ -38,7 +38,7 @@ std::function<void()> Writing(const RecordId &id, const RecordValue &value)
 
 std::vector<Kind> Kinds()
 {
-    constexpr auto agreed = Patience::Agreed;
+    static constexpr Patience agreed = Patience::Agreed;
     const Picture start{StartImageGeometry, std::vector<quint8>(262, 0)};
     return {{"handheld search", [] { static_cast<void>(FindHandheld()); }},
         {"read loco record", Reading({RecordKind::Loco, 3})},

@@ -74,11 +74,7 @@ Exit Run(const Call &call)
         call, wanted->fileName, verb == u"schreiben", EmptyPicture(symbol),
         [&] { return ReadPicture(image, symbol, id.number, HalfOf(id.kind)); },
         [&](const Picture &picture) {
-<<<<<<< HEAD
-            return WritePicture(image, wanted->kind, wanted->number, wanted->half, picture, Patience::Job).outcome;
-=======
-            return WritePicture(image, symbol, id.number, HalfOf(id.kind), picture, Patience::Job);
->>>>>>> values-ready
+            return WritePicture(image, symbol, id.number, HalfOf(id.kind), picture, Patience::Job).outcome;
         });
 }
 
