@@ -345,18 +345,24 @@ private:
         return true;
     }
 
-    /// A change is taken back where it is what the job has made, or what a power cut has left of it.
+    /// A change is taken back where it is what the job has made, or what a power cut has left of it. Its neighbours are not
+    /// part of it, unless they are destroyed.
     void leaveEdits()
     {
         if (job.undoes.isEmpty())
             return;
         const SavedState undone = LoadUndoSnapshot(job.undoes).state;
-        for (RecordChange &change : end.changes) {
+        if (undone.wanted.empty())
+            return; // an older version did not save what it wrote
+        const auto since = [&undone](const RecordChange &change) {
             const auto now = PresentRecord(change);
-            if (!now || change.change == Change::Unchanged || !undone.before.contains(change.id)
-                || undone.wanted.empty())
-                continue;
-            if (SinceThen(undone, *now) == Since::Edited)
+            return now && undone.before.contains(change.id) ? SinceThen(undone, *now) : Since::Destroyed;
+        };
+        std::erase_if(end.changes, [&](const RecordChange &change) {
+            return !undone.wanted.contains(change.id) && since(change) != Since::Destroyed;
+        });
+        for (RecordChange &change : end.changes) {
+            if (since(change) == Since::Edited)
                 change.change = Change::EditedSince;
         }
     }

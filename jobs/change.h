@@ -42,8 +42,8 @@ struct RecordChange {
     RecordId id;
     Change change = Change::Unknown;
     RecordValue wanted;
-    std::optional<RecordValue> present;    // as read; an empty loco record has an empty name
-    std::optional<LocoBytes> presentBytes; // of a loco record that is not empty
+    std::optional<RecordValue> present;     // as read; an empty loco record has an empty name
+    std::optional<LocoBytes> presentBytes;  // of a loco record that is not empty
     std::optional<LocoBytes> wantedBytes{}; // of a loco record that is to be the same to the byte
 };
 

@@ -220,8 +220,7 @@ bool JobGoesOn()
     return !StoppableJob::stopRequested() && Comm().isOpen() && !TheMessages().secondHandheld();
 }
 
-JobAmount::JobAmount(size_t allRecords, double costOfAll)
-    : all(allRecords), wholeCost(costOfAll), start(NowSeconds())
+JobAmount::JobAmount(size_t allRecords, double costOfAll) : all(allRecords), wholeCost(costOfAll), start(NowSeconds())
 {
 }
 
