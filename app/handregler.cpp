@@ -7,6 +7,7 @@
 #include "link/text_encoding.h"
 #include "platform/files.h"
 #include "platform/qt/console.h"
+#include "platform/qt/machine_disk.h"
 #include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
 #include "platform/switched_port.h"
@@ -80,6 +81,8 @@ int main(int argc, char *argv[])
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     InstallWorld({&events, &port});
+    MachineDisk disk;
+    InstallDisk(&disk);
     TerminalAsk ask(console, wish->manner);
     InstallAsk(&ask);
     const LinkDriver driver;

@@ -8,6 +8,7 @@
 #include "jobs/selection.h"
 #include "jobs/undo_snapshot.h"
 #include "link/open_link.h"
+#include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"
 
@@ -541,7 +542,7 @@ private:
         if (!job.options.undoSnapshot || chosen.empty())
             return true;
         SavedState state = stateOf(chosen);
-        state.journal = journal ? JournalName(job.fileName) : QString();
+        state.journal = journal ? InDataFolder(JournalName(job.fileName)) : QString();
         addEarlierPart(state);
         const bool takesBack = !job.undoes.isEmpty();
         const QString name = SaveUndoSnapshot(state, takesBack ? SnapshotOf::TakeBack : SnapshotOf::Change);
@@ -572,7 +573,7 @@ private:
             all = all && known && (now->second == wanted || now->second == before.state.before.at(id));
         }
         if (all)
-            state.replaces = earlier.snapshot;
+            state.replaces = InDataFolder(earlier.snapshot);
     }
 
     void writePages()
@@ -670,6 +671,7 @@ private:
             journal->remove();
         if (settled)
             RemoveReplaced(replaced);
+        SettleForgottenPages();
         end.report.goesOn = !settled && journal.has_value();
     }
 
