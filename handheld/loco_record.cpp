@@ -1,6 +1,7 @@
 #include "handheld/loco_record.h"
 
 #include "link/text_encoding.h"
+#include "platform/text.h"
 
 #include <algorithm>
 
@@ -91,6 +92,11 @@ bool IsEmptyName(const QString &name)
 QString EmptyName(int length)
 {
     return QString(length, FillerCharacter);
+}
+
+QString ShownName(const LocoRecord &record)
+{
+    return IsEmptyName(record.name) ? QStringLiteral("-leer-") : WithoutTrailingBlanks(record.name);
 }
 
 QString FitLocoName(const QString &name)

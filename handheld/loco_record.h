@@ -26,12 +26,6 @@
 constexpr int NameLength = 21;
 constexpr int FunctionCount = 25; // f0 .. f24
 
-/// What windows and lists show for a record that holds nothing.
-inline QString LeerName()
-{
-    return QStringLiteral("-leer-");
-}
-
 struct LocoRecord {
     QString name;                             // 21 characters as decoded; 21 of code 255 for an empty record
     std::array<int, FunctionCount> symbols{}; // 1..24: symbol number of the function; 0 unused
@@ -55,6 +49,9 @@ bool IsEmptyName(const QString &name);
 
 /// The name that marks a record as empty: so many characters of code 255.
 QString EmptyName(int length = NameLength);
+
+/// What windows and lists show: the name without its filling blanks, "-leer-" for a record that holds nothing.
+QString ShownName(const LocoRecord &record);
 
 /// The name cut to 21 characters, or filled with blanks up to 21.
 QString FitLocoName(const QString &name);

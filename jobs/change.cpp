@@ -14,11 +14,6 @@ constexpr int VerifyMessages = 3; // of a page
 constexpr int PageMessages = 2;   // load and program
 constexpr int BitsPerByte = 8;
 
-QString NameText(const LocoRecord &loco)
-{
-    return IsEmptyName(loco.name) ? LeerName() : WithoutTrailingBlanks(loco.name);
-}
-
 QString YesNo(int flag)
 {
     return flag == 1 ? QStringLiteral("ja") : QStringLiteral("nein");
@@ -38,7 +33,7 @@ void AddChange(std::vector<FieldChange> &changes, const QString &field, const QS
 std::vector<FieldChange> LocoChanges(const LocoRecord &from, const LocoRecord &to)
 {
     std::vector<FieldChange> changes;
-    AddChange(changes, QStringLiteral("Name"), NameText(from), NameText(to));
+    AddChange(changes, QStringLiteral("Name"), ShownName(from), ShownName(to));
     if (IsEmptyName(from.name) || IsEmptyName(to.name))
         return changes;
     AddChange(changes, QStringLiteral("Loksymbol"), QString::number(from.locoSymbol), QString::number(to.locoSymbol));
@@ -259,7 +254,7 @@ Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wa
         return Change::New;
     if (IsEmptyName(after.name))
         return Change::Emptied;
-    return NameText(*before) == NameText(after) ? Change::Changed : Change::OtherLoco;
+    return ShownName(*before) == ShownName(after) ? Change::Changed : Change::OtherLoco;
 }
 
 std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present)

@@ -103,11 +103,6 @@ std::vector<RosterLoco> LocosIn(const DdsContent &content)
     return locos;
 }
 
-QString ShownName(const LocoRecord &record)
-{
-    return IsEmptyName(record.name) ? LeerName() : WithoutTrailingBlanks(record.name);
-}
-
 QString FrontCaption(int column)
 {
     static const std::array<QString, FrontColumns> captions{

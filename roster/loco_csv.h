@@ -25,9 +25,6 @@ struct RosterLoco {
 /// The loco records among the records of a backup file, in file order.
 std::vector<RosterLoco> LocosIn(const DdsContent &content);
 
-/// The name as it is shown: without the blanks that fill the record, "-leer-" for an empty one.
-QString ShownName(const LocoRecord &record);
-
 /// Captions of the columns before the functions, as the windows show them: "Adresse", "Name", "Symbol", "ident. Sym.".
 constexpr int FrontColumns = 4;
 QString FrontCaption(int column);

@@ -2,25 +2,19 @@
 
 #include "handheld/known_locos.h"
 
-SpiImage SpiBuf{};
-QString LokName = LeerName();
-std::array<int, FunctionCount> FktSymbol{};
-std::array<int, FunctionCount> FktModus{};
-int MultiUni = 0;
-int LokSymbol = 0;
+#include <algorithm>
 
-LocoRecord CurrentLocoRecord()
+SpiImage SpiBuf{};
+ShownLoco CurrentLoco;
+
+QString LokName()
 {
-    return {LokName, FktSymbol, FktModus, MultiUni, LokSymbol};
+    return CurrentLoco.nothingToWrite ? ShownName(CurrentLoco.record) : CurrentLoco.record.name;
 }
 
-void SetCurrentLocoRecord(const LocoRecord &record)
+void ShowPicture(const Picture &picture)
 {
-    LokName = record.name;
-    FktSymbol = record.symbols;
-    FktModus = record.modes;
-    MultiUni = record.multiUni;
-    LokSymbol = record.locoSymbol;
+    std::ranges::copy(picture.bytes, SpiBuf.begin() + WritePosition);
 }
 
 Outcome ReadLocoRecord(int locoNumber)
@@ -29,7 +23,7 @@ Outcome ReadLocoRecord(int locoNumber)
     if (read.ok())
         NoteRecord(locoNumber, read.value);
     if (!read.outcome.brokenOff())
-        SetCurrentLocoRecord(read.value);
+        CurrentLoco = {read.value, IsEmptyName(read.value.name)};
     return read.outcome;
 }
 
@@ -44,5 +38,5 @@ Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 void ResetShownRecord()
 {
     SpiBuf.fill(0);
-    SetCurrentLocoRecord({LeerName(), {}, {}, 0, 0});
+    CurrentLoco = {};
 }

@@ -5,7 +5,6 @@
 #include "program/run_control.h"
 #include "shown/catalogue.h"
 #include "shown/connection.h"
-#include "shown/picture.h"
 #include "shown/record.h"
 #include "shown/tables.h"
 #include "sim/demo_content.h"
@@ -62,7 +61,6 @@ void ResetAllModules()
     ResetCore();
     ResetShownRecord();
     ResetShownTables();
-    ResetShownPicture();
     ResetShownConnection();
     ResetEditors();
     ResetPickers();

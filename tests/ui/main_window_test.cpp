@@ -107,7 +107,7 @@ TEST_F(MainWindowTest, EmptyRecordsAreShownAndNotWritten)
     field("AdrTxt")->setText(QStringLiteral("5000"));
     click("LeseLokDatensatzBut");
     EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
-    EXPECT_EQ(LokName, QStringLiteral("-leer-"));
+    EXPECT_EQ(LokName(), QStringLiteral("-leer-"));
     user.expect(QStringLiteral("Der Lokdatensatz ist leer!\nEs wird nichts geschrieben!"), QStringLiteral("Achtung"));
     const int programs = flash().state.executed.at(0x83);
     click("SchreibeLokDatensatzBut");
@@ -122,7 +122,7 @@ TEST_F(MainWindowTest, DeleteWorksWithoutHandheldInMemoryOnly)
     const size_t messages = layout().bus.log.size();
     click("ResetLokdatenBut");
     EXPECT_EQ(layout().bus.log.size(), messages);
-    EXPECT_EQ(LokName, QString(22, QChar(0xFF)));
+    EXPECT_EQ(LokName(), QString(22, QChar(0xFF)));
     EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
     HandreglerGefunden = true;
     click("ResetLokdatenBut");
@@ -262,7 +262,7 @@ TEST_F(MainWindowTest, AWriteTakesTheRecordAtTheClick)
     EXPECT_EQ(flashBytes(3 * 64, 4), QByteArray("\x0A\x15\x1D\x27", 4));
     EXPECT_EQ(flashBytes(3 * 64 + 31, 1).at(0) & 0x80, 0);
     EXPECT_EQ(flashBytes(4 * 64, 64), before);
-    EXPECT_EQ(LokName, QStringLiteral("NEU")) << "what was typed meanwhile belongs to the next command";
+    EXPECT_EQ(LokName(), QStringLiteral("NEU")) << "what was typed meanwhile belongs to the next command";
 }
 
 TEST_F(MainWindowTest, AnAddressTypedDuringAReadLeavesNoHiddenValue)
@@ -394,16 +394,16 @@ TEST_F(MainWindowTest, ARecordOrItsFunctionsAreCopiedToAnotherAddress)
 {
     const auto act = [this](const char *name) { window().findChild<QAction *>(QLatin1String(name))->trigger(); };
     read("3");
-    const LocoRecord copied = CurrentLocoRecord();
+    const LocoRecord copied = CurrentLoco.record;
     act("LokKopieren");
     read("8");
-    const QString name = LokName;
+    const QString name = LokName();
     act("FunktionenEinfuegen");
     EXPECT_EQ(FktSymbol, copied.symbols);
-    EXPECT_EQ(LokName, name);
+    EXPECT_EQ(LokName(), name);
     EXPECT_EQ(functions()->text(2, 3), QString::number(copied.modes.at(2)));
     act("LokEinfuegen");
-    EXPECT_EQ(CurrentLocoRecord(), copied);
+    EXPECT_EQ(CurrentLoco.record, copied);
     EXPECT_EQ(field("LoknameTxt")->text(), copied.name.trimmed());
     user.expect(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), QStringLiteral("Funktionen übertragen"),
         QStringLiteral("1-x"));
@@ -417,28 +417,28 @@ TEST_F(MainWindowTest, WhatIsChangedInARecordIsTakenBack)
     Grid *grid = window().findChild<Grid *>(QStringLiteral("FktTab"));
     field("AdrTxt")->setText(QStringLiteral("3"));
     click("LeseLokDatensatzBut");
-    const LocoRecord read = CurrentLocoRecord();
+    const LocoRecord read = CurrentLoco.record;
     const QString name = field("LoknameTxt")->text();
     field("LoknameTxt")->setText(QStringLiteral("N"));
     field("LoknameTxt")->setText(QStringLiteral("NEU")); // one step
     Q_EMIT grid->cellActed(5, 3);
     window().findChild<QCheckBox *>(QStringLiteral("MultiUniChk"))->toggle();
-    const LocoRecord changed = CurrentLocoRecord();
+    const LocoRecord changed = CurrentLoco.record;
     click("ResetLokdatenBut");
     act("UndoAction"); // brings a deleted record back for writing
-    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(CurrentLoco.record, changed);
     EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("NEU"));
     for (int i = 0; i < 3; ++i)
         act("UndoAction");
-    EXPECT_EQ(CurrentLocoRecord(), read);
+    EXPECT_EQ(CurrentLoco.record, read);
     EXPECT_EQ(field("LoknameTxt")->text(), name);
     for (int i = 0; i < 3; ++i)
         act("RedoAction");
-    EXPECT_EQ(CurrentLocoRecord(), changed);
+    EXPECT_EQ(CurrentLoco.record, changed);
     EXPECT_EQ(grid->text(5, 3), QString::number(changed.modes.at(5)));
     click("LeseLokDatensatzBut");
     act("UndoAction"); // of another record
-    EXPECT_TRUE(IsEmptyName(LokName) || LokName == LeerName());
+    EXPECT_EQ(LokName(), QStringLiteral("-leer-"));
 }
 
 TEST_F(MainWindowTest, NoKeyIsTakenTwiceInAWindow)

@@ -1,12 +1,13 @@
 #include "ui/common/symbol_pictures.h"
 
 #include "platform/files.h"
+#include "symbols/bmp_file.h"
 #include "ui/widgets/grid.h"
 
-#include <QImage>
 #include <QRegularExpression>
 #include <QUrl>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <tuple>
@@ -18,6 +19,11 @@ using Key = std::tuple<SymbolKind, int, int>; // kind, number, catalogue half
 std::map<Key, QPixmap> known;
 std::optional<QPixmap> hook;
 constexpr int ToolTipFactor = 6;
+
+QPixmap PictureOfFile(const QString &path)
+{
+    return QPixmap::fromImage(QImage::fromData(ReadWholeFile(path).value_or(QByteArray()), "BMP"));
+}
 
 QString KindWord(SymbolKind kind)
 {
@@ -43,9 +49,18 @@ QString HalfWord(SymbolKind kind, int handheldHalf)
 
 } // namespace
 
-QPixmap FreshPictureOfFile(const QString &path)
+QImage ImageOf(const Picture &picture)
 {
-    return QPixmap::fromImage(QImage::fromData(ReadWholeFile(path).value_or(QByteArray()), "BMP"));
+    const PictureGeometry geometry = picture.geometry;
+    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
+    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
+    const PictureRows rows = RowsOf(picture);
+    const auto rowBytes = static_cast<size_t>(RowBytesOf(geometry.width));
+    for (int line = 0; line < geometry.height; ++line) { // the bottom row comes first
+        const size_t first = static_cast<size_t>(geometry.height - 1 - line) * rowBytes;
+        std::copy_n(rows.begin() + static_cast<std::ptrdiff_t>(first), rowBytes, image.scanLine(line));
+    }
+    return image;
 }
 
 QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf)
@@ -54,7 +69,7 @@ QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf)
     if (const auto found = known.find(key); found != known.end())
         return found->second;
     const QString path = PicturePath(kind, number, catalogueHalf);
-    return known[key] = path.isEmpty() ? QPixmap() : FreshPictureOfFile(path);
+    return known[key] = path.isEmpty() ? QPixmap() : PictureOfFile(path);
 }
 
 QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf)
@@ -108,7 +123,7 @@ void ShowSymbol(Grid *grid, int row, int column, SymbolKind kind, int number, in
 QPixmap HookPicture()
 {
     if (!hook)
-        hook = FreshPictureOfFile(KonfPath(QStringLiteral("\\konf\\Haken.bmp")));
+        hook = PictureOfFile(KonfPath(QStringLiteral("\\konf\\Haken.bmp")));
     return *hook;
 }
 

@@ -3,6 +3,7 @@
 
 #include "shown/catalogue.h"
 
+#include <QImage>
 #include <QPixmap>
 
 class Grid;
@@ -32,8 +33,8 @@ void ShowSymbol(Grid *grid, int row, int column, SymbolKind kind, int number, in
 /// The check mark of the import window.
 QPixmap HookPicture();
 
-/// Loads a file anew: for the preview files, which change under the same name.
-QPixmap FreshPictureOfFile(const QString &path);
+/// A picture of the handheld upright, 1 bit a pixel.
+QImage ImageOf(const Picture &picture);
 
 /// Forgets the pictures of a number, of the whole kind with number -1: their files were written.
 void DropSymbolPictures(SymbolKind kind, int number);

@@ -83,7 +83,7 @@ LocoEditor::LocoEditor(QWidget *parent)
 {
     setObjectName(QStringLiteral("Frame1"));
     multiUniChk->setObjectName(QStringLiteral("MultiUniChk"));
-    loknameTxt->setText(LokName);
+    loknameTxt->setText(ShownName(record));
     loknameTxt->setMaxLength(NameLength);
     loknameTxt->setMinimumWidth(loknameTxt->fontMetrics().averageCharWidth() * NameFieldCharacters);
     buildGrid();
@@ -177,7 +177,7 @@ void LocoEditor::connectControls()
     connect(adrTxt, &QLineEdit::textChanged, this, &LocoEditor::addressChanged);
     connect(loknameTxt, &QLineEdit::textChanged, this, &LocoEditor::nameChanged);
     connect(multiUniChk, &QCheckBox::toggled, this,
-        [this](bool checked) { change([checked] { MultiUni = checked ? 1 : 0; }); });
+        [this](bool checked) { change([this, checked] { record.multiUni = checked ? 1 : 0; }); });
     lokSymPic->makeClickable();
     connect(lokSymPic, &PictureBox::clicked, this, &LocoEditor::pickLocoSymbol);
     connect(fktTab, &Grid::cellActed, this, &LocoEditor::actOnFunction);
@@ -203,17 +203,17 @@ void LocoEditor::focusAddress()
 
 LocoEditor::Shown LocoEditor::shownNow() const
 {
-    return {adrTxt->text(), CurrentLocoRecord(), complete};
+    return {adrTxt->text(), CurrentLoco, complete};
 }
 
 LocoEditor::State LocoEditor::state() const
 {
-    return {CurrentLocoRecord(), complete};
+    return {CurrentLoco, complete};
 }
 
 void LocoEditor::restore(const State &kept)
 {
-    SetCurrentLocoRecord(kept.record);
+    CurrentLoco = kept.loco;
     setComplete(kept.complete);
     showRecord();
     explainWrite();
@@ -253,9 +253,10 @@ void LocoEditor::redo()
 void LocoEditor::nameChanged(const QString &text)
 {
     const State before = state();
-    const bool wasEmpty = LokName == LeerName() || IsEmptyName(LokName);
-    LokName = UpperLatin1(text);
-    if (wasEmpty && LokName != LeerName())
+    const bool wasEmpty = IsEmptyName(record.name);
+    record.name = UpperLatin1(text);
+    CurrentLoco.nothingToWrite = false;
+    if (wasEmpty)
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
     markName();
     history.note(before, NameStep);
@@ -276,7 +277,7 @@ void LocoEditor::markName()
 void LocoEditor::explainWrite()
 {
     const int address = Val(adrTxt->text());
-    const bool copies = readAddress > 0 && address != readAddress && LokName != LeerName();
+    const bool copies = readAddress > 0 && address != readAddress && !CurrentLoco.nothingToWrite;
     writeBut->setToolTip(copies
             ? QStringLiteral("Schreibt die gelesene Lok %1 unter die Adresse %2").arg(readAddress).arg(address)
             : QString());
@@ -286,7 +287,7 @@ void LocoEditor::addressChanged()
 {
     clearShownRecord();
     history.stack().clear();
-    MultiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
+    record.multiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
     if (Val(adrTxt->text()) > LastLoco)
         adrTxt->setText(QStringLiteral("??"));
     if (adrTxt->text() == AccessCode())
@@ -313,23 +314,23 @@ void LocoEditor::showName()
 {
     const QSignalBlocker blocker(loknameTxt);
     // The record's filling blanks would only be in the way of typing.
-    const QString shown = IsEmptyName(LokName) ? LeerName() : WithoutTrailingBlanks(LokName);
-    loknameTxt->setText(shown);
+    loknameTxt->setText(ShownName(record));
     loknameTxt->setCursorPosition(0);
     markName();
 }
 
 void LocoEditor::showLocoSymbol()
 {
-    const bool known = LokSymbol < LokSymbolCount;
-    lokSymPic->setToolTip(known ? SymbolToolTip(SymbolKind::Loco, LokSymbol, 0) : QString());
-    lokSymPic->setAccessibleDescription(SymbolWords(SymbolKind::Loco, LokSymbol, 0));
-    lokSymPic->setPicture(known ? SymbolPicture(SymbolKind::Loco, LokSymbol, 0) : QPixmap());
+    const int symbol = record.locoSymbol;
+    const bool known = symbol < LokSymbolCount;
+    lokSymPic->setToolTip(known ? SymbolToolTip(SymbolKind::Loco, symbol, 0) : QString());
+    lokSymPic->setAccessibleDescription(SymbolWords(SymbolKind::Loco, symbol, 0));
+    lokSymPic->setPicture(known ? SymbolPicture(SymbolKind::Loco, symbol, 0) : QPixmap());
 }
 
 void LocoEditor::showFunctionSymbols(int row)
 {
-    const int number = FktSymbol.at(static_cast<size_t>(row));
+    const int number = record.symbols.at(static_cast<size_t>(row));
     ShowSymbol(fktTab, row, OnColumn, SymbolKind::Function, number, HalfOn);
     ShowSymbol(fktTab, row, OffColumn, SymbolKind::Function, number, HalfOff);
     if (row == 0) { // shown when it was picked, but the handheld keeps none
@@ -342,7 +343,7 @@ void LocoEditor::showFunctions()
 {
     for (int row = 0; row < FunctionCount; ++row) {
         showFunctionSymbols(row);
-        fktTab->setText(row, MomentaryColumn, QString::number(FktModus.at(static_cast<size_t>(row))));
+        fktTab->setText(row, MomentaryColumn, QString::number(record.modes.at(static_cast<size_t>(row))));
     }
 }
 
@@ -352,14 +353,14 @@ void LocoEditor::showMemory()
     showLocoSymbol();
     showFunctions();
     const QSignalBlocker blocker(multiUniChk);
-    multiUniChk->setChecked(MultiUni == 1);
+    multiUniChk->setChecked(record.multiUni == 1);
 }
 
 void LocoEditor::showRecord()
 {
     showName();
     clearShownRecord();
-    if (!IsEmptyName(LokName) && LokName != LeerName())
+    if (!IsEmptyName(record.name))
         showMemory();
 }
 
@@ -381,12 +382,10 @@ void LocoEditor::readRecord()
     history.stack().clear();
     setComplete(read.ok());
     readAddress = Val(command.shown);
-    if (IsEmptyName(LokName))
-        LokName = LeerName();
     showRecord();
     if (adrTxt->text() != command.shown) {
-        clearShownRecord(); // the user typed on: the record shown does not belong to that address
-        MultiUni = 0;       // what the unticked box shows
+        clearShownRecord();  // the user typed on: the record shown does not belong to that address
+        record.multiUni = 0; // what the unticked box shows
     }
     explainWrite();
     WaitSeconds(StandardDelaySeconds);
@@ -397,8 +396,8 @@ void LocoEditor::writeRecord()
     const CommandOn command([this] { return shownNow(); });
     if (!command.connected())
         return;
-    LocoRecord record = command.shown.record;
-    if (record.name == LeerName()) {
+    LocoRecord written = command.shown.loco.record;
+    if (command.shown.loco.nothingToWrite) {
         TheAsk().showBox({QStringLiteral("Der Lokdatensatz ist leer!\nEs wird nichts geschrieben!"),
             QStringLiteral("Achtung"), BoxIcon::None});
         return;
@@ -406,13 +405,13 @@ void LocoEditor::writeRecord()
     if (!command.shown.complete && !command.mayWriteDoubtful(QStringLiteral("der Lokdatensatz")))
         return;
     const Progress progress(QStringLiteral("Schreibe Lokdatensatz"));
-    record.name = FitLocoName(record.name);
-    if (LokName == command.shown.record.name) // otherwise the user has typed on
-        LokName = record.name;
-    if (WriteLocoRecord(Val(command.shown.address), record).brokenOff())
+    written.name = FitLocoName(written.name);
+    if (record.name == command.shown.loco.record.name) // otherwise the user has typed on
+        record.name = written.name;
+    if (WriteLocoRecord(Val(command.shown.address), written).brokenOff())
         return;
-    if (LokName == record.name && !IsEmptyName(record.name)) {
-        LokName = AsStored(record.name, NameLength);
+    if (record.name == written.name && !IsEmptyName(written.name)) {
+        record.name = AsStored(written.name, NameLength);
         showName();
     }
     WaitSeconds(StandardDelaySeconds);
@@ -424,7 +423,7 @@ void LocoEditor::deleteRecord()
     if (!command.ok())
         return;
     const LocoRecord erased{EmptyName(NameLength + 1), {}, {}, 0, 0};
-    change([&erased] { SetCurrentLocoRecord(erased); });
+    change([&erased] { CurrentLoco = {erased, false}; });
     if (!HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
         showRecord();
         return;
@@ -448,7 +447,7 @@ void LocoEditor::buildContextMenu()
         NamedAction(QLatin1String(name), caption, {}, this, work);
     };
     const auto copy = [this] {
-        copied = CurrentLocoRecord();
+        copied = CurrentLoco;
         copiedComplete = complete;
         hasCopy = true;
     };
@@ -466,12 +465,12 @@ void LocoEditor::paste(bool functionsOnly)
     const Command command;
     if (!command.ok() || !hasCopy)
         return;
-    LocoRecord record = functionsOnly ? CurrentLocoRecord() : copied;
-    record.symbols = copied.symbols;
-    record.modes = copied.modes;
-    record.multiUni = copied.multiUni;
-    change([this, &record, functionsOnly] {
-        SetCurrentLocoRecord(record);
+    change([this, functionsOnly] {
+        if (!functionsOnly)
+            CurrentLoco = copied;
+        record.symbols = copied.record.symbols;
+        record.modes = copied.record.modes;
+        record.multiUni = copied.record.multiUni;
         setComplete(copiedComplete && (complete || !functionsOnly)); // a doubt goes with what is copied
     });
     if (!functionsOnly)
@@ -493,13 +492,13 @@ void LocoEditor::spreadFunctions()
         TheAsk().showBox({fault, QStringLiteral("Fehler!"), BoxIcon::Critical});
         return;
     }
-    SpreadFunctions(command.shown.record, list,
+    SpreadFunctions(command.shown.loco.record, list,
         [&command](const BoxText &question) { return command.confirmed(question, false); });
 }
 
 void LocoEditor::toggleMomentary(int row)
 {
-    int &mode = FktModus.at(static_cast<size_t>(row));
+    int &mode = record.modes.at(static_cast<size_t>(row));
     change([&mode] { mode = mode == 1 ? 0 : 1; });
     fktTab->setText(row, MomentaryColumn, QString::number(mode));
 }
@@ -513,10 +512,10 @@ void LocoEditor::actOnFunction(int row, int column)
         toggleMomentary(row);
         return;
     }
-    const int chosen = PickSymbol(SymbolKind::Function, FktSymbol.at(static_cast<size_t>(row)));
+    const int chosen = PickSymbol(SymbolKind::Function, record.symbols.at(static_cast<size_t>(row)));
     if (chosen == NothingChosen)
         return;
-    change([row, chosen] { FktSymbol.at(static_cast<size_t>(row)) = chosen; });
+    change([this, row, chosen] { record.symbols.at(static_cast<size_t>(row)) = chosen; });
     showFunctionSymbols(row);
 }
 
@@ -525,9 +524,9 @@ void LocoEditor::pickLocoSymbol()
     const Command command;
     if (!command.ok())
         return;
-    const int chosen = PickSymbol(SymbolKind::Loco, LokSymbol);
+    const int chosen = PickSymbol(SymbolKind::Loco, record.locoSymbol);
     if (chosen == NothingChosen)
         return;
-    change([chosen] { LokSymbol = chosen; });
+    change([this, chosen] { record.locoSymbol = chosen; });
     showLocoSymbol();
 }

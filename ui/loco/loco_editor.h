@@ -44,14 +44,14 @@ private:
     /// What the write button writes: the address and the record in memory.
     struct Shown {
         QString address;
-        LocoRecord record;
+        ShownLoco loco;
         bool complete;
     };
     [[nodiscard]] Shown shownNow() const;
 
     /// What can be undone.
     struct State {
-        LocoRecord record;
+        ShownLoco loco;
         bool complete;
         bool operator==(const State &) const = default;
     };
@@ -82,6 +82,7 @@ private:
     void actOnFunction(int row, int column);
     void pickLocoSymbol();
 
+    LocoRecord &record = CurrentLoco.record;
     QLineEdit *adrTxt;
     QLineEdit *loknameTxt;
     PictureBox *lokSymPic;
@@ -92,7 +93,7 @@ private:
     QPushButton *deleteBut;
     QLabel *doubtLbl;
     bool complete = true; // false after a read with a time-out or a damaged answer
-    LocoRecord copied;    // by the context menu; valid when something was copied
+    ShownLoco copied;     // by the context menu; valid when something was copied
     bool copiedComplete = true;
     bool hasCopy = false;
     TypeSearch search; // in the grid

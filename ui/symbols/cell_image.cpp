@@ -23,17 +23,6 @@ size_t CellIndex(PictureGeometry geometry, int x, int line)
 
 } // namespace
 
-QImage ImageOfCells(const PixelCells &cells, PictureGeometry geometry)
-{
-    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
-    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
-    for (int line = 0; line < geometry.height; ++line) {
-        for (int x = 0; x < geometry.width; ++x)
-            image.setPixel(x, line, cells.at(CellIndex(geometry, x, line)) == Black ? 1 : 0);
-    }
-    return image;
-}
-
 PixelCells CellsOfImage(const QImage &image, PictureGeometry geometry)
 {
     const QImage flat = OnWhite(image);

@@ -1,12 +1,9 @@
-// The pixel editor's cells as an image of the toolkit, for the clipboard, image files and the preview.
+// Images of the toolkit, from the clipboard and image files, as cells of the pixel editor.
 #pragma once
 
 #include "symbols/pixel_cells.h"
 
 #include <QImage>
-
-/// The picture upright, 1 bit a pixel.
-QImage ImageOfCells(const PixelCells &cells, PictureGeometry geometry);
 
 /// An image of any depth as cells: darker than half is black, what is transparent is white. An image of another size is
 /// centred and cut.

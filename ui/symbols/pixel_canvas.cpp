@@ -1,7 +1,6 @@
 #include "ui/symbols/pixel_canvas.h"
 
-#include "shown/picture.h"
-#include "ui/symbols/cell_image.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/symbols/pixel_history.h"
 #include "ui/widgets/crisp_picture.h"
 
@@ -20,7 +19,7 @@ int PixelsOfTwips(int twips)
     return (twips + TwipsPerPixel / 2) / TwipsPerPixel;
 }
 
-PixelPreview::PixelPreview(QWidget *parent) : QWidget(parent)
+PixelPreview::PixelPreview(const EditedPicture &edited, QWidget *parent) : QWidget(parent), picture(edited)
 {
     setObjectName(QStringLiteral("VorschauPic"));
     setAccessibleName(QStringLiteral("Vorschau"));
@@ -29,7 +28,7 @@ PixelPreview::PixelPreview(QWidget *parent) : QWidget(parent)
 
 void PixelPreview::fitPicture()
 {
-    const QSize pixels(SymbolWidth + 2 * PreviewMargin, SymbolHeight + 2 * PreviewMargin);
+    const QSize pixels(picture.SymbolWidth + 2 * PreviewMargin, picture.SymbolHeight + 2 * PreviewMargin);
     resize(CrispRoom(pixels, devicePixelRatioF()));
     update();
 }
@@ -38,11 +37,12 @@ void PixelPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
-    DrawCrisp(painter, rect(), QPixmap::fromImage(ImageOfCells(Pixel, ShownGeometry())), palette());
+    DrawCrisp(painter, rect(), QPixmap::fromImage(ImageOf(picture.painted())), palette());
 }
 
-PixelCanvas::PixelCanvas(PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent)
-    : QWidget(parent), history(pixelHistory), preview(pixelPreview)
+PixelCanvas::PixelCanvas(
+    EditedPicture &edited, PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent)
+    : QWidget(parent), picture(edited), history(pixelHistory), preview(pixelPreview)
 {
     setObjectName(QStringLiteral("Pixel"));
     setAccessibleName(QStringLiteral("Bildpunkte"));
@@ -51,7 +51,7 @@ PixelCanvas::PixelCanvas(PixelHistory &pixelHistory, PixelPreview &pixelPreview,
 
 void PixelCanvas::restart()
 {
-    cursor = 1 + SymbolWidth * (SymbolHeight - 1); // top left
+    cursor = 1 + picture.SymbolWidth * (picture.SymbolHeight - 1); // top left
     update();
 }
 
@@ -65,20 +65,20 @@ void PixelCanvas::focusOutEvent(QFocusEvent *)
     update(cellRect(cursor));
 }
 
-QRect PixelCanvas::cellRect(int number)
+QRect PixelCanvas::cellRect(int number) const
 {
-    const CellPlace place = PlaceOfCell(ShownGeometry(), number);
+    const CellPlace place = PlaceOfCell(picture.geometry(), number);
     return {PixelsOfTwips(place.left), PixelsOfTwips(place.top), PixelsOfTwips(CellSize), PixelsOfTwips(CellSize)};
 }
 
 void PixelCanvas::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    for (int number = 1; number <= SymbolWidth * SymbolHeight; ++number) {
+    for (int number = 1; number <= picture.SymbolWidth * picture.SymbolHeight; ++number) {
         const QRect cell = cellRect(number);
         if (!cell.intersects(event->rect()))
             continue;
-        const bool dark = Pixel.at(static_cast<size_t>(number - 1)) == Black;
+        const bool dark = picture.Pixel.at(static_cast<size_t>(number - 1)) == Black;
         painter.fillRect(cell, dark ? Qt::black : Qt::white);
         if (number == cursor && hasFocus()) {
             painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
@@ -112,7 +112,7 @@ void PixelCanvas::mouseMoveEvent(QMouseEvent *event)
 void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
 {
     const QPointF twips = position * TwipsPerPixel;
-    const int number = CellAt(ShownGeometry(), twips.x(), twips.y());
+    const int number = CellAt(picture.geometry(), twips.x(), twips.y());
     if (number == 0)
         return;
     if (mouseButtons == Qt::LeftButton)
@@ -124,7 +124,7 @@ void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
 void PixelCanvas::setCell(int number, int colour)
 {
     history.begin();
-    Pixel.at(static_cast<size_t>(number - 1)) = colour;
+    picture.Pixel.at(static_cast<size_t>(number - 1)) = colour;
     update(cellRect(number));
     preview.update();
 }
@@ -139,10 +139,10 @@ void PixelCanvas::setCursorCell(int colour)
 
 void PixelCanvas::moveCursor(int columns, int rows)
 {
-    const int column = qBound(0, (cursor - 1) % SymbolWidth + columns, SymbolWidth - 1);
-    const int row = qBound(0, (cursor - 1) / SymbolWidth + rows, SymbolHeight - 1);
+    const int column = qBound(0, (cursor - 1) % picture.SymbolWidth + columns, picture.SymbolWidth - 1);
+    const int row = qBound(0, (cursor - 1) / picture.SymbolWidth + rows, picture.SymbolHeight - 1);
     update(cellRect(cursor));
-    cursor = SymbolWidth * row + column + 1;
+    cursor = picture.SymbolWidth * row + column + 1;
     update(cellRect(cursor));
     Q_EMIT cursorMoved(cellRect(cursor));
 }

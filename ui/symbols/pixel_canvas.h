@@ -1,6 +1,8 @@
 // The painted part of the pixel editor: all cells in one area, and the picture beside the buttons in true size.
 #pragma once
 
+#include "symbols/edited_picture.h"
+
 #include <QPointF>
 #include <QWidget>
 
@@ -15,13 +17,17 @@ class PixelPreview : public QWidget
     Q_OBJECT
 
 public:
-    explicit PixelPreview(QWidget *parent);
+    /// `edited` lives as long as this object.
+    PixelPreview(const EditedPicture &edited, QWidget *parent);
 
     /// Takes the size that the present geometry needs.
     void fitPicture();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+
+private:
+    const EditedPicture &picture;
 };
 
 /// All cells in one painted area; it covers the whole client area, as the mouse is followed everywhere in it.
@@ -31,7 +37,7 @@ class PixelCanvas : public QWidget
 
 public:
     /// A stroke, from press to release, becomes one step of the history; the preview follows each cell.
-    PixelCanvas(PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent);
+    PixelCanvas(EditedPicture &edited, PixelHistory &pixelHistory, PixelPreview &pixelPreview, QWidget *parent);
 
     /// Shows all cells anew with the keyboard's cursor at the top left.
     void restart();
@@ -50,12 +56,13 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    [[nodiscard]] static QRect cellRect(int number);
+    [[nodiscard]] QRect cellRect(int number) const;
     void paintAt(QPointF position, Qt::MouseButtons mouseButtons);
     void setCell(int number, int colour);
     void setCursorCell(int colour);
     void moveCursor(int columns, int rows);
 
+    EditedPicture &picture;
     PixelHistory &history;
     PixelPreview &preview;
     int cursor = 1;       // cell number

@@ -4,7 +4,8 @@
 #include "program/ask.h"
 #include "program/run_control.h"
 #include "shown/catalogue.h"
-#include "shown/picture.h"
+#include "shown/record.h"
+#include "ui/common/symbol_pictures.h"
 #include "ui/common/windows.h"
 #include "ui/symbols/cell_image.h"
 #include "ui/symbols/pixel_canvas.h"
@@ -56,10 +57,11 @@ std::optional<QByteArray> PngContent(const QString &fileName)
 } // namespace
 
 PixelEditor::PixelEditor()
-    : scroller(new QScrollArea(this))
+    : history(picture)
+    , scroller(new QScrollArea(this))
     , area(new QWidget(scroller))
-    , preview(new PixelPreview(area))
-    , canvas(new PixelCanvas(history, *preview, area))
+    , preview(new PixelPreview(picture, area))
+    , canvas(new PixelCanvas(picture, history, *preview, area))
     , editMenu(new QMenu(this))
     , editButton(new QToolButton(area))
 {
@@ -126,10 +128,10 @@ void PixelEditor::buildMenu()
 void PixelEditor::buildPictureCommands()
 {
     const auto shift = [this](int right, int up) {
-        return [this, right, up] { change(ShiftedCells(Pixel, ShownGeometry(), right, up)); };
+        return [this, right, up] { change(ShiftedCells(picture.Pixel, picture.geometry(), right, up)); };
     };
     const auto mirror = [this](bool leftRight) {
-        return [this, leftRight] { change(MirroredCells(Pixel, ShownGeometry(), leftRight)); };
+        return [this, leftRight] { change(MirroredCells(picture.Pixel, picture.geometry(), leftRight)); };
     };
     editMenu->addSeparator();
     addCommand("LeftAction", QStringLiteral("Nach links schieben"), Qt::CTRL | Qt::Key_Left, shift(-1, 0));
@@ -140,7 +142,7 @@ void PixelEditor::buildPictureCommands()
     addCommand("MirrorHAction", QStringLiteral("Waagrecht spiegeln"), Qt::CTRL | Qt::Key_H, mirror(true));
     addCommand("MirrorVAction", QStringLiteral("Senkrecht spiegeln"), Qt::CTRL | Qt::Key_J, mirror(false));
     addCommand("InvertAction", QStringLiteral("Invertieren"), Qt::CTRL | Qt::Key_I,
-        [this] { change(InvertedCells(Pixel, ShownGeometry())); });
+        [this] { change(InvertedCells(picture.Pixel, picture.geometry())); });
 }
 
 /// Popped up, not set as the button's menu: that would wait in a loop of its own.
@@ -171,7 +173,7 @@ void PixelEditor::placeExtras(int buttonsEnd)
 int PixelEditor::placeButtons()
 {
     constexpr std::array<int, 4> widths{1005, 1005, 1095, 1095};
-    const int top = Pixels(SymbolHeight * CellPitch + 2 * GridOrigin);
+    const int top = Pixels(picture.SymbolHeight * CellPitch + 2 * GridOrigin);
     int left = Pixels(FirstButtonLeft);
     for (size_t i = 0; i < buttons.size(); ++i) {
         // The given sizes are the least: captions must never be cut.
@@ -189,15 +191,16 @@ void PixelEditor::setUp()
 {
     setWindowTitle(QStringLiteral("PixelEdit"));
     const int buttonsEnd = placeButtons() + Pixels(RightMargin);
-    const int width = qMax(Pixels(SymbolWidth * CellPitch + 2 * GridOrigin), buttonsEnd);
-    const int height = Pixels(SymbolHeight * CellPitch + 2 * GridOrigin + ButtonBand);
+    const int width = qMax(Pixels(picture.SymbolWidth * CellPitch + 2 * GridOrigin), buttonsEnd);
+    const int height = Pixels(picture.SymbolHeight * CellPitch + 2 * GridOrigin + ButtonBand);
     area->resize(width, height);
     fitScreen();
     canvas->setGeometry(area->rect());
     canvas->lower();
     placeExtras(buttonsEnd - Pixels(RightMargin));
-    LoadCellsFromBuffer();
-    buttons.at(0)->setEnabled(SymbolWidth == LokSymbolGeometry.width || SymbolWidth == HalfSymbolGeometry.width);
+    picture.LoadCellsFromBuffer();
+    buttons.at(0)->setEnabled(
+        picture.SymbolWidth == LokSymbolGeometry.width || picture.SymbolWidth == HalfSymbolGeometry.width);
     canvas->restart();
 }
 
@@ -226,16 +229,18 @@ void PixelEditor::showCell(const QRect &cell)
     scroller->ensureVisible(cell.center().x(), cell.center().y(), cell.width(), cell.height());
 }
 
-void PixelEditor::edit()
+Picture PixelEditor::edit(const Picture &wanted)
 {
     const QRect clicked = ActedPlace();
+    picture = EditedPicture(wanted);
     setUp();
     history.clear();
     PixelEditDone = 0;
     presentBeside(clicked);
     canvas->setFocus();
-    if (!PumpUntil([] { return PixelEditDone == 1; }))
+    if (!PumpUntil([this] { return PixelEditDone == 1; }))
         leave();
+    return picture.picture();
 }
 
 void PixelEditor::showCells()
@@ -248,7 +253,7 @@ void PixelEditor::change(const PixelCells &cells)
 {
     history.end(); // a stroke under way is a step of its own
     history.begin();
-    Pixel = cells;
+    picture.Pixel = cells;
     history.end();
     showCells();
 }
@@ -257,14 +262,14 @@ void PixelEditor::clearAll()
 {
     history.end();
     history.begin();
-    ClearCells();
+    picture.ClearCells();
     history.end();
     showCells();
 }
 
 void PixelEditor::copy()
 {
-    QGuiApplication::clipboard()->setImage(ImageOfCells(Pixel, ShownGeometry()));
+    QGuiApplication::clipboard()->setImage(ImageOf(picture.painted()));
 }
 
 void PixelEditor::paste()
@@ -274,7 +279,7 @@ void PixelEditor::paste()
         TheAsk().showBox({QStringLiteral("In der Zwischenablage ist kein Bild."), QStringLiteral("Einfügen"),
             BoxIcon::Information});
     else
-        change(CellsOfImage(image, ShownGeometry()));
+        change(CellsOfImage(image, picture.geometry()));
 }
 
 void PixelEditor::loadBmp()
@@ -290,22 +295,22 @@ void PixelEditor::loadBmp()
     history.begin();
     int result = 1;
     if (cells) {
-        Pixel = *cells;
-        StoreCellsInBuffer();
+        picture.Pixel = *cells;
+        picture.StoreCellsInBuffer();
         result = 0;
     } else if (!png) {
-        LoadBmpToSpibuf(name, result);
+        picture.LoadBmpToSpibuf(name, result);
     }
-    LaySizeBytes(); // also after a refused file
+    picture.LaySizeBytes(); // also after a refused file
     if (result == 0 && PixelEditDone == 0)
         setUp();
     history.end();
 }
 
 /// Nothing when the file is damaged, after its box, or when the user does not want a picture of another size.
-std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, const QString &name)
+std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, const QString &name) const
 {
-    const PictureGeometry geometry = ShownGeometry();
+    const PictureGeometry geometry = picture.geometry();
     QImage image = QImage::fromData(content, "PNG");
     if (image.isNull()) {
         TheAsk().showBox({QStringLiteral("Die Datei \"%1\" kann nicht gelesen werden!").arg(name),
@@ -333,7 +338,7 @@ void PixelEditor::saveBmp()
     if (name.isEmpty())
         return;
     int result = 0;
-    SaveSpibufToBmp(name, result);
+    picture.SaveSpibufToBmp(name, result);
     if (const auto kind = KindOfFolder(name))
         TellPicturesChanged(*kind);
 }
@@ -342,8 +347,8 @@ void PixelEditor::leave()
 {
     if (PixelEditDone == 1)
         return;
-    StoreCellsInBuffer();
-    LaySizeBytes();
+    picture.StoreCellsInBuffer();
+    picture.LaySizeBytes();
     editMenu->hide();
     hide();
     PixelEditDone = 1;
@@ -363,13 +368,12 @@ Picture EditPicture(const Picture &picture)
     if (!theEditor)
         theEditor = std::make_unique<PixelEditor>();
     const WaitingWindow waiting(theEditor.get());
-    ShowPicture(picture);
-    theEditor->edit();
-    return TakePicture(picture.bytes.size());
+    Picture edited = theEditor->edit(picture);
+    ShowPicture(edited);
+    return edited;
 }
 
 void ResetPixelEditor()
 {
     theEditor.reset();
-    PixelEditDone = 1;
 }

@@ -1,11 +1,11 @@
-// The window "PixelEdit": the user paints the picture in SpiBuf pixel by pixel, loads it from a BMP file or saves it.
+// The window "PixelEdit": the user paints a picture pixel by pixel, loads it from a BMP file or saves it.
 //
 // Left button black, right button white. Keyboard: arrows move a cursor, Space sets, Backspace clears. Painting
-// changes only the cells; OK and every other way of closing copy them to SpiBuf. Loading changes SpiBuf at once.
+// changes only the cells; OK and every other way of closing make the picture of them. What is saved is the picture: as
+// it was opened or loaded.
 // Whatever changes the picture can be taken back until the window is left.
 #pragma once
 
-#include "handheld/picture.h"
 #include "ui/symbols/pixel_history.h"
 #include "ui/widgets/leavable_window.h"
 
@@ -28,9 +28,11 @@ public:
     PixelEditor();
     ~PixelEditor() override;
 
-    /// Shows the picture in SpiBuf with the present symbol geometry and waits until the user is done (or the program
-    /// ends). A picture that is larger than the screen is scrolled. The caller holds the busy scope.
-    void edit();
+    /// Shows a picture and waits until the user is done (or the program ends); the edited picture has as many bytes. One
+    /// that is larger than the screen is scrolled. The caller holds the busy scope.
+    [[nodiscard]] Picture edit(const Picture &picture);
+
+    [[nodiscard]] const EditedPicture &edited() const { return picture; }
 
 protected:
     /// Every way out commits the cells.
@@ -53,9 +55,11 @@ private:
     void copy();
     void paste();
     void loadBmp();
-    static std::optional<PixelCells> cellsOfPng(const QByteArray &content, const QString &name);
+    [[nodiscard]] std::optional<PixelCells> cellsOfPng(const QByteArray &content, const QString &name) const;
     void saveBmp();
 
+    EditedPicture picture;
+    int PixelEditDone = 1; // 0 while the user edits
     PixelHistory history;
     QScrollArea *scroller; // shows all of the area where the screen has room
     QWidget *area;

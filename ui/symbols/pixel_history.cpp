@@ -7,35 +7,25 @@ namespace
 
 constexpr int MostSteps = 200;
 
-PictureState ShownState()
-{
-    return {Pixel, ShownRows()};
-}
-
-void Restore(const PictureState &state)
-{
-    Pixel = state.cells;
-    LayRows(state.rows);
-}
-
 class PictureStep : public QUndoCommand
 {
 public:
-    PictureStep(PictureState stateBefore, PictureState stateAfter)
-        : before(std::move(stateBefore)), after(std::move(stateAfter))
+    PictureStep(EditedPicture &edited, EditedPicture stateBefore)
+        : picture(edited), before(std::move(stateBefore)), after(edited)
     {
     }
-    void undo() override { Restore(before); }
-    void redo() override { Restore(after); }
+    void undo() override { picture = before; }
+    void redo() override { picture = after; }
 
 private:
-    PictureState before;
-    PictureState after;
+    EditedPicture &picture;
+    EditedPicture before;
+    EditedPicture after;
 };
 
 } // namespace
 
-PixelHistory::PixelHistory()
+PixelHistory::PixelHistory(EditedPicture &edited) : picture(edited)
 {
     stack.setUndoLimit(MostSteps);
     connect(&stack, &QUndoStack::canUndoChanged, this, &PixelHistory::canUndoChanged);
@@ -51,17 +41,16 @@ PixelHistory::~PixelHistory()
 void PixelHistory::begin()
 {
     if (!before)
-        before = ShownState();
+        before = picture;
 }
 
 void PixelHistory::end()
 {
     if (!before)
         return;
-    PictureState was = *std::exchange(before, std::nullopt);
-    PictureState is = ShownState();
-    if (was != is)
-        stack.push(new PictureStep(std::move(was), std::move(is)));
+    EditedPicture was = *std::exchange(before, std::nullopt);
+    if (was != picture)
+        stack.push(new PictureStep(picture, std::move(was)));
 }
 
 void PixelHistory::undo()

@@ -1,26 +1,20 @@
-// The steps of the pixel editor that can be taken back: each holds the cells and the buffer's pixel rows before and
-// after it, because a loaded file changes both.
+// The steps of the pixel editor that can be taken back: each holds the picture, cells and bytes, before and after it,
+// because a loaded file changes both.
 #pragma once
 
-#include "shown/picture.h"
+#include "symbols/edited_picture.h"
 
 #include <QUndoStack>
 
 #include <optional>
-#include <vector>
-
-struct PictureState {
-    PixelCells cells{};
-    std::vector<quint8> rows;
-    bool operator==(const PictureState &) const = default;
-};
 
 class PixelHistory : public QObject
 {
     Q_OBJECT
 
 public:
-    PixelHistory();
+    /// `edited` lives as long as this object.
+    explicit PixelHistory(EditedPicture &edited);
     ~PixelHistory() override;
 
     /// Opens a step before a change; no effect while one is open.
@@ -43,6 +37,7 @@ Q_SIGNALS:
     void canRedoChanged(bool can);
 
 private:
+    EditedPicture &picture;
     QUndoStack stack;
-    std::optional<PictureState> before; // of the open step
+    std::optional<EditedPicture> before; // of the open step
 };

@@ -50,23 +50,6 @@ QString DescriptionError(const QString &description)
     return {};
 }
 
-/// The picture as it would stand in a file: for a program folder that cannot be written.
-QPixmap Painted(const Picture &picture)
-{
-    const PictureGeometry geometry = picture.geometry;
-    const PictureRows rows = RowsOf(picture);
-    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
-    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
-    for (int y = 0; y < geometry.height; ++y) {
-        for (int x = 0; x < geometry.width; ++x) {
-            const PixelPlace place = PlaceOfPixel(geometry.width, x, y);
-            const bool dark = (rows.at(static_cast<size_t>(place.byte)) & place.mask) != 0;
-            image.setPixel(x, geometry.height - 1 - y, dark ? 1 : 0);
-        }
-    }
-    return QPixmap::fromImage(image);
-}
-
 /// Removes the file that a new one of the same number replaces; a failure is told.
 void RemoveOldFile(const QString &path)
 {
@@ -289,8 +272,8 @@ SymbolEditor::Shown SymbolEditor::shownNow() const
 
 void SymbolEditor::showPreview()
 {
-    const bool saved = SaveBmp(RowsOf(picture), picture.geometry, QString());
-    preview->setPicture(saved ? FreshPictureOfFile(TemplatePath(picture.geometry.width)) : Painted(picture));
+    static_cast<void>(SaveBmp(RowsOf(picture), picture.geometry, QString())); // told once; the preview needs no file
+    preview->setPicture(QPixmap::fromImage(ImageOf(picture)));
 }
 
 void SymbolEditor::readSymbol()

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "handheld/symbol_storage.h"
-#include "shown/picture.h"
 
 #include <QGroupBox>
 #include <QStringList>

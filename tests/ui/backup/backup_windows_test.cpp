@@ -160,7 +160,7 @@ TEST_F(BackupWindows, WhatIsTypedDuringABackupIsWhatTheWindowWrites)
     const int symbol = LokSymbol;
     user.acceptAnyBox();
     trigger("datenlesen_menu");
-    EXPECT_EQ(LokName, QStringLiteral("NEU"));
+    EXPECT_EQ(LokName(), QStringLiteral("NEU"));
     EXPECT_EQ(LokSymbol, symbol);
 }
 

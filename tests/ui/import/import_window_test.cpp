@@ -73,14 +73,13 @@ TEST_F(Import, TheWindowCorrectsSendsAndSaves)
     user.expect(question, title, QStringLiteral("Nein"));
     press("SendenBut");
     EXPECT_EQ(flashBytes(3 * 64, 64), before);
-    LokName = QStringLiteral("-leer-");
     user.expect(question, title, QStringLiteral("Ja"));
     user.expect(QStringLiteral("2 Loks in den Handregler geschrieben."), title);
     press("SendenBut");
-    EXPECT_EQ(LokName, QStringLiteral("-leer-")) << "the editor's record is put back";
+    EXPECT_EQ(LokName(), QStringLiteral("-leer-")) << "the editor's record stays";
     EXPECT_EQ(flashBytes(3 * 64 + 33, 24), before.mid(33, 24)) << "the station knows no function symbols";
     EXPECT_TRUE(ReadLocoRecord(24).ok());
-    EXPECT_EQ(LokName, QStringLiteral("STRASSE 0123456789012"));
+    EXPECT_EQ(LokName(), QStringLiteral("STRASSE 0123456789012"));
     EXPECT_EQ(FktModus.at(0), 1);
     EXPECT_EQ(LokSymbol, 8);
 }

@@ -1,8 +1,8 @@
 #include "program/run_control.h"
 #include "shown/catalogue.h"
-#include "shown/picture.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
+#include "ui/symbols/pixel_editor.h"
 
 #include <QAction>
 #include <QApplication>
@@ -11,25 +11,6 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
-
-namespace
-{
-
-/// The top pixel row of the picture shown, '#' for black.
-QString TopRow()
-{
-    QString row;
-    for (int x = 0; x < SymbolWidth; ++x)
-        row += Pixel.at(static_cast<size_t>(SymbolWidth * (SymbolHeight - 1) + x)) == Black ? u'#' : u'.';
-    return row;
-}
-
-int BlackCells()
-{
-    return static_cast<int>(std::count(Pixel.begin(), Pixel.begin() + SymbolWidth * SymbolHeight, Black));
-}
-
-} // namespace
 
 class PixelEditing : public WindowWorld
 {
@@ -56,6 +37,25 @@ protected:
             if (widget->objectName() == u"Pixeledit" && widget->isVisible())
                 editor = widget;
         }
+    }
+
+    [[nodiscard]] const EditedPicture &edited() const { return dynamic_cast<PixelEditor &>(*editor).edited(); }
+
+    /// The top pixel row of the picture shown, '#' for black.
+    [[nodiscard]] QString topRow() const
+    {
+        const int width = edited().SymbolWidth;
+        QString row;
+        for (int x = 0; x < width; ++x)
+            row += edited().Pixel.at(static_cast<size_t>(width * (edited().SymbolHeight - 1) + x)) == Black ? u'#'
+                                                                                                            : u'.';
+        return row;
+    }
+
+    [[nodiscard]] int blackCells() const
+    {
+        const int cells = edited().SymbolWidth * edited().SymbolHeight;
+        return static_cast<int>(std::count(edited().Pixel.begin(), edited().Pixel.begin() + cells, Black));
     }
 
     void press(const char *name) { editor->findChild<QPushButton *>(QLatin1String(name))->click(); }
@@ -112,34 +112,34 @@ TEST_F(PixelEditing, AStrokeIsOneStep)
         stroke(0, 4, 0);
         stroke(8, 9, 0);
         stroke(8, 9, 0); // nothing changes: no step
-        EXPECT_EQ(TopRow(), u"#####...##....");
+        EXPECT_EQ(topRow(), u"#####...##....");
         keys(undo);
-        EXPECT_EQ(TopRow(), u"#####.........");
+        EXPECT_EQ(topRow(), u"#####.........");
         keys(undo);
-        EXPECT_EQ(TopRow(), u"..............");
+        EXPECT_EQ(topRow(), u"..............");
         keys(redo);
         keys(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
-        EXPECT_EQ(TopRow(), u"#####...##....");
+        EXPECT_EQ(topRow(), u"#####...##....");
         keys(undo);
         stroke(13, 13, 0); // what was taken back is gone for good now
         keys(redo);
-        EXPECT_EQ(TopRow(), u"#####........#");
+        EXPECT_EQ(topRow(), u"#####........#");
         mouse(QEvent::MouseButtonPress, 6, 0, Qt::LeftButton);
         keys(undo); // the stroke under way
         mouse(QEvent::MouseMove, 8, 0, Qt::LeftButton);
         mouse(QEvent::MouseButtonRelease, 8, 0, Qt::NoButton);
-        EXPECT_EQ(TopRow(), u"#####.###....#");
+        EXPECT_EQ(topRow(), u"#####.###....#");
         keys(undo);
-        EXPECT_EQ(TopRow(), u"#####........#");
+        EXPECT_EQ(topRow(), u"#####........#");
         press("ClrBut");
         keys(undo);
-        EXPECT_EQ(TopRow(), u"#####........#");
+        EXPECT_EQ(topRow(), u"#####........#");
     });
     EXPECT_EQ(SpiBuf.at(6 + 26), 0xF8) << "what is committed is what was seen";
     events.after(300'000, [this] {
         find();
         keys(undo);
-        EXPECT_EQ(TopRow(), u"#####........#") << "steps of an earlier opening are over";
+        EXPECT_EQ(topRow(), u"#####........#") << "steps of an earlier opening are over";
         press("OK_but");
     });
     click("EditFktSymBut");
@@ -150,24 +150,24 @@ TEST_F(PixelEditing, ShiftingMirroringAndInvertingAreStepsOfTheirOwn)
     edit("EditFktSymBut", [this] {
         stroke(0, 1, 0);
         keys(Qt::CTRL | Qt::Key_Right);
-        EXPECT_EQ(TopRow(), u".##...........");
+        EXPECT_EQ(topRow(), u".##...........");
         keys(Qt::CTRL | Qt::Key_H);
-        EXPECT_EQ(TopRow(), u"...........##.");
+        EXPECT_EQ(topRow(), u"...........##.");
         keys(Qt::CTRL | Qt::Key_Down);
-        EXPECT_EQ(BlackCells(), 2);
-        EXPECT_EQ(TopRow(), u"..............");
+        EXPECT_EQ(blackCells(), 2);
+        EXPECT_EQ(topRow(), u"..............");
         keys(Qt::CTRL | Qt::Key_Up);
         keys(Qt::CTRL | Qt::Key_I);
-        EXPECT_EQ(TopRow(), u"###########..#");
-        EXPECT_EQ(BlackCells(), 14 * 14 - 2);
+        EXPECT_EQ(topRow(), u"###########..#");
+        EXPECT_EQ(blackCells(), 14 * 14 - 2);
         keys(Qt::CTRL | Qt::Key_J);
-        EXPECT_EQ(TopRow(), u"##############");
+        EXPECT_EQ(topRow(), u"##############");
         for (int i = 0; i < 6; ++i)
             keys(undo);
-        EXPECT_EQ(TopRow(), u"##............");
+        EXPECT_EQ(topRow(), u"##............");
         keys(Qt::CTRL | Qt::Key_Left);
         keys(Qt::CTRL | Qt::Key_Right);
-        EXPECT_EQ(TopRow(), u".#............") << "what is pushed out is lost";
+        EXPECT_EQ(topRow(), u".#............") << "what is pushed out is lost";
     });
 }
 
@@ -181,13 +181,13 @@ TEST_F(PixelEditing, PicturesGoFromOneSymbolToAnother)
     EXPECT_EQ(QApplication::clipboard()->image().depth(), 1);
     edit("EditLokSymBut", [this] { // 17 columns and one line of room on each side
         keys(Qt::CTRL | Qt::Key_V);
-        EXPECT_EQ(BlackCells(), 15);
-        EXPECT_EQ(TopRow().count(u'#'), 0);
+        EXPECT_EQ(blackCells(), 15);
+        EXPECT_EQ(topRow().count(u'#'), 0);
         keys(Qt::CTRL | Qt::Key_Up);
-        EXPECT_EQ(TopRow(), QString(17, u'.') + QString(14, u'#') + QString(17, u'.'));
+        EXPECT_EQ(topRow(), QString(17, u'.') + QString(14, u'#') + QString(17, u'.'));
         keys(undo);
         keys(undo);
-        EXPECT_EQ(BlackCells(), 0);
+        EXPECT_EQ(blackCells(), 0);
     });
     QImage photo(20, 14, QImage::Format_ARGB32);
     photo.fill(Qt::transparent);
@@ -196,11 +196,11 @@ TEST_F(PixelEditing, PicturesGoFromOneSymbolToAnother)
     QApplication::clipboard()->setImage(photo);
     edit("EditFktSymBut", [this] {
         keys(Qt::CTRL | Qt::Key_V);
-        EXPECT_EQ(TopRow(), u"#.............") << "three columns are cut off on each side";
+        EXPECT_EQ(topRow(), u"#.............") << "three columns are cut off on each side";
         QApplication::clipboard()->setText(QStringLiteral("kein Bild"));
         user.expect(QStringLiteral("In der Zwischenablage ist kein Bild."), QStringLiteral("Einfügen"));
         keys(Qt::CTRL | Qt::Key_V);
-        EXPECT_EQ(BlackCells(), 14);
+        EXPECT_EQ(blackCells(), 14);
     });
 }
 
@@ -219,26 +219,26 @@ TEST_F(PixelEditing, PngFilesOfAnyDepthAndSizeAreLoaded)
     edit("EditFktSymBut", [&] {
         expectFile(fitting);
         press("LoadBMPBut");
-        EXPECT_EQ(TopRow(), u"#.#...........");
-        EXPECT_EQ(SpiBuf.at(6 + 26), 0xA0) << "loading changes the buffer at once";
+        EXPECT_EQ(topRow(), u"#.#...........");
+        EXPECT_EQ(edited().bytes.at(2 + 26), 0xA0) << "loading changes the picture at once";
         for (const char *answer : {"Nein", "Ja"}) {
             expectFile(tooWide);
             user.expect(question, QStringLiteral("Bild einpassen?"), QString::fromUtf8(answer));
             press("LoadBMPBut");
             EXPECT_FALSE(user.defaultYes);
-            EXPECT_EQ(BlackCells(), QString::fromUtf8(answer) == u"Ja" ? 14 * 7 : 2);
+            EXPECT_EQ(blackCells(), QString::fromUtf8(answer) == u"Ja" ? 14 * 7 : 2);
         }
-        EXPECT_EQ(TopRow().count(u'#'), 0) << "centred";
+        EXPECT_EQ(topRow().count(u'#'), 0) << "centred";
         keys(undo);
-        EXPECT_EQ(TopRow(), u"#.#...........");
-        EXPECT_EQ(SpiBuf.at(6 + 26), 0xA0) << "the buffer goes back with the cells";
+        EXPECT_EQ(topRow(), u"#.#...........");
+        EXPECT_EQ(edited().bytes.at(2 + 26), 0xA0) << "the picture goes back with the cells";
         QFile damaged(tooWide);
         ASSERT_TRUE(damaged.resize(30));
         expectFile(tooWide);
         user.expect(
             QStringLiteral("Die Datei \"%1\" kann nicht gelesen werden!").arg(tooWide), QStringLiteral("Fehler!"));
         press("LoadBMPBut");
-        EXPECT_EQ(BlackCells(), 2);
+        EXPECT_EQ(blackCells(), 2);
     });
 }
 
@@ -269,7 +269,7 @@ TEST_F(PixelEditing, TheBandShowsThePictureInTrueSizeAndTheCommands)
         edit(button, [this] {
             auto *preview = editor->findChild<QWidget *>(QStringLiteral("VorschauPic"));
             auto *menuButton = editor->findChild<QWidget *>(QStringLiteral("BearbeitenBut"));
-            const QRect band(0, SymbolHeight * 15 + 400 / 15, editor->width(), 1000 / 15);
+            const QRect band(0, edited().SymbolHeight * 15 + 400 / 15, editor->width(), 1000 / 15);
             for (const QWidget *extra : {preview, menuButton}) {
                 EXPECT_TRUE(band.contains(extra->geometry())) << extra->objectName().toStdString();
                 EXPECT_TRUE(extra->isVisible());
@@ -280,7 +280,7 @@ TEST_F(PixelEditing, TheBandShowsThePictureInTrueSizeAndTheCommands)
             stroke(0, 2, 0);
             QImage shown(preview->size(), QImage::Format_RGB32);
             preview->render(&shown);
-            EXPECT_EQ(shown.size(), QSize(SymbolWidth + 4, SymbolHeight + 4));
+            EXPECT_EQ(shown.size(), QSize(edited().SymbolWidth + 4, edited().SymbolHeight + 4));
             EXPECT_EQ(shown.pixelColor(4, 2), QColor(Qt::black));
             EXPECT_EQ(shown.pixelColor(5, 2), QColor(Qt::white));
             EXPECT_EQ(shown.pixelColor(1, 2), QColor(Qt::white));

@@ -5,7 +5,6 @@
 #include "program/branding.h"
 #include "program/run_control.h"
 #include "shown/catalogue.h"
-#include "shown/picture.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
 #include "ui/common/pickers.h"
