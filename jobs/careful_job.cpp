@@ -230,7 +230,7 @@ public:
         head = {JobName(QStringLiteral("schreiben"), job.about), face.handheld()};
         if (job.dryRun)
             tellOfWaitingPages();
-        else if (!isKnown() || !mending.run() || !takeEarlierPart())
+        else if (!isKnown() || !isItsChange() || !mending.run() || !takeEarlierPart())
             return std::move(end);
         if (!look())
             return std::move(end);
@@ -252,6 +252,18 @@ private:
         if (!head.handheld.trimmed().isEmpty())
             return true;
         tell(QStringLiteral("Der Handregler hat nicht sicher gesagt, welcher er ist.\rEs wurde nichts geschrieben."));
+        return false;
+    }
+
+    /// A change is taken back where it was made.
+    bool isItsChange()
+    {
+        const QString made = job.undoes.isEmpty() ? QString() : LoadUndoSnapshot(job.undoes).state.handheld;
+        if (made.isEmpty() || made == head.handheld)
+            return true;
+        tell(QStringLiteral("Diese Änderung wurde im Handregler %1 gemacht; verbunden ist jetzt %2.\r"
+                            "Es wurde nichts geschrieben.")
+                 .arg(made, head.handheld));
         return false;
     }
 

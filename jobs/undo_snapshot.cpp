@@ -170,6 +170,11 @@ QStringList UndoSnapshots()
     return names;
 }
 
+int SnapshotNumber(const QString &fileName)
+{
+    return NumberOf(QFileInfo(fileName).fileName());
+}
+
 LoadedSnapshot LoadUndoSnapshot(const QString &fileName)
 {
     const auto file = ReadWholeFile(fileName);

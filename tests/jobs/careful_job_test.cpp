@@ -689,7 +689,15 @@ TEST_F(CarefulJobs, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)
             EXPECT_FALSE(ReadDds(*ReadWholeFile(KeepPart(file()))).records.empty());
         }
         memory.goOn = true;
+        if (i == 19) { // another handheld, which the user is asked about; no: all is read from it
+            ASSERT_GT(broken.kept, 0U);
+            for (int n = 1; n < Pages * 8; ++n)
+                flash().setBytes(LocoRecordAddress(n), recordBytes(n, 4));
+            ASSERT_TRUE(Backup(whole, selection).written);
+            user.boxes.clear();
+        }
         ASSERT_TRUE(Backup(file(), selection, memory).written);
+        EXPECT_EQ(user.boxes.join(u'|').contains(u"Vielleicht ist es ein anderer Handregler"), i == 19);
         EXPECT_EQ(*ReadWholeFile(file()), *ReadWholeFile(whole));
         EXPECT_FALSE(QFile::exists(JournalName(file())));
         QFile::remove(file());
