@@ -3,7 +3,7 @@
 #include "jobs/report.h"
 #include "jobs/restore.h"
 #include "jobs/saved_before.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 #include "ui/compare/careful_job.h"
 #include "ui/compare/compare_window.h"
 
@@ -55,7 +55,7 @@ void CompareBackup()
     if (!command.ok())
         return;
     const QString fileName =
-        TheWindows().openFileName(QStringLiteral("Datensicherung vergleichen"), QStringLiteral("*.dds"));
+        TheDesktop().openFileName(QStringLiteral("Datensicherung vergleichen"), QStringLiteral("*.dds"));
     if (!fileName.isEmpty())
         OpenOn(fileName);
 }
