@@ -1,10 +1,10 @@
 #include "station/download.h"
 
 #include "handheld/flash_map.h"
+#include "handheld/text_encoding.h"
 #include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/open_link.h"
-#include "link/text_encoding.h"
 #include "platform/text.h"
 #include "platform/world.h"
 #include "program/ask.h"

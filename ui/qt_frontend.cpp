@@ -6,7 +6,7 @@
 #include "shown/connection.h"
 #include "ui/compare/compare_commands.h"
 #include "ui/main_window.h"
-#include "ui/selection/zentrale_form.h"
+#include "ui/port/zentrale_form.h"
 #include "ui/widgets/progress_window.h"
 
 #include <QAbstractButton>
