@@ -6,7 +6,7 @@
 #include "handheld/options.h"
 #include "handheld/record_kinds.h"
 #include "jobs/backup.h"
-#include "jobs/careful_write.h"
+#include "jobs/careful_job.h"
 #include "link/cadence.h"
 #include "tests/support/virtual_world.h"
 
@@ -15,6 +15,14 @@
 
 namespace
 {
+
+class YesFace : public JobFace
+{
+public:
+    [[nodiscard]] QString handheld() const override { return QStringLiteral("51201 1.2"); }
+    [[nodiscard]] bool agrees(Topic, const BoxText &, bool) override { return true; }
+    [[nodiscard]] Handheld handheldNow() override { return Handheld::Same; }
+};
 
 constexpr double RestMs = 60; // after each page program, in the fast cadence
 constexpr int ProgramOpcode = 0x83;
@@ -114,21 +122,24 @@ protected:
         measureCareful();
     }
 
-    /// Eight neighbours in one page: alone, proved by the chip and by reading back, and saved before.
+    /// Eight neighbours in one page, looked at and written: alone, proved by the chip and by reading back, and saved before.
     void measureCareful()
     {
         std::vector<Step> steps;
         for (int n = 16; n < 24; ++n)
             steps.push_back(
                 {StepKind::Write, {RecordKind::Loco, n}, LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
-        std::vector<RecordChange> changes;
-        measure({"8 neighbours, look", [&] { changes = LookAt(steps).changes; }});
-        const auto write = [&](const CarefulWish &wish) {
-            return [&changes, wish] { static_cast<void>(WriteCarefully(changes, wish, nullptr, {})); };
+        measure({"8 neighbours, look", [&] { static_cast<void>(LookAt(steps)); }});
+        YesFace face;
+        const auto write = [&](const WriteOptions &options) {
+            CarefulJob job;
+            job.steps = steps;
+            job.options = options;
+            return [job, &face] { static_cast<void>(RunCarefulJob(job, face)); };
         };
-        measure({"8 neighbours, write", write({false, false, false})});
-        measure({"8 neighbours, verify", write({false, true, false})});
-        measure({"8 neighbours, save too", write({false, true, true})});
+        measure({"8 neighbours, write", write({true, false, false})});
+        measure({"8 neighbours, verify", write({true, true, false})});
+        measure({"8 neighbours, save too", write({true, true, true})});
     }
 };
 

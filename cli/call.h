@@ -24,12 +24,15 @@ struct Options {
     int interfaceType = 0; // 1 or 3; 0: konf\ComPort.inf
     bool fast = false;
     bool json = false;
+    bool yes = false;   // every question is answered with Ja that is meant to be
+    bool quiet = false; // no progress and no messages that are only for information
 };
 
 struct Call {
     QStringList arguments; // of the command, as many as it wants
     Options options;
     const QCommandLineParser *parser = nullptr;
+    QString words; // command and arguments as the user wrote them: "schreiben loks.csv"
 
     [[nodiscard]] QString value(const QString &option) const { return parser->value(option); }
 

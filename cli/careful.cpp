@@ -3,20 +3,23 @@
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
-#include "handheld/backup/selection.h"
-#include "jobs/careful_write.h"
+#include "jobs/journal.h"
 #include "jobs/report.h"
-#include "program/ask.h"
+#include "jobs/selection.h"
+#include "platform/text.h"
+
+#include <algorithm>
 
 namespace
 {
 
-const auto ProbeOption = QStringLiteral("probe");
-const auto OnlyChangesOption = QStringLiteral("nur-aenderungen");
-const auto VerifyOption = QStringLiteral("pruefen");
-const auto NoVerifyOption = QStringLiteral("nicht-pruefen");
-const auto NoSavingOption = QStringLiteral("ohne-sicherung");
-const auto GoOnOption = QStringLiteral("fortsetzen");
+const auto DryRunOption = QStringLiteral("probe");
+const auto WriteAllOption = QStringLiteral("alles-schreiben");
+const auto OnlyChangesOption = QStringLiteral("nur-aenderungen"); // what is always so; older calls have it
+const auto ProveOption = QStringLiteral("pruefen");
+const auto NoProofOption = QStringLiteral("nicht-pruefen");
+const auto NoSnapshotOption = QStringLiteral("ohne-sicherung");
+const auto ResumeOption = QStringLiteral("fortsetzen");
 
 QString ChangeKey(Change change)
 {
@@ -33,6 +36,8 @@ QString ChangeKey(Change change)
         return QStringLiteral("unveraendert");
     case Change::Nameless:
         return QStringLiteral("leer");
+    case Change::EditedSince:
+        return QStringLiteral("seither_geaendert");
     case Change::Unknown:
         break;
     }
@@ -63,119 +68,171 @@ void PrintChange(const RecordChange &change)
         PrintLine(QStringLiteral("  %1: %2 -> %3").arg(field.name(), field.from, field.to));
 }
 
-/// Whether an earlier part of the job is gone on with.
-enum class Begin { Anew, GoOn, Refused };
-
-Begin HowToBegin(const Call &call, const CarefulJob &job, const JournalHead &head, JournalContent &earlier)
+/// The terminal: options are answers, and what a program may not decide is not decided by --ja.
+class TerminalFace : public JobFace
 {
-    if (job.fileName.isEmpty())
-        return Begin::Anew;
-    const Earlier found = EarlierPart(job.fileName, head, earlier);
-    if (found == Earlier::None && !call.has(GoOnOption))
-        return Begin::Anew;
-    if (found == Earlier::None) {
-        UsageFault(QStringLiteral("Es gibt nichts fortzusetzen."));
-        return Begin::Refused;
+public:
+    TerminalFace(const Call &theCall, const Service &theService) : call(theCall), service(theService) { }
+
+    [[nodiscard]] QString handheld() const override { return HandheldName(service.handheld()); }
+
+    [[nodiscard]] bool agrees(Topic topic, const BoxText &question, bool defaultYes) override
+    {
+        if (topic == Topic::MendPage && call.has(ResumeOption))
+            return true;
+        if (topic == Topic::Resume && call.options.yes) {
+            Tell(ScreenLines(question.text)
+                + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
+            return false;
+        }
+        if (topic == Topic::DropJournal && call.options.yes) {
+            Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Diese Frage beantwortet --ja nicht."));
+            return false;
+        }
+        return TheAsk().askYesNo(question, defaultYes);
     }
-    if (const QString fault = EarlierFault(found, job.fileName); !fault.isEmpty()) {
-        const BoxText question{
-            fault + QStringLiteral("\rSoll er verworfen und von vorn begonnen werden?"), {}, BoxIcon::Critical};
-        earlier = {};
-        return !call.has(GoOnOption) && TheAsk().askYesNo(question, false) ? Begin::Anew : Begin::Refused;
-    }
-    const BoxText question{
-        QStringLiteral("Dieser Auftrag wurde abgebrochen; %1 sind schon erledigt.\rSoll er fortgesetzt werden?")
-            .arg(RecordCount(earlier.finished.size())),
-        {}, BoxIcon::None};
-    if (call.has(GoOnOption) || TheAsk().askYesNo(question, true))
-        return Begin::GoOn;
-    earlier.finished.clear(); // an interrupted page is made good in any case, and what was saved stays
-    return Begin::Anew;
+
+    /// The line stays open while a question waits; who has gone meanwhile does not answer.
+    [[nodiscard]] Handheld handheldNow() override { return Handheld::Same; }
+
+private:
+    const Call &call;
+    const Service &service;
+};
+
+void PrintGroup(const ReportGroup &group)
+{
+    if (group.records.empty())
+        return;
+    PrintLine(group.heading);
+    PrintLine(ScreenLines(RecordsText(group.records)));
 }
 
-CarefulWish WishOf(const Call &call, const CarefulJob &job)
+Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Heading &heading)
 {
-    return {call.has(OnlyChangesOption) || job.takesBack, !call.has(NoVerifyOption), !call.has(NoSavingOption),
-        job.takesBack};
+    if (report.job.end != JobEnd::Complete && report.job.end != JobEnd::NothingDone)
+        Tell(EndText(report.job.end, QStringLiteral("Abgebrochen.")));
+    QJsonObject object;
+    bool nothing = true;
+    for (const ReportGroup &group : ReportGroups(report, heading.text, heading.key)) {
+        object.insert(group.key, RecordsJson(group.records));
+        nothing = nothing && group.records.empty();
+        if (!call.options.json)
+            PrintGroup(group);
+    }
+    object.insert(QStringLiteral("unbewiesen"), RecordsJson(report.unproved));
+    object.insert(QStringLiteral("sicherung"), report.snapshot);
+    if (call.options.json)
+        PrintJson(QJsonDocument(object));
+    else if (nothing)
+        PrintLine(QStringLiteral("Es war nichts zu schreiben."));
+    if (!call.options.quiet || !IsSettled(report)) {
+        for (const QString &advice : ReportAdvice(report))
+            Tell(ScreenLines(advice));
+    }
+    if (report.goesOn)
+        Tell(QStringLiteral("Derselbe Befehl mit --fortsetzen schreibt, was noch fehlt."));
+    else if (!report.unproved.empty())
+        Tell(QStringLiteral("Derselbe Befehl stellt zuerst wieder her und schreibt dann, was noch fehlt."));
+    const bool allNamed = IdsOf(report.job, RecordState::Empty).empty();
+    return ExitOf(report.job.end, IsSettled(report) && report.edited.empty() && allNamed);
 }
 
-Exit Write(const Call &call, const CarefulJob &job, const JournalHead &head, const std::vector<RecordChange> &changes,
-    const EarlierWork &earlier)
+Exit PrintDryRun(const Call &call, const std::vector<RecordChange> &changes)
 {
-    std::optional<Journal> journal;
-    if (!job.fileName.isEmpty()) {
-        journal.emplace(job.fileName);
-        if (!OpenJournal(*journal, head, earlier))
-            return Exit::Usage;
-    }
-    const Report report = WriteCarefully(changes, WishOf(call, job), journal ? &*journal : nullptr, earlier);
-    if (journal && IsSettled(report))
-        journal->remove();
-    const Exit exit = PrintReport(call, report, job.heading, job.key);
-    if (journal && !IsSettled(report))
-        Tell(QStringLiteral("Was noch fehlt, schreibt derselbe Befehl mit --fortsetzen."));
-    return exit;
+    PrintChanges(call, changes, Listed::All);
+    const bool allKnown = std::ranges::count(changes, Change::Unknown, &RecordChange::change) == 0;
+    return allKnown ? Exit::Done : Exit::Incomplete;
 }
 
 } // namespace
 
 QList<QCommandLineOption> CarefulOptions(Keeps keeps)
 {
-    QList<QCommandLineOption> options{
-        {OnlyChangesOption, QStringLiteral("schreibt nur, was im Handregler anders ist")},
-        {ProbeOption, QStringLiteral("zeigt nur, was geschrieben würde")},
-        {VerifyOption, QStringLiteral("prüft, was geschrieben wurde (ist immer eingeschaltet)")},
-        {NoVerifyOption, QStringLiteral("prüft nicht nach")},
-        {NoSavingOption, QStringLiteral("sichert vorher nicht, was überschrieben wird")}};
+    QCommandLineOption onlyChanges(OnlyChangesOption);
+    onlyChanges.setFlags(QCommandLineOption::HiddenFromHelp);
+    QList<QCommandLineOption> options{{DryRunOption, QStringLiteral("zeigt nur, was geschrieben würde")},
+        {WriteAllOption, QStringLiteral("schreibt auch, was schon so im Handregler steht")},
+        {ProveOption, QStringLiteral("prüft, was geschrieben wurde (ist immer eingeschaltet)")},
+        {NoProofOption, QStringLiteral("prüft nicht nach")},
+        {NoSnapshotOption, QStringLiteral("sichert vorher nicht, was überschrieben wird")}, onlyChanges};
     if (keeps == Keeps::Journal)
-        options += {GoOnOption, QStringLiteral("setzt einen abgebrochenen Auftrag fort")};
+        options += {ResumeOption, QStringLiteral("setzt einen abgebrochenen Auftrag fort")};
     return options;
 }
 
-Exit RunCarefully(const Call &call, const CarefulJob &job)
+bool ReadsOnly(const Call &call)
+{
+    for (const QString &option : {DryRunOption, WriteAllOption, OnlyChangesOption, ProveOption, NoProofOption,
+             NoSnapshotOption, QStringLiteral("auch-eingebaute")}) {
+        if (!call.has(option))
+            continue;
+        UsageFault(QStringLiteral("--%1 gibt es nur beim Schreiben.").arg(option));
+        return false;
+    }
+    return true;
+}
+
+CarefulJob JobOf(const Call &call)
+{
+    CarefulJob job;
+    job.command = call.words;
+    job.options = {call.has(WriteAllOption), !call.has(NoProofOption), !call.has(NoSnapshotOption)};
+    job.resume = call.has(ResumeOption) ? Resume::Wanted : Resume::Ask;
+    job.dryRun = call.has(DryRunOption);
+    return job;
+}
+
+Exit RunCarefully(const Call &call, const CarefulJob &job, const Heading &heading,
+    const std::function<void(const CarefulReport &)> &whenWritten)
 {
     const Service service(call);
     if (!service.ready())
         return service.failure();
-    const JournalHead head{JobName(QStringLiteral("schreiben"), job.about), HandheldName(service.handheld())};
-    JournalContent found;
-    const Begin begin = call.has(ProbeOption) ? Begin::Anew : HowToBegin(call, job, head, found);
-    if (begin == Begin::Refused)
-        return Exit::Usage;
-    const EarlierWork earlier = EarlierWorkOf(found);
-    const Look look = LookAt(StepsLeft(job.steps, earlier));
-    if (look.end != JobEnd::Complete) {
-        Tell(EndText(look.end, QStringLiteral("Abgebrochen.")) + QStringLiteral(" Es wurde nichts geschrieben."));
-        return ExitOf(look.end, true);
+    TerminalFace face(call, service);
+    const CarefulEnd end = RunCarefulJob(job, face);
+    switch (end.is) {
+    case CarefulEnd::Is::Written:
+        if (whenWritten)
+            whenWritten(end.report);
+        return PrintCarefulReport(call, end.report, heading);
+    case CarefulEnd::Is::Looked:
+        return PrintDryRun(call, end.changes);
+    case CarefulEnd::Is::Refused:
+    case CarefulEnd::Is::Impossible:
+        PrintGroup(ReportGroups(end.report, {}, {}).front());
+        return end.is == CarefulEnd::Is::Refused ? Exit::Stopped : Exit::Usage;
+    case CarefulEnd::Is::BrokenOff:
+        Tell(EndText(end.end, QStringLiteral("Abgebrochen.")) + QStringLiteral(" Es wurde nichts geschrieben."));
+        return ExitOf(end.end, true);
     }
-    if (!call.has(ProbeOption))
-        return Write(call, job, head, look.changes, earlier);
-    PrintChanges(call, look.changes, Shown::All);
-    return Exit::Done;
+    Q_UNREACHABLE();
 }
 
-void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Shown shown)
+void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Listed listed)
 {
-    const std::vector<RecordChange> different = ToBeWritten(changes, true);
-    const auto &listed = shown == Shown::All ? changes : different;
-    const double seconds = SecondsOf(different, !call.has(NoVerifyOption));
+    const bool all = call.has(WriteAllOption);
+    std::vector<RecordChange> different = ToBeWritten(changes, all ? Written::All : Written::Changes);
+    const auto &rows = listed == Listed::All ? changes : different;
+    std::vector<RecordChange> known = different; // what is not known is not written
+    std::erase_if(known, [](const RecordChange &change) { return change.change == Change::Unknown; });
+    const double seconds = SecondsOf(known, !call.has(NoProofOption));
     if (call.options.json) {
         QJsonArray array;
-        for (const RecordChange &change : listed)
+        for (const RecordChange &change : rows)
             array += ChangeJson(change);
         PrintJson(QJsonDocument(QJsonObject{{QStringLiteral("datensaetze"), array},
-            {QStringLiteral("seiten"), static_cast<int>(PagesOf(different))},
-            {QStringLiteral("sekunden"), seconds}}));
+            {QStringLiteral("seiten"), static_cast<int>(PagesOf(known))}, {QStringLiteral("sekunden"), seconds}}));
         return;
     }
-    for (const RecordChange &change : listed)
+    for (const RecordChange &change : rows)
         PrintChange(change);
-    if (shown == Shown::All)
-        PrintLine(QStringLiteral("Anders: %1 von %2, %3 Speicherseiten. %4.")
-                      .arg(different.size())
+    if (listed == Listed::All)
+        PrintLine(QStringLiteral("%1: %2 von %3, %4. %5.")
+                      .arg(all ? QStringLiteral("Zu schreiben") : QStringLiteral("Anders"))
+                      .arg(known.size())
                       .arg(changes.size())
-                      .arg(PagesOf(different))
-                      .arg(DurationText(seconds)));
+                      .arg(PageCount(PagesOf(known)), DurationText(seconds)));
     else if (different.empty())
         PrintLine(QStringLiteral("Kein Unterschied: %1.").arg(RecordCount(changes.size())));
 }

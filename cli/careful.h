@@ -1,25 +1,30 @@
-// Writing from the terminal: look, plan, write, verify, with a journal beside the file (jobs/careful_write.h).
+// Writing from the terminal: the one flow of a careful job (jobs/careful_job.h) with the options and the words of a terminal.
 #pragma once
 
 #include "cli/call.h"
-#include "jobs/change.h"
+#include "jobs/careful_job.h"
 
-/// The options of a writing command; those that need a journal only where there is a file beside which it can lie.
+/// The options of a writing command; --fortsetzen only where there is a file beside which the journal can lie.
 enum class Keeps { Journal, Nothing };
 QList<QCommandLineOption> CarefulOptions(Keeps keeps);
 
-struct CarefulJob {
-    QString fileName; // beside which the journal lies; empty: there is none
-    QByteArray about; // what the job is about: another content is another job
-    std::vector<Step> steps;
-    QString heading;        // of what was done: "In den Handregler geschrieben:"
-    QString key;            // the same in JSON
-    bool takesBack = false; // writes back what stood there: only what differs
+/// False, after a message, when a call that only reads has an option of writing.
+[[nodiscard]] bool ReadsOnly(const Call &call);
+
+/// How what was written is headed: "In den Handregler geschrieben:", and its key in JSON.
+struct Heading {
+    QString text = QStringLiteral("In den Handregler geschrieben:");
+    QString key = QStringLiteral("geschrieben");
 };
 
-/// Calls the handheld and carries the job out, or only shows what it would do (--probe).
-Exit RunCarefully(const Call &call, const CarefulJob &job);
+/// A job with the options of the call; what it is about, its steps and its question are to be filled in.
+CarefulJob JobOf(const Call &call);
+
+/// Calls the handheld and carries the job out, or only shows what it would do (--probe). `settled` is called when all of it
+/// is done.
+Exit RunCarefully(const Call &call, const CarefulJob &job, const Heading &heading = {},
+    const std::function<void(const CarefulReport &)> &whenWritten = {});
 
 /// Prints changes: those that differ, or all; as JSON with pages and seconds.
-enum class Shown { All, OnlyDifferent };
-void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Shown shown);
+enum class Listed { All, OnlyDifferent };
+void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Listed listed);

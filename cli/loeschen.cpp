@@ -18,10 +18,11 @@ Exit Run(const Call &call)
         QStringLiteral("Sollen diese Lokdatensätze im Handregler gelöscht werden: %1?").arg(list), {}, BoxIcon::None};
     if (!call.has(QStringLiteral("probe")) && !TheAsk().askYesNo(question, false))
         return Exit::Stopped;
-    CarefulJob job{{}, {}, {}, QStringLiteral("Gelöscht:"), QStringLiteral("geloescht")};
+    CarefulJob job = JobOf(call);
+    job.asks = false; // it was asked
     for (const int number : *numbers)
         job.steps.push_back({StepKind::Delete, {RecordKind::Loco, number}, {}, {}});
-    return RunCarefully(call, job);
+    return RunCarefully(call, job, {QStringLiteral("Gelöscht:"), QStringLiteral("geloescht")});
 }
 
 } // namespace

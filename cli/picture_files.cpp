@@ -1,5 +1,6 @@
 #include "cli/picture_files.h"
 
+#include "cli/careful.h"
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
@@ -22,8 +23,20 @@ Exit ExitOfTransfer(const Outcome &outcome, const QString &what)
     return outcome.how() == End::ProgramEnds ? Exit::Stopped : Exit::Incomplete;
 }
 
-Exit ReadInto(const Call &call, const QString &fileName, const std::function<Result<Picture>()> &read)
+bool HasImageName(const QString &fileName)
 {
+    if (IsImageName(fileName))
+        return true;
+    UsageFault(QStringLiteral("%1: Der Name muss auf .bmp oder .png enden.").arg(fileName));
+    return false;
+}
+
+} // namespace
+
+Exit ReadPictureInto(const Call &call, const QString &fileName, const std::function<Result<Picture>()> &read)
+{
+    if (!HasImageName(fileName) || !ReadsOnly(call))
+        return Exit::Usage;
     const Service service(call);
     if (!service.ready())
         return service.failure();
@@ -45,15 +58,10 @@ Exit ReadInto(const Call &call, const QString &fileName, const std::function<Res
     return Exit::Done;
 }
 
-} // namespace
-
-Exit MovePicture(const Call &call, const QString &fileName, bool writes, Picture blank,
-    const std::function<Result<Picture>()> &read, const std::function<Outcome(const Picture &)> &write)
+Exit WritePictureFrom(const Call &call, const QString &fileName, const RecordId &id, Picture blank)
 {
-    if (!IsImageName(fileName))
-        return UsageFault(QStringLiteral("%1: Der Name muss auf .bmp oder .png enden.").arg(fileName));
-    if (!writes)
-        return ReadInto(call, fileName, read);
+    if (!HasImageName(fileName))
+        return Exit::Usage;
     const auto file = ReadFileArgument(fileName);
     if (!file)
         return Exit::Usage;
@@ -61,14 +69,9 @@ Exit MovePicture(const Call &call, const QString &fileName, bool writes, Picture
     if (!image.fault.isEmpty())
         return FileFaults(fileName, image.fault);
     std::copy(image.rows.begin(), image.rows.end(), blank.bytes.begin() + SizeBytes);
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    const Exit exit = ExitOfTransfer(
-        write(blank), QStringLiteral("Das Bild wurde nicht sicher geschrieben. Bitte auch die Nachbarn prüfen."));
-    if (exit == Exit::Done && call.options.json)
-        PrintJson(QJsonDocument(QJsonObject{{QStringLiteral("geschrieben"), fileName}}));
-    else if (exit == Exit::Done)
-        PrintLine(QStringLiteral("In den Handregler geschrieben: ") + fileName);
-    return exit;
+    CarefulJob job = JobOf(call);
+    job.about = *file;
+    job.steps = {{StepKind::Write, id, blank, {}}};
+    job.lead = RecordName(id) + QStringLiteral(" wird überschrieben.\r");
+    return RunCarefully(call, job);
 }

@@ -32,7 +32,9 @@ void AddGlobalOptions(QCommandLineParser &parser)
             {InterfaceOption, QStringLiteral("Interface: 1 (Orvanto 1 oder Tessaro) oder 3 (direkt)"),
                 QStringLiteral("1|3")},
             {FastOption, QStringLiteral("schnelle Übertragung")}, {JsonOption, QStringLiteral("Ergebnis als JSON")},
-            {YesOption, QStringLiteral("jede Frage mit Ja beantworten")},
+            {YesOption,
+                QStringLiteral("Fragen mit Ja beantworten (nicht, ob ein Auftrag fortgesetzt oder sein Fortschritt "
+                               "verworfen wird)")},
             {QuietOption, QStringLiteral("ohne Fortschritt und Hinweise")},
             {VersionOption, QStringLiteral("Version des Programms")},
             {{QStringLiteral("h"), HelpOption}, QStringLiteral("diese Hilfe, auch nach einem Befehl")}});
@@ -112,7 +114,8 @@ Exit Fault(const QString &text, const Command *command)
 
 std::optional<Options> OptionsOf(const QCommandLineParser &parser)
 {
-    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption)};
+    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption),
+        parser.isSet(YesOption), parser.isSet(QuietOption)};
     if (!parser.isSet(InterfaceOption))
         return options;
     const QString kind = parser.value(InterfaceOption);
@@ -156,7 +159,8 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
         exit = Fault(fault, command);
         return {};
     }
-    return Wish{command, {given, *options, &parser}, {parser.isSet(YesOption), parser.isSet(QuietOption)}};
+    return Wish{command, {given, *options, &parser, parser.positionalArguments().join(u' ')},
+        {parser.isSet(YesOption), parser.isSet(QuietOption)}};
 }
 
 bool InterruptTaken()

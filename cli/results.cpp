@@ -11,19 +11,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-void PrintGroup(const QString &heading, const std::vector<RecordId> &records)
-{
-    if (records.empty())
-        return;
-    PrintLine(heading);
-    PrintLine(ScreenLines(RecordsText(records)));
-}
-
-} // namespace
-
 Exit ExitOf(JobEnd end, bool allSound)
 {
     switch (end) {
@@ -60,38 +47,6 @@ QJsonArray RecordsJson(const std::vector<RecordId> &records)
         array += object;
     }
     return array;
-}
-
-Exit PrintReport(const Call &call, const Report &report, const QString &done, const QString &key)
-{
-    if (report.end != JobEnd::Complete)
-        Tell(EndText(report.end, QStringLiteral("Abgebrochen.")));
-    struct Group {
-        RecordState state;
-        QString heading;
-        QString key;
-    };
-    const Group groups[] = {{RecordState::Done, done, key},
-        {RecordState::Unchanged, QStringLiteral("Unverändert:"), QStringLiteral("unveraendert")},
-        {RecordState::Empty, QStringLiteral("Im Handregler leer und nicht geschrieben, weil der Name fehlt:"),
-            QStringLiteral("leer")},
-        {RecordState::Differs, QStringLiteral("Nach dem Schreiben nicht wie gewünscht:"), QStringLiteral("anders")},
-        {RecordState::Doubtful,
-            QStringLiteral("Unsicher, vielleicht nur zum Teil geschrieben (bitte auch die Nachbarn prüfen):"),
-            QStringLiteral("unsicher")},
-        {RecordState::Untouched, QStringLiteral("Nicht geschrieben:"), QStringLiteral("unberuehrt")}};
-    QJsonObject object;
-    for (const Group &group : groups) {
-        const auto ids = IdsOf(report, group.state);
-        object.insert(group.key, RecordsJson(ids));
-        if (!call.options.json)
-            PrintGroup(group.heading, ids);
-    }
-    if (call.options.json)
-        PrintJson(QJsonDocument(object));
-    else if (report.entries.empty())
-        PrintLine(QStringLiteral("Es war nichts zu schreiben."));
-    return ExitOf(report);
 }
 
 std::optional<std::vector<int>> ListArgument(const QString &text, int low, int high)

@@ -14,11 +14,6 @@ Exit ExitOf(JobEnd end, bool allSound);
 /// [{"art":"lok","nummer":3}, {"art":"fahrstrassen"}]
 QJsonArray RecordsJson(const std::vector<RecordId> &records);
 
-/// Prints what a writing job did, and tells why it ended early. `done` is the heading of what was done: "Geschrieben:".
-/// JSON: {"geschrieben":[...],"unveraendert":[...],"anders":[...],"unsicher":[...],"unberuehrt":[...]} with `key` for the
-/// first one.
-Exit PrintReport(const Call &call, const Report &report, const QString &done, const QString &key);
-
 /// The numbers of a list argument, or nothing after a message. "alle" stands for low-high.
 std::optional<std::vector<int>> ListArgument(const QString &text, int low, int high);
 

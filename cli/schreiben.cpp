@@ -47,9 +47,10 @@ Exit Run(const Call &call)
     }
     if (!NamesAccepted(*locos))
         return Exit::Stopped;
-    CarefulJob job{fileName, ReadWholeFile(fileName).value_or(QByteArray()), {},
-        QStringLiteral("In den Handregler geschrieben:"), QStringLiteral("geschrieben")};
-    job.about += call.value(OnlyOption).toUtf8();
+    CarefulJob job = JobOf(call);
+    job.fileName = fileName;
+    job.about = ReadWholeFile(fileName).value_or(QByteArray());
+    job.asks = false; // overwriting is what the command is for
     for (const ListedLoco &loco : *locos)
         job.steps.push_back(WriteStep(loco));
     return RunCarefully(call, job);

@@ -1,3 +1,4 @@
+#include "cli/careful.h"
 #include "cli/picture_files.h"
 #include "cli/results.h"
 #include "handheld/record_kinds.h"
@@ -6,6 +7,8 @@
 
 namespace
 {
+
+const auto BuiltInOption = QStringLiteral("auch-eingebaute");
 
 /// What the arguments say after "lesen" or "schreiben".
 struct Wanted {
@@ -59,6 +62,17 @@ std::optional<Wanted> WantedOf(const QStringList &words)
     return kind ? std::optional(Wanted{{*kind, number}, words.constLast()}) : std::nullopt;
 }
 
+Exit Write(const Call &call, const Wanted &wanted)
+{
+    const SymbolKind symbol = SymbolKindOf(wanted.id.kind);
+    if (wanted.id.number <= LastBuiltInSymbol(symbol) && !call.has(BuiltInOption))
+        return UsageFault(QStringLiteral("Das Symbol %1 ist eingebaut (0 bis %2). Mit --auch-eingebaute wird es "
+                                         "überschrieben.")
+                              .arg(wanted.id.number)
+                              .arg(LastBuiltInSymbol(symbol)));
+    return WritePictureFrom(call, wanted.fileName, wanted.id, EmptyPicture(symbol));
+}
+
 Exit Run(const Call &call)
 {
     const QString verb = call.arguments.value(0);
@@ -67,15 +81,12 @@ Exit Run(const Call &call)
     const auto wanted = WantedOf(call.arguments);
     if (!wanted)
         return Exit::Usage;
+    if (verb == u"schreiben")
+        return Write(call, *wanted);
     const RecordId &id = wanted->id;
-    const SymbolKind symbol = SymbolKindOf(id.kind);
     SpiImage image{};
-    return MovePicture(
-        call, wanted->fileName, verb == u"schreiben", EmptyPicture(symbol),
-        [&] { return ReadPicture(image, symbol, id.number, HalfOf(id.kind)); },
-        [&](const Picture &picture) {
-            return WritePicture(image, symbol, id.number, HalfOf(id.kind), picture, Patience::Job).outcome;
-        });
+    return ReadPictureInto(call, wanted->fileName,
+        [&] { return ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind)); });
 }
 
 } // namespace
@@ -85,8 +96,13 @@ Command SymbolCommand()
     return {QStringLiteral("symbol"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("lok|funktion|magnet"), QStringLiteral("NUMMER"),
             QStringLiteral("[ein|aus|gruen|rot]"), QStringLiteral("DATEI")},
-        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"), {}, Run,
-        QStringLiteral("NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
-                       "aus, bei magnet\n"
-                       "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14.")};
+        QStringLiteral("ein Symbol in eine Bilddatei (.bmp, .png) oder aus ihr in den Handregler"),
+        CarefulOptions(Keeps::Nothing) << QCommandLineOption(
+            BuiltInOption, QStringLiteral("überschreibt auch Symbole, die der Handregler mitbringt")),
+        Run,
+        QStringLiteral(
+            "NUMMER: bei lok 0 bis 63, bei funktion und magnet 0 bis 255. Bei funktion folgt ein oder "
+            "aus, bei magnet\n"
+            "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14. Beim Schreiben wird\n"
+            "vorher gefragt; eingebaut sind die Funktionssymbole 0 bis 163 und die Magnetartikelsymbole 0 bis 27.")};
 }

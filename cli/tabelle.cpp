@@ -1,3 +1,4 @@
+#include "cli/careful.h"
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
@@ -17,28 +18,25 @@ std::optional<RecordKind> KindOfWord(const QString &word)
     return {};
 }
 
-Report RunOne(StepKind step, RecordKind kind, const RecordValue &value)
-{
-    return RunJob({.steps = {{step, {kind, 0}, value, {}}},
-        .progress = [](const Step &running) { return ProgressText(running.id); },
-        .patience = step == StepKind::Read ? Patience::Agreed : Patience::Job,
-        .endsAtFailure = false,
-        .ownerTellsPortLoss = true});
-}
-
 /// The table as the handheld has it; nothing (after a message) when that is not sure.
 std::optional<RecordValue> ReadTable(RecordKind kind, Exit &exit)
 {
-    const Report report = RunOne(StepKind::Read, kind, {});
+    const Report report = RunJob({.steps = {{StepKind::Read, {kind, 0}, {}, {}}},
+        .progress = [](const Step &running) { return ProgressText(running.id); },
+        .patience = Patience::Agreed,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true});
     exit = ExitOf(report);
     if (exit == Exit::Done)
         return report.entries.front().value;
-    Tell(QStringLiteral("Die Tabelle wurde nicht sicher gelesen; es wird nichts geschrieben."));
+    Tell(QStringLiteral("Die Tabelle wurde nicht sicher gelesen; die Datei wird nicht geschrieben."));
     return {};
 }
 
 Exit ReadInto(const Call &call, RecordKind kind, const QString &fileName)
 {
+    if (!ReadsOnly(call))
+        return Exit::Usage;
     const Service service(call);
     if (!service.ready())
         return service.failure();
@@ -63,20 +61,15 @@ Exit WriteFrom(const Call &call, RecordKind kind, const QString &fileName)
     const TableChanges changes = ReadTableCsv(*file, kind);
     if (!changes.faults.empty())
         return FileFaults(fileName, FaultsText(changes.faults));
-    const Service service(call);
-    if (!service.ready())
-        return service.failure();
-    Exit exit = Exit::Done;
-    auto table = ReadTable(kind, exit);
-    if (!table)
-        return exit;
-    if (InterruptTaken()) { // while the table was read, which was finished
-        Tell(QStringLiteral("Abgebrochen: Es wurde nichts geschrieben."));
-        return Exit::Stopped;
-    }
-    changes.apply(*table);
-    return PrintReport(call, RunOne(StepKind::Write, kind, *table), QStringLiteral("In den Handregler geschrieben:"),
-        QStringLiteral("geschrieben"));
+    CarefulJob job = JobOf(call);
+    job.about = *file;
+    job.steps = {{StepKind::Merge, {kind, 0}, {}, [changes](const RecordValue &present) {
+                      RecordValue table = present;
+                      changes.apply(table);
+                      return table;
+                  }}};
+    job.lead = RowOf(kind).plural + QStringLiteral(":\r");
+    return RunCarefully(call, job);
 }
 
 Exit Run(const Call &call)
@@ -99,8 +92,9 @@ Command TableCommand()
     return {QStringLiteral("tabelle"),
         {QStringLiteral("lesen|schreiben"), QStringLiteral("fahrstrassen|zuordnung|magliste"),
             QStringLiteral("DATEI.csv")},
-        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"), {}, Run,
-        QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt. Spalten:\n"
+        QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"),
+        CarefulOptions(Keeps::Nothing), Run,
+        QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt; vorher wird gefragt. Spalten:\n"
                        "  fahrstrassen  Fahrstraße;Rückmelder;Auslösung (frei oder besetzt)\n"
                        "  zuordnung     Adresse;Symbol\n"
                        "  magliste      Platz;Adresse;Bezeichnung;Symbol")};

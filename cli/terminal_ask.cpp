@@ -73,14 +73,14 @@ bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
         return false;
     }
     WriteRaw(LineText(box) + (defaultYes ? QStringLiteral(" [J/n] ") : QStringLiteral(" [j/N] ")));
-    std::optional<QString> answer;
-    console.readLine([&answer](const QString &line) { answer = line; });
+    std::optional<Console::Line> answer;
+    console.readLine([&answer](const Console::Line &line) { answer = line; });
     const bool answered = PumpUntilAnswered([&answer] { return answer.has_value(); });
     console.stopReading();
-    const QString word = answered ? answer->trimmed().toLower() : QString();
-    if (word.isEmpty())
-        return answered && defaultYes;
-    return word.startsWith(u'j');
+    if (!answered || !*answer) // nobody is there any more, who could say Ja
+        return false;
+    const QString word = (*answer)->trimmed().toLower();
+    return word.isEmpty() ? defaultYes : word.startsWith(u'j');
 }
 
 QString TerminalAsk::askText(const QString &, const QString &)

@@ -2,7 +2,6 @@
 #include "cli/output.h"
 #include "cli/results.h"
 #include "cli/service.h"
-#include "jobs/careful_write.h"
 #include "jobs/report.h"
 
 #include <algorithm>
@@ -29,7 +28,7 @@ Exit ExitOfChanges(const std::vector<RecordChange> &changes)
     };
     if (has(Change::Unknown))
         return Exit::Incomplete;
-    return ToBeWritten(changes, true).empty() ? Exit::Done : Exit::Differs;
+    return ToBeWritten(changes, Written::Changes).empty() ? Exit::Done : Exit::Differs;
 }
 
 Exit WithHandheld(const Call &call, const std::vector<DdsRecord> &records)
@@ -41,7 +40,7 @@ Exit WithHandheld(const Call &call, const std::vector<DdsRecord> &records)
     for (const DdsRecord &record : records)
         steps.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
     const Look look = LookAt(steps);
-    PrintChanges(call, look.changes, Shown::OnlyDifferent);
+    PrintChanges(call, look.changes, Listed::OnlyDifferent);
     if (look.end == JobEnd::Complete)
         return ExitOfChanges(look.changes);
     Tell(EndText(look.end, QStringLiteral("Abgebrochen.")));
@@ -59,7 +58,7 @@ Exit Run(const Call &call)
     if (!second)
         return Exit::Usage;
     const auto changes = Differences(*first, *second);
-    PrintChanges(call, changes, Shown::OnlyDifferent);
+    PrintChanges(call, changes, Listed::OnlyDifferent);
     return ExitOfChanges(changes);
 }
 

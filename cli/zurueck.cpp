@@ -9,8 +9,9 @@ Exit Run(const Call &call)
     const auto offer = OfferRestore(call.arguments.value(0));
     if (!offer)
         return Exit::Usage;
-    CarefulJob job{call.arguments.value(0), {}, {}, QStringLiteral("In den Handregler geschrieben:"),
-        QStringLiteral("geschrieben")};
+    CarefulJob job = JobOf(call);
+    job.fileName = call.arguments.value(0);
+    job.asks = false; // it was asked
     for (const DdsRecord &record : offer->records)
         job.about += record.bytes;
     job.steps = RestorePlan(offer->records).steps;

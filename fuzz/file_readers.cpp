@@ -1,7 +1,7 @@
 #include "fuzz/file_readers.h"
 
 #include "handheld/backup/dds_file.h"
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "program/settings_file.h"
 
 namespace

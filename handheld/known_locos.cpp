@@ -1,5 +1,6 @@
 #include "handheld/known_locos.h"
 
+#include "handheld/text_encoding.h"
 #include "platform/text.h"
 
 #include <map>
@@ -9,16 +10,19 @@ namespace
 std::map<int, QString> names; // of the used addresses; empty = not known
 } // namespace
 
-void NoteLoco(int address, const QString &name)
+void NoteRecord(int address, const LocoRecord &record)
 {
-    QString &known = names[address];
-    if (!name.isEmpty())
-        known = WithoutTrailingBlanks(name);
+    NoteUse(address, !IsEmptyName(record.name));
+    if (IsKnownLoco(address))
+        names.at(address) = WithoutTrailingBlanks(AsStored(record.name, NameLength));
 }
 
-void NoteNoLoco(int address)
+void NoteUse(int address, bool used)
 {
-    names.erase(address);
+    if (used)
+        names.try_emplace(address);
+    else
+        names.erase(address);
 }
 
 bool IsKnownLoco(int address)

@@ -2,12 +2,11 @@
 // since it was found. Another handheld may answer to the next search: it forgets all.
 #pragma once
 
-#include <QString>
+#include "handheld/loco_record.h"
 
-/// Called by whoever has read, looked at or written a loco record without a doubt. An empty name means that it is not
-/// known; one that is known already stays then.
-void NoteLoco(int address, const QString &name);
-void NoteNoLoco(int address);
+/// Jobs and commands tell what they have read or written without a doubt, or only looked for.
+void NoteRecord(int address, const LocoRecord &record);
+void NoteUse(int address, bool used);
 
 /// True when the handheld holds a loco under this address; false when not, or when nothing is known about it.
 [[nodiscard]] bool IsKnownLoco(int address);

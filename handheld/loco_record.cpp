@@ -1,7 +1,5 @@
 #include "handheld/loco_record.h"
 
-#include "handheld/known_locos.h"
-
 #include "handheld/text_encoding.h"
 #include "platform/text.h"
 
@@ -51,23 +49,6 @@ PageResult ProgramRecord(
     const int address = LocoRecordAddress(locoNumber);
     const PagePart part{PageOffset(address), std::move(data), lastSlice, ExecuteLength};
     return ProgramPage(image, {address, true, {part}}, patience);
-}
-
-void Note(int locoNumber, const QString &name)
-{
-    if (IsEmptyName(name))
-        NoteNoLoco(locoNumber);
-    else
-        NoteLoco(locoNumber, name);
-}
-
-/// What a look at the first byte of a place says; behind the last loco lie no records.
-void NoteUse(int locoNumber, bool used)
-{
-    if (used && locoNumber <= LastLoco)
-        NoteLoco(locoNumber, {});
-    else if (!used)
-        NoteNoLoco(locoNumber);
 }
 
 } // namespace
@@ -133,19 +114,13 @@ Result<LocoRecord> ReadLoco(SpiImage &image, int locoNumber, const Patience &pat
             read.keep(ReadSlices(image, SliceSize, LastSlice, manner));
         return read;
     });
-    LocoRecord record = DecodeLoco(BytesAt(image, ReadPosition));
-    if (outcome.ok())
-        Note(locoNumber, record.name);
-    return {std::move(record), outcome};
+    return {DecodeLoco(BytesAt(image, ReadPosition)), outcome};
 }
 
 PageResult WriteLoco(SpiImage &image, int locoNumber, const LocoRecord &record, const Patience &patience)
 {
     const LocoBytes bytes = EncodeLoco(record, BytesAt(image, WritePosition));
-    PageResult result = ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
-    if (result.ok())
-        Note(locoNumber, IsEmptyName(record.name) ? record.name : AsStored(record.name, NameLength));
-    return result;
+    return ProgramRecord(image, locoNumber, {bytes.begin(), bytes.end()}, LastSlice, patience);
 }
 
 PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &beneath)
@@ -156,10 +131,7 @@ PagePart LocoPart(int locoNumber, const LocoRecord &record, const LocoBytes &ben
 
 PageResult DeleteLoco(SpiImage &image, int locoNumber, const Patience &patience)
 {
-    PageResult result = ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
-    if (result.ok())
-        NoteNoLoco(locoNumber);
-    return result;
+    return ProgramRecord(image, locoNumber, std::vector<quint8>(NameLength, EmptyByte), 0, patience);
 }
 
 Result<bool> LocoIsUsed(int locoNumber, const Patience &patience)
@@ -169,10 +141,7 @@ Result<bool> LocoIsUsed(int locoNumber, const Patience &patience)
         Outcome read = read_flash_to_spibuf(LocoRecordAddress(locoNumber), 1, manner);
         return read.ok() ? read_spibuf(image, 0, manner) : read;
     });
-    const bool used = outcome.ok() && image.at(ReadPosition) != EmptyByte;
-    if (outcome.ok())
-        NoteUse(locoNumber, used);
-    return {used, outcome};
+    return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
 }
 
 Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience)
@@ -185,10 +154,7 @@ Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience)
         return read;
     });
     NeighbourUse use{};
-    for (size_t i = 0; i < Neighbours; ++i) {
+    for (size_t i = 0; i < Neighbours; ++i)
         use.at(i) = image.at(static_cast<size_t>(FirstByteIndex(i))) != EmptyByte;
-        if (outcome.ok())
-            NoteUse(firstLoco + static_cast<int>(i), use.at(i));
-    }
     return {use, outcome};
 }

@@ -9,6 +9,14 @@ Picture EmptyPicture(SymbolKind kind)
     return picture;
 }
 
+Picture EmptyStartPicture()
+{
+    constexpr PictureGeometry geometry = StartImageGeometry;
+    Picture picture{geometry, std::vector<quint8>(static_cast<size_t>(FlashBytesOf(geometry)), 0)};
+    LaySizeBytes(picture);
+    return picture;
+}
+
 void LaySizeBytes(Picture &picture)
 {
     picture.bytes.at(0) = static_cast<quint8>(picture.geometry.width / 2 - 1);

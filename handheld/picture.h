@@ -60,6 +60,7 @@ constexpr int BackupBytesOf(SymbolKind kind)
 
 /// An all white picture with the right size bytes, as many bytes as a backup carries.
 Picture EmptyPicture(SymbolKind kind);
+Picture EmptyStartPicture();
 
 /// Writes the two size bytes that fit the geometry: a handheld that is given others shows rubbish.
 void LaySizeBytes(Picture &picture);

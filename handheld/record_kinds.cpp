@@ -129,6 +129,18 @@ KindRow TableRow(int flashBytes, int readMessages, int writeMessages, const Tabl
         .option = texts.key};
 }
 
+KindRow StartImageRow()
+{
+    return {.flashBytes = FlashBytesOf(StartImageGeometry),
+        .readMessages = 22,
+        .writeMessages = 19,
+        .name = QStringLiteral("Startbild"),
+        .plural = QStringLiteral("Startbild"),
+        .caption = QStringLiteral("Startbild"),
+        .progress = QStringLiteral("Startbild"),
+        .jsonKey = QStringLiteral("startbild")};
+}
+
 /// In the order of AllKinds.
 Rows Table()
 {
@@ -144,7 +156,8 @@ Rows Table()
         QStringLiteral("MagListe")};
     return {LocoRow(), LocoSymbolRow(), FunctionRow(HalfOn), FunctionRow(HalfOff),
         TableRow(Routes::size(), 24, 21, routes), AccessoryRow(HalfOn), AccessoryRow(HalfOff),
-        TableRow(Assignment::size(), 160, 139, assignment), TableRow(AccessoryList::size(), 20, 21, places)};
+        TableRow(Assignment::size(), 160, 139, assignment), TableRow(AccessoryList::size(), 20, 21, places),
+        StartImageRow()};
 }
 
 constexpr int SymbolsOfPage = 8;
@@ -238,6 +251,8 @@ Result<RecordValue> ReadRecord(
         return AsRecord(ReadAssignment(image, onGroup, patience));
     case RecordKind::PlaceTable:
         return AsRecord(ReadAccessoryList(image, patience));
+    case RecordKind::StartImage:
+        return AsRecord(ReadStartPicture(image, patience));
     default:
         return AsRecord(ReadPicture(image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind), patience));
     }
@@ -254,6 +269,8 @@ PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &v
         return WriteAssignment(image, std::get<Assignment>(value), patience);
     case RecordKind::PlaceTable:
         return WriteAccessoryList(image, std::get<AccessoryList>(value), patience);
+    case RecordKind::StartImage:
+        return WriteStartPicture(image, std::get<Picture>(value), patience);
     default:
         return WritePicture(
             image, SymbolKindOf(id.kind), id.number, HalfOf(id.kind), std::get<Picture>(value), patience);
@@ -280,6 +297,9 @@ int PageAddressOf(const RecordId &id)
         break;
     case RecordKind::PlaceTable:
         address = MagListeAddress;
+        break;
+    case RecordKind::StartImage:
+        address = StartImageAddress;
         break;
     default:
         address = PictureAddress(SymbolKindOf(id.kind), id.number, HalfOf(id.kind));

@@ -8,6 +8,7 @@
 //   6, 7  accessory symbol grn, red  0..255    Picture
 //      8  accessory assignment       none      Assignment
 //      9  accessory list             none      AccessoryList
+//     10  start image                none      Picture, of a backup no part
 #pragma once
 
 #include "handheld/block_tables.h"
@@ -31,12 +32,13 @@ enum class RecordKind : quint8 {
     AccessoryGreen = 6,
     AccessoryRed = 7,
     AssignmentTable = 8,
-    PlaceTable = 9
+    PlaceTable = 9,
+    StartImage = 10
 };
 
 inline constexpr std::array AllKinds{RecordKind::Loco, RecordKind::LocoSymbol, RecordKind::FunctionOn,
     RecordKind::FunctionOff, RecordKind::RouteTable, RecordKind::AccessoryGreen, RecordKind::AccessoryRed,
-    RecordKind::AssignmentTable, RecordKind::PlaceTable};
+    RecordKind::AssignmentTable, RecordKind::PlaceTable, RecordKind::StartImage};
 
 /// The byte of a kind in files, and the kind of a byte; nothing when there is no such kind.
 constexpr int ByteOfKind(RecordKind kind)
@@ -64,7 +66,7 @@ struct KindRow {
     std::optional<SymbolKind> symbol{}; // of the symbol kinds
     int half = 0;                       // of the symbols that have two
     int flashBytes = 0;                 // of its content
-    int backupBytes = 0;                // of its record in a backup file, with the kind byte
+    int backupBytes = 0;                // of its record in a backup file, with the kind byte; 0: it has none there
     int readMessages = 0;               // what reading one costs on a quiet bus
     int writeMessages = 0;
     int entries = 0;        // of a table

@@ -20,6 +20,16 @@ constexpr int HalfOff = 1; // function symbol OFF, accessory symbol red
 constexpr int LokSymbolCount = 64;
 constexpr int PairCount = 256;
 
+/// The symbols up to this number came with the handheld; -1 where none did.
+constexpr int LastBuiltInSymbol(SymbolKind kind)
+{
+    constexpr int lastFunction = 163;
+    constexpr int lastAccessory = 27;
+    if (kind == SymbolKind::Loco)
+        return -1;
+    return kind == SymbolKind::Function ? lastFunction : lastAccessory;
+}
+
 /// The picture of a symbol with the bytes that a backup carries; half is ignored for loco symbols.
 Result<Picture> ReadPicture(
     SpiImage &image, SymbolKind kind, int n, int half, const Patience &patience = Patience::Agreed);

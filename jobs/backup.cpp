@@ -3,7 +3,7 @@
 #include "handheld/backup/dds_file.h"
 #include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
-#include "jobs/careful_write.h"
+#include "jobs/journal.h"
 #include "jobs/report.h"
 #include "platform/files.h"
 #include "program/ask.h"

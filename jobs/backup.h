@@ -4,9 +4,9 @@
 // routes, assignment, accessory list. An empty loco record gives none. A number that is listed twice is read once.
 #pragma once
 
-#include "handheld/backup/selection.h"
 #include "jobs/journal.h"
 #include "jobs/runner.h"
+#include "jobs/selection.h"
 #include "program/ask.h"
 
 struct BackupOutcome {

@@ -109,8 +109,10 @@ std::optional<RecordValue> WantedBy(const Step &step, const std::optional<Record
         return LocoRecord{.name = EmptyName()};
     if (step.kind != StepKind::Merge)
         return step.value;
-    const auto *loco = present ? std::get_if<LocoRecord>(&*present) : nullptr;
-    if (loco != nullptr && !IsEmptyName(loco->name))
+    if (!present)
+        return {};
+    const auto *loco = std::get_if<LocoRecord>(&*present);
+    if (loco == nullptr || !IsEmptyName(loco->name))
         return step.merge(*present);
     return step.fillsEmpty ? std::optional<RecordValue>(step.value) : std::nullopt;
 }
@@ -130,7 +132,54 @@ std::optional<RecordValue> PresentFor(const Step &step, const JobEntry &entry)
     return strange && step.kind != StepKind::Merge ? entry.value : SoundValue(entry);
 }
 
+LocoBytes Erased()
+{
+    LocoBytes erased{};
+    erased.fill(EmptyByte);
+    return erased;
+}
+
+/// An empty record has nothing that counts.
+SavedRecord WithoutRemains(SavedRecord record)
+{
+    if (record.id.kind == RecordKind::Loco && record.bytes.startsWith(static_cast<char>(EmptyByte)))
+        record.bytes.fill(static_cast<char>(EmptyByte));
+    return record;
+}
+
+SavedRecord Exactly(const RecordId &id, const LocoBytes &bytes)
+{
+    return {id, QByteArray(reinterpret_cast<const char *>(bytes.data()), static_cast<qsizetype>(bytes.size()))};
+}
+
 } // namespace
+
+std::optional<SavedRecord> PresentRecord(const RecordChange &change)
+{
+    if (change.presentBytes)
+        return WithoutRemains(Exactly(change.id, *change.presentBytes));
+    if (!change.present)
+        return {};
+    return WithoutRemains(SavedRecordOf(change.id, *change.present, Erased()));
+}
+
+SavedRecord WantedRecord(const RecordChange &change)
+{
+    if (change.wantedBytes)
+        return WithoutRemains(Exactly(change.id, *change.wantedBytes));
+    return WithoutRemains(SavedRecordOf(change.id, change.wanted, change.presentBytes.value_or(Erased())));
+}
+
+std::optional<SavedRecord> ReadRecordOf(const JobEntry &entry)
+{
+    if (entry.state == RecordState::Empty)
+        return SavedRecord{entry.step.id, QByteArray(LocoRecordSize, static_cast<char>(EmptyByte))};
+    if (!entry.outcome.ok() || !entry.value)
+        return {};
+    if (entry.bytes)
+        return Exactly(entry.step.id, *entry.bytes);
+    return SavedRecordOf(entry.step.id, *entry.value, Erased());
+}
 
 QString ChangeText(Change change)
 {
@@ -147,6 +196,8 @@ QString ChangeText(Change change)
         return QStringLiteral("unverändert");
     case Change::Nameless:
         return QStringLiteral("leer; ohne Namen wird nichts geschrieben");
+    case Change::EditedSince:
+        return QStringLiteral("seither geändert; bleibt");
     case Change::Unknown:
         break;
     }
@@ -217,8 +268,12 @@ std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report
         const auto value = entry != nullptr ? PresentFor(step, *entry) : std::nullopt;
         const auto wanted = WantedBy(step, value);
         const Change unwanted = value ? Change::Nameless : Change::Unknown;
-        changes.push_back({step.id, wanted ? ChangeOf(value, *wanted) : unwanted, wanted.value_or(step.value), value,
-            entry != nullptr ? entry->bytes : std::nullopt});
+        RecordChange change{step.id, wanted ? ChangeOf(value, *wanted) : unwanted, wanted.value_or(step.value), value,
+            entry != nullptr ? entry->bytes : std::nullopt, step.exact};
+        const bool otherBytes = step.exact && change.presentBytes && *step.exact != *change.presentBytes;
+        if (change.change == Change::Unchanged && otherBytes)
+            change.change = Change::Changed; // in what nobody interprets
+        changes.push_back(std::move(change));
     }
     return changes;
 }
@@ -247,9 +302,10 @@ std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const
         const auto before = valueIn(left, id);
         const auto after = valueIn(right, id);
         if (before && after)
-            changes.push_back({id, ChangeOf(before, *after), *after, before, {}});
+            changes.push_back({id, ChangeOf(before, *after), *after, before, {}, {}});
         else
-            changes.push_back({id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}});
+            changes.push_back(
+                {id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}, {}});
     }
     return changes;
 }
@@ -278,11 +334,12 @@ double SecondsOf(const std::vector<RecordChange> &changes, bool verify)
     return messages * SecondsPerMessage();
 }
 
-std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, bool onlyChanges)
+std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, Written which)
 {
     std::vector<RecordChange> wanted = changes;
-    std::erase_if(wanted, [onlyChanges](const RecordChange &change) {
-        return change.change == Change::Nameless || (onlyChanges && change.change == Change::Unchanged);
+    std::erase_if(wanted, [which](const RecordChange &change) {
+        const bool needless = change.change == Change::Unchanged || change.change == Change::EditedSince;
+        return change.change == Change::Nameless || (which == Written::Changes && needless);
     });
     return wanted;
 }

@@ -4,6 +4,7 @@
 
 #include "handheld/backup/dds_file.h"
 #include "jobs/runner.h"
+#include "jobs/saved_state.h"
 
 #include <QStringList>
 
@@ -15,8 +16,9 @@ enum class Change {
     OtherLoco, // another loco stands there and is overwritten
     Emptied,   // what stands there is deleted
     Unchanged,
-    Nameless, // an empty record, and nothing says which name it is to get: it is left alone
-    Unknown,  // what stands there was not read, or not without a doubt
+    Nameless,    // an empty record, and nothing says which name it is to get: it is left alone
+    EditedSince, // somebody has changed it since the change that is taken back: it is left alone
+    Unknown,     // what stands there was not read, or not without a doubt
 };
 
 /// "neu", "geändert", "überschreibt eine andere Lok", ...
@@ -40,9 +42,18 @@ struct RecordChange {
     RecordId id;
     Change change = Change::Unknown;
     RecordValue wanted;
-    std::optional<RecordValue> present;    // as read; an empty loco record has an empty name
-    std::optional<LocoBytes> presentBytes; // of a loco record that is not empty
+    std::optional<RecordValue> present;     // as read; an empty loco record has an empty name
+    std::optional<LocoBytes> presentBytes;  // of a loco record that is not empty
+    std::optional<LocoBytes> wantedBytes{}; // of a loco record that is to be the same to the byte
 };
+
+/// The bytes in the flash of what stands there, as far as it was read, and of what is to stand there. An empty loco record
+/// counts as erased: its first byte alone says that it is empty.
+std::optional<SavedRecord> PresentRecord(const RecordChange &change);
+SavedRecord WantedRecord(const RecordChange &change);
+
+/// The same of what was read for sure, also where it is not understood.
+std::optional<SavedRecord> ReadRecordOf(const JobEntry &entry);
 
 /// What becomes different, field by field; tables entry by entry; pictures by how many pixels differ. Empty when nothing
 /// does.
@@ -66,5 +77,7 @@ std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const
 size_t PagesOf(const std::vector<RecordChange> &changes);
 double SecondsOf(const std::vector<RecordChange> &changes, bool verify);
 
-/// Those that would be written: all but Nameless, or only what differs or is not known.
-std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, bool onlyChanges);
+/// Those that would be written: what differs or is not known, or all; never what is Nameless, and what was edited since only
+/// when all is wanted.
+enum class Written { Changes, All };
+std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, Written which);

@@ -1,6 +1,10 @@
 #include "jobs/journal.h"
 
+#include "handheld/backup/number_list.h"
+#include "jobs/checked_lines.h"
+#include "jobs/saved_state.h"
 #include "platform/files.h"
+#include "platform/world.h"
 #include "program/ask.h"
 
 #include <QCryptographicHash>
@@ -9,79 +13,69 @@
 namespace
 {
 
-const auto FirstLine = QStringLiteral("handregler-fortschritt 1");
+const auto FormatWord = QStringLiteral("handregler-fortschritt ");
+const auto FirstLine = QStringLiteral("handregler-fortschritt 2");
 const auto JobWord = QStringLiteral("auftrag");
 const auto HandheldWord = QStringLiteral("handregler");
-const auto BeforeWord = QStringLiteral("vorher");
-const auto PageWord = QStringLiteral("seite");
-const auto PageEndWord = QStringLiteral("seitenende");
+const auto BegunWord = QStringLiteral("begonnen");
+const auto RecordsWord = QStringLiteral("saetze");
+const auto SnapshotWord = QStringLiteral("vorher");
 const auto FinishedWord = QStringLiteral("fertig");
 const auto DataWord = QStringLiteral("daten");
 const auto EmptyWord = QStringLiteral("leer");
-const auto AnewWord = QStringLiteral("neu");
 
 constexpr qint64 LargestJournal = 64 * 1024 * 1024;
 
-QString IdText(const RecordId &id)
+/// "1:1-5,8 3:7 5:0"
+QString RecordsLine(const std::vector<RecordId> &records)
 {
-    return QString::number(ByteOfKind(id.kind)) + u' ' + QString::number(id.number);
+    std::map<RecordKind, std::vector<int>> numbers;
+    for (const RecordId &id : records)
+        numbers[id.kind].push_back(id.number);
+    QStringList parts;
+    for (const auto &[kind, list] : numbers)
+        parts += QString::number(ByteOfKind(kind)) + u':' + ShortList(list, QString());
+    return parts.join(u' ');
 }
 
-std::optional<RecordId> IdOf(const QString &text)
+bool TakeRecords(std::set<RecordId> &records, const QString &rest)
 {
-    bool isNumber = false;
-    const auto kind = KindOfByte(text.section(u' ', 0, 0).toInt()); // 0, no kind, where it is no number
-    const int number = text.section(u' ', 1).toInt(&isNumber);
-    const bool sound = kind && isNumber && number >= RowOf(*kind).lowest && number <= RowOf(*kind).highest;
-    return sound ? std::optional(RecordId{*kind, number}) : std::nullopt;
-}
-
-/// Takes one line; false when it is none of a journal.
-bool TakeRecord(JournalContent &content, const QString &word, const QString &rest)
-{
-    if (word == DataWord) {
-        const DdsContent data = ReadDds(QByteArray::fromHex(rest.toLatin1()));
-        content.read.insert(content.read.end(), data.records.begin(), data.records.end());
-        return !data.fault && data.records.size() == 1;
+    for (const QString &part : rest.split(u' ', Qt::SkipEmptyParts)) {
+        const QString kind = part.section(u':', 0, 0);
+        NumberList numbers(part.section(u':', 1));
+        for (int n = numbers.next(); n >= 0; n = numbers.next()) {
+            const auto id = IdOf(kind + u' ' + QString::number(n));
+            if (!id)
+                return false;
+            records.insert(*id);
+        }
     }
-    const auto id = IdOf(rest);
-    if (!id || (word != FinishedWord && word != EmptyWord))
-        return false;
-    (word == FinishedWord ? content.finished : content.empty).push_back(*id);
     return true;
 }
 
-bool TakePage(JournalContent &content, const QString &word, const QString &rest)
+void TakeData(JournalContent &content, const QString &rest)
 {
-    bool isNumber = false;
-    const int address = rest.toInt(&isNumber);
-    content.touchedPages.insert(address);
-    if (word == PageWord)
-        content.openPages.insert(address);
-    else
-        content.openPages.erase(address);
-    return isNumber;
+    const DdsContent data = ReadDds(QByteArray::fromHex(rest.toLatin1()));
+    if (!data.fault && data.records.size() == 1)
+        content.read.push_back(data.records.front());
 }
 
-bool TakeLine(JournalContent &content, const QString &line)
+/// Takes one line behind the head. What is not understood does not count.
+void TakeLine(JournalContent &content, const QString &line)
 {
     const QString word = line.section(u' ', 0, 0);
     const QString rest = line.section(u' ', 1);
-    if (line == AnewWord) {
-        content.finished.clear();
-        return true;
-    }
-    if (word == BeforeWord) {
-        content.savedBefore = rest;
-        return true;
-    }
-    return word == PageWord || word == PageEndWord ? TakePage(content, word, rest) : TakeRecord(content, word, rest);
-}
-
-/// The lines that were written to their end.
-QStringList WholeLines(const QByteArray &bytes)
-{
-    return QString::fromUtf8(bytes.left(bytes.lastIndexOf('\n') + 1)).split(u'\n', Qt::SkipEmptyParts);
+    const auto id = word == FinishedWord || word == EmptyWord ? IdOf(rest) : std::nullopt;
+    if (id)
+        (word == FinishedWord ? content.finished : content.empty).push_back(*id);
+    else if (word == DataWord)
+        TakeData(content, rest);
+    else if (word == SnapshotWord)
+        content.snapshot = rest;
+    else if (word == BegunWord)
+        content.begun = QDateTime::fromString(rest, Qt::ISODate);
+    else if (word == RecordsWord && !TakeRecords(content.records, rest))
+        content.records.clear();
 }
 
 BoxText FaultBox(const QString &text)
@@ -115,16 +109,50 @@ std::optional<JournalContent> ReadJournal(const QString &fileName)
     JournalContent content;
     if (!file.open(QIODevice::ReadOnly) || file.size() > LargestJournal)
         return content;
-    const QStringList lines = WholeLines(file.readAll());
+    const QByteArray bytes = file.readAll();
+    content.otherVersion =
+        bytes.startsWith(FormatWord.toUtf8()) && !bytes.startsWith(QByteArray(FirstLine.toUtf8() + ' '));
+    const QStringList lines = ReadCheckedLines(bytes).texts;
     const bool named = lines.size() >= 3 && lines.at(0) == FirstLine && lines.at(1).startsWith(JobWord + u' ')
         && lines.at(2).startsWith(HandheldWord + u' ');
-    for (qsizetype i = 3; named && i < lines.size(); ++i) {
-        if (!TakeLine(content, lines.at(i)))
-            return JournalContent(); // damaged: nothing of it is believed
-    }
-    if (named)
-        content.head = {lines.at(1).section(u' ', 1), lines.at(2).section(u' ', 1)};
+    if (!named || content.otherVersion)
+        return content;
+    content.head = {lines.at(1).section(u' ', 1), lines.at(2).section(u' ', 1)};
+    for (const QString &line : lines.mid(3))
+        TakeLine(content, line);
     return content;
+}
+
+Earlier EarlierPart(const QString &fileName, const JournalHead &head, JournalContent &content)
+{
+    const auto found = ReadJournal(fileName);
+    if (!found)
+        return Earlier::None;
+    content = *found;
+    if (content.otherVersion)
+        return Earlier::OtherVersion;
+    if (content.head.job.isEmpty())
+        return Earlier::Damaged;
+    if (content.head.job != head.job)
+        return Earlier::OtherJob;
+    return content.head.handheld == head.handheld ? Earlier::Fits : Earlier::OtherHandheld;
+}
+
+QString EarlierFault(Earlier earlier, const QString &fileName)
+{
+    QString reason;
+    if (earlier == Earlier::Damaged)
+        reason = QStringLiteral("Er ist beschädigt.");
+    else if (earlier == Earlier::OtherVersion)
+        reason = QStringLiteral("Er stammt von einer anderen Version dieses Programms.");
+    else if (earlier == Earlier::OtherJob)
+        reason = QStringLiteral("Er gehört zu einem anderen Auftrag, oder die Datei wurde seither geändert.");
+    else if (earlier == Earlier::OtherHandheld)
+        reason = QStringLiteral("Er gehört zu einem anderen Handregler.");
+    if (reason.isEmpty())
+        return {};
+    return QStringLiteral("Der Fortschritt %1 passt nicht. %2")
+        .arg(QDir::toNativeSeparators(JournalName(fileName)), reason);
 }
 
 Journal::Journal(const QString &fileName)
@@ -152,7 +180,7 @@ bool Journal::lockIt()
     return false;
 }
 
-bool Journal::begin(const JournalHead &head)
+bool Journal::begin(const JournalHead &head, const std::vector<RecordId> &records)
 {
     if (!lockIt())
         return false;
@@ -163,6 +191,9 @@ bool Journal::begin(const JournalHead &head)
     line(FirstLine);
     line(JobWord + u' ' + head.job);
     line(HandheldWord + u' ' + head.handheld);
+    line(BegunWord + u' ' + TheEvents().now().toString(Qt::ISODate));
+    if (!records.empty())
+        line(RecordsWord + u' ' + RecordsLine(records));
     if (!writes)
         ReportFileUnwritable(file.fileName());
     return writes;
@@ -185,28 +216,13 @@ bool Journal::goOn()
 
 void Journal::line(const QString &text)
 {
-    const QByteArray bytes = text.toUtf8() + '\n';
+    const QByteArray bytes = CheckedLine(text);
     writes = writes && file.write(bytes) == bytes.size() && file.flush();
 }
 
-void Journal::beginsAnew()
+void Journal::snapshot(const QString &snapshotFile)
 {
-    line(AnewWord);
-}
-
-void Journal::savedBefore(const QString &beforeFile)
-{
-    line(BeforeWord + u' ' + beforeFile);
-}
-
-void Journal::pageBegins(int address)
-{
-    line(PageWord + u' ' + QString::number(address));
-}
-
-void Journal::pageEnds(int address)
-{
-    line(PageEndWord + u' ' + QString::number(address));
+    line(SnapshotWord + u' ' + snapshotFile);
 }
 
 void Journal::finished(const RecordId &id)

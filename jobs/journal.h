@@ -1,19 +1,17 @@
 // The journal of a job, beside its file: NAME.fortschritt. It takes each finished record at once, so that a job that was
 // stopped, lost its port or was killed goes on where it was.
 //
-// Text, UTF-8, a line each, ended by LF; a last line without its end was being written when the program died and does
-// not count:
+// Text, UTF-8, checked lines (jobs/checked_lines.h). A line that is spoilt does not count: its record is moved once more.
 //
-//   handregler-fortschritt 1
+//   handregler-fortschritt 2
 //   auftrag <what>            "sichern" or "schreiben", and what it is about: a checksum of file or selection
 //   handregler <type> <version>
-//   vorher <file>             what stood there before (jobs/saved_before.h); missing where it was not saved
-//   seite <address>           this page is about to be programmed
-//   seitenende <address>      it is, and all its records are done
-//   fertig <kind> <number>    this record is written, and verified where that was wanted
+//   begonnen <yyyy-MM-ddTHH:mm:ss>
+//   saetze <kind>:<list> ...  the records that a writing job is about
+//   vorher <file>             the undo snapshot (jobs/undo_snapshot.h); missing where there is none
+//   fertig <kind> <number>    this record is written, and proved where that was wanted
 //   daten <hex>               this record is read: its bytes as in a backup file
 //   leer <kind> <number>      this record was read and is empty
-//   neu                       from here on all is done anew: what is finished above does not count any more
 //
 // A lock file beside it keeps two programs off one journal.
 #pragma once
@@ -21,6 +19,7 @@
 #include "handheld/backup/dds_file.h"
 #include "handheld/discovery.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QLockFile>
 
@@ -42,10 +41,11 @@ QString HandheldName(const HandheldInfo &info);
 
 /// What a journal says.
 struct JournalContent {
-    JournalHead head;
-    QString savedBefore;
-    std::set<int> openPages;    // programmed perhaps, perhaps destroyed
-    std::set<int> touchedPages; // programmed ever since the job began, also before it was done anew
+    bool otherVersion = false; // made by another version of the program: nothing of it is understood
+    JournalHead head;          // empty in a damaged one
+    QDateTime begun;
+    std::set<RecordId> records; // that a writing job is about
+    QString snapshot;
     std::vector<RecordId> finished;
     std::vector<RecordId> empty;
     std::vector<DdsRecord> read;
@@ -57,6 +57,16 @@ QString JournalName(const QString &fileName);
 /// What the journal of a file says; nothing when there is none. A damaged one has no head.
 std::optional<JournalContent> ReadJournal(const QString &fileName);
 
+// --- An earlier part of a job ---
+
+enum class Earlier { None, Fits, OtherJob, OtherHandheld, OtherVersion, Damaged };
+
+/// Is there a journal beside the file, and is it this job's?
+Earlier EarlierPart(const QString &fileName, const JournalHead &head, JournalContent &content);
+
+/// Why an earlier part cannot be gone on with, for the user; empty for None and Fits.
+QString EarlierFault(Earlier earlier, const QString &fileName);
+
 class Journal
 {
 public:
@@ -67,13 +77,10 @@ public:
 
     /// Begins anew, or goes on with what is there. False (after a box) when another program has it, or it cannot be
     /// written.
-    [[nodiscard]] bool begin(const JournalHead &head);
+    [[nodiscard]] bool begin(const JournalHead &head, const std::vector<RecordId> &records = {});
     [[nodiscard]] bool goOn();
 
-    void beginsAnew();
-    void savedBefore(const QString &beforeFile);
-    void pageBegins(int address);
-    void pageEnds(int address);
+    void snapshot(const QString &file);
     void finished(const RecordId &id);
     void read(const RecordId &id, const RecordValue &value);
     void readEmpty(const RecordId &id);

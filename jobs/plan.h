@@ -6,6 +6,7 @@
 #include "handheld/record_kinds.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 enum class StepKind {
@@ -23,6 +24,7 @@ struct Step {
     RecordValue value;                                     // of a write
     std::function<RecordValue(const RecordValue &)> merge; // of a merge
     bool fillsEmpty = false;                               // a merge writes `value` into an empty record
+    std::optional<LocoBytes> exact = {};                   // of a write that is to be the same to the byte
 };
 
 struct Plan {

@@ -1,7 +1,7 @@
 #include "jobs/restore.h"
 
-#include "handheld/backup/selection.h"
 #include "jobs/report.h"
+#include "jobs/selection.h"
 #include "link/cadence.h"
 
 #include <QDir>

@@ -1,5 +1,6 @@
 #include "jobs/runner.h"
 
+#include "handheld/known_locos.h"
 #include "link/cadence.h"
 #include "link/open_link.h"
 #include "platform/world.h"
@@ -33,7 +34,7 @@ void Read(SpiImage &image, JobEntry &entry, const Patience &patience)
     entry.state = StateOfRead(read.value, read.outcome, image);
     entry.outcome = read.outcome;
     entry.value = std::move(read.value);
-    if (entry.step.id.kind == RecordKind::Loco && entry.state == RecordState::Done) {
+    if (entry.step.id.kind == RecordKind::Loco && entry.outcome.ok() && entry.state != RecordState::Empty) {
         entry.bytes.emplace();
         std::copy_n(image.begin() + ReadPosition, LocoRecordSize, entry.bytes->begin());
     }
@@ -130,6 +131,23 @@ void CarryOut(SpiImage &image, JobEntry &entry, const Patience &patience)
     Q_UNREACHABLE();
 }
 
+/// What the job has found out about a loco.
+void NoteLoco(const JobEntry &entry)
+{
+    const Step &step = entry.step;
+    const bool sound = entry.state == RecordState::Done || entry.state == RecordState::Empty;
+    if (step.id.kind != RecordKind::Loco || !sound)
+        return;
+    const bool done = entry.state == RecordState::Done;
+    if (done && step.kind == StepKind::Write)
+        NoteRecord(step.id.number, std::get<LocoRecord>(step.value));
+    else if (done && entry.value)
+        NoteRecord(step.id.number,
+            std::get<LocoRecord>(step.kind == StepKind::Merge ? step.merge(*entry.value) : *entry.value));
+    else
+        NoteUse(step.id.number, done && step.kind != StepKind::Delete);
+}
+
 bool IsLook(const Step &step)
 {
     return step.kind == StepKind::Search || step.kind == StepKind::IsUsed;
@@ -139,6 +157,25 @@ bool NeighbourFollows(const Plan &plan, size_t index)
 {
     return index + 1 < plan.steps.size() && IsLook(plan.steps.at(index + 1))
         && plan.steps.at(index + 1).id.number == plan.steps.at(index).id.number + 1;
+}
+
+/// In messages; most records that are looked for are empty.
+double CostOf(const Step &step)
+{
+    constexpr double emptyRecord = 2;
+    const KindRow &row = RowOf(step.id.kind);
+    if (IsLook(step))
+        return emptyRecord;
+    return (step.kind == StepKind::Read ? 0 : row.writeMessages)
+        + (step.kind == StepKind::Read || step.kind == StepKind::Merge ? row.readMessages : 0);
+}
+
+double CostOf(const Plan &plan)
+{
+    double cost = 0;
+    for (const Step &step : plan.steps)
+        cost += CostOf(step);
+    return cost;
 }
 
 bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
@@ -183,13 +220,21 @@ bool JobGoesOn()
     return !StoppableJob::stopRequested() && Comm().isOpen() && !TheMessages().secondHandheld();
 }
 
-void ShowJobAmount(size_t done, size_t all, double start)
+JobAmount::JobAmount(size_t allRecords, double costOfAll) : all(allRecords), wholeCost(costOfAll), start(NowSeconds())
 {
-    if (all < 2)
-        return;
-    const double left =
-        done == 0 ? -1 : SecondsSince(start) / static_cast<double>(done) * static_cast<double>(all - done);
-    TheAsk().showAmount({done, all, left});
+}
+
+void JobAmount::show() const
+{
+    const double left = cost > 0 ? SecondsSince(start) / cost * (wholeCost - cost) : -1;
+    if (all > 1)
+        TheAsk().showAmount({done, all, left});
+}
+
+void JobAmount::add(size_t records, double recordsCost)
+{
+    done += records;
+    cost += recordsCost;
 }
 
 namespace
@@ -216,6 +261,7 @@ public:
                 entry.state = RecordState::Doubtful;
                 entry.outcome = Outcome(End::SecondHandheld);
             }
+            NoteLoco(entry);
             if (watcher.finished)
                 watcher.finished(entry);
         }
@@ -244,11 +290,12 @@ private:
 };
 
 /// What a job has to tell while it runs.
-void ShowStep(const Plan &plan, const Watcher &watcher, size_t index, double start)
+void ShowStep(const Plan &plan, const Watcher &watcher, size_t index, JobAmount &amount)
 {
     const Step &step = plan.steps.at(index);
     TheAsk().showProgress(plan.progress(step));
-    ShowJobAmount(index, plan.steps.size(), start);
+    amount.show();
+    amount.add(1, CostOf(step));
     if (watcher.begins)
         watcher.begins(step, index, plan.steps.size());
 }
@@ -266,7 +313,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     SureEntries sure(report, watcher);
     SpiImage image{};
     KnownUse known;
-    const double start = NowSeconds();
+    JobAmount amount(plan.steps.size(), CostOf(plan));
     bool brokenOff = false;
     for (const Step &step : plan.steps) {
         const size_t index = report.entries.size();
@@ -275,7 +322,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
             || (watcher.mayGoOn && !watcher.mayGoOn());
         if (brokenOff)
             continue; // untouched
-        ShowStep(plan, watcher, index, start);
+        ShowStep(plan, watcher, index, amount);
         if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
             CarryOut(image, entry, plan.patience);
         sure.add(index);

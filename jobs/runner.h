@@ -55,8 +55,22 @@ bool JobGoesOn();
 /// Why a job did not come to its last record: stopped, port lost or program ends.
 JobEnd WhyJobBrokeOff();
 
-/// Shows how far a job has come that began at that moment (NowSeconds()). A single record needs no bar.
-void ShowJobAmount(size_t done, size_t all, double start);
+/// Shows how far a job has come, and the time that is left: each record weighs what it costs, an empty one less than a
+/// table. A single record needs no bar.
+class JobAmount
+{
+public:
+    JobAmount(size_t allRecords, double costOfAll);
+    void show() const;
+    void add(size_t records, double recordsCost);
+
+private:
+    size_t done = 0;
+    size_t all;
+    double cost = 0;
+    double wholeCost;
+    double start;
+};
 
 /// Those of a state, in order.
 std::vector<RecordId> IdsOf(const Report &report, RecordState state);

@@ -1,5 +1,7 @@
 #include "shown/record.h"
 
+#include "handheld/known_locos.h"
+
 #include <algorithm>
 
 SpiImage SpiBuf{};
@@ -18,6 +20,8 @@ void ShowPicture(const Picture &picture)
 Outcome ReadLocoRecord(int locoNumber)
 {
     const Result<LocoRecord> read = ReadLoco(SpiBuf, locoNumber);
+    if (read.ok())
+        NoteRecord(locoNumber, read.value);
     if (!read.outcome.brokenOff())
         CurrentLoco = {read.value, IsEmptyName(read.value.name)};
     return read.outcome;
@@ -25,7 +29,10 @@ Outcome ReadLocoRecord(int locoNumber)
 
 Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 {
-    return WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed).outcome;
+    const Outcome written = WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed).outcome;
+    if (written.ok())
+        NoteRecord(locoNumber, record);
+    return written;
 }
 
 void ResetShownRecord()

@@ -169,7 +169,7 @@ std::optional<InnerFault> RecordFault(const QByteArray &record)
 std::optional<InnerFault> FaultAt(const QByteArray &file, qsizetype position)
 {
     const auto kind = KindOfByte(ByteAt(file, position));
-    if (!kind)
+    if (!kind || RowOf(*kind).backupBytes == 0)
         return InnerFault{0, QStringLiteral("die Satzart %1 gibt es nicht").arg(ByteAt(file, position))};
     const qsizetype left = file.size() - position;
     const int length = RowOf(*kind).backupBytes;

@@ -25,7 +25,9 @@ constexpr int ErrorDescriptor = 2;
 #ifdef _WIN32
 bool IsTerminal(int descriptor, const char *)
 {
-    return _isatty(descriptor) != 0;
+    DWORD mode = 0; // devices such as NUL call themselves terminals too, but have none
+    const HANDLE handle = GetStdHandle(descriptor == InputDescriptor ? STD_INPUT_HANDLE : STD_ERROR_HANDLE);
+    return GetConsoleMode(handle, &mode) != FALSE;
 }
 
 /// Bytes go out as they are written: UTF-8, lines ended by LF.
@@ -66,10 +68,11 @@ bool IsTerminal(int, const char *device)
 }
 #endif
 
-QString NextLine()
+Console::Line NextLine()
 {
     std::string line;
-    std::getline(std::cin, line);
+    if (!std::getline(std::cin, line))
+        return {};
     return QString::fromLocal8Bit(QByteArray::fromStdString(line));
 }
 
@@ -99,7 +102,7 @@ Console::~Console()
     RestoreOutput(outputBefore);
 }
 
-void Console::readLine(std::function<void(const QString &)> take)
+void Console::readLine(std::function<void(const Line &)> take)
 {
 #ifdef _WIN32
     take(NextLine()); // the system's console has no event for it; Ctrl-C ends the reading

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QSocketNotifier;
 
@@ -18,19 +19,20 @@ class Console
 {
 public:
     Console();
-    ~Console();
+    virtual ~Console();
     Console(const Console &) = delete;
     Console &operator=(const Console &) = delete;
 
     /// True when the standard error output is a terminal: a line may be written over there.
-    [[nodiscard]] bool errorIsTerminal() const { return errorTerminal; }
+    [[nodiscard]] virtual bool errorIsTerminal() const { return errorTerminal; }
 
     /// True when somebody sits there who sees a question and can answer it.
-    [[nodiscard]] bool canAsk() const { return inputTerminal && errorTerminal; }
+    [[nodiscard]] virtual bool canAsk() const { return inputTerminal && errorTerminal; }
 
-    /// Calls once with the next line of the standard input, while events go on; an ended input gives an empty line.
-    void readLine(std::function<void(const QString &)> take);
-    void stopReading();
+    /// Calls once with the next line of the standard input, while events go on; an ended input gives nothing.
+    using Line = std::optional<QString>;
+    virtual void readLine(std::function<void(const Line &)> take);
+    virtual void stopReading();
 
 private:
     bool inputTerminal;

@@ -1,20 +1,41 @@
 // The terminal program from its words to its exit status, its output and the flash, on the simulated bus.
 
 #include "cli/program.h"
+#include "cli/terminal_ask.h"
 #include "handheld/flash_map.h"
+#include "jobs/undo_snapshot.h"
 #include "link/cadence.h"
 #include "link/link_state.h"
 #include "platform/files.h"
+#include "platform/qt/console.h"
 #include "program/run_control.h"
 #include "roster/loco_csv.h"
 #include "tests/support/virtual_world.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <random>
+
+/// Somebody at a terminal who types these lines, and then ends the input.
+class TypingUser : public Console
+{
+public:
+    [[nodiscard]] bool errorIsTerminal() const override { return false; }
+    [[nodiscard]] bool canAsk() const override { return present; }
+    void readLine(std::function<void(const Line &)> take) override
+    {
+        const Line line = lines.isEmpty() ? Line() : Line(lines.takeFirst());
+        take(line);
+    }
+    void stopReading() override { }
+
+    bool present = false;
+    QStringList lines;
+};
 
 class Terminal : public VirtualWorld
 {
@@ -44,8 +65,12 @@ protected:
         QCommandLineParser parser;
         Exit exit = Exit::Done;
         const auto wish = UnderstandWords(all, parser, exit);
-        if (wish)
+        if (wish) {
+            TerminalAsk terminal(typing, wish->manner);
+            InstallAsk(atTerminal ? static_cast<Ask *>(&terminal) : &user);
             exit = wish->command->run(wish->call);
+            InstallAsk(&user);
+        }
         out = QByteArray::fromStdString(testing::internal::GetCapturedStdout());
         messages = QString::fromStdString(testing::internal::GetCapturedStderr());
         EXPECT_FALSE(HandreglerGefunden);
@@ -75,6 +100,8 @@ protected:
 
     QByteArray out;
     QString messages;
+    TypingUser typing;
+    bool atTerminal = false; // otherwise questions are the scripted user's
 };
 
 TEST_F(Terminal, ThreeHundredLocosComeBackAsTheyWereWritten)
@@ -125,6 +152,13 @@ TEST_F(Terminal, AJsonListChangesOnlyWhatItNames)
     wanted[28] = '\x57';
     wanted[31] = '\x01'; // bits behind f24 mean nothing and become 0
     EXPECT_EQ(flashBytes(LocoRecordAddress(3), 64), wanted);
+    // The column names all of them; an empty cell means none.
+    for (const auto &[cell, bits] :
+        {std::pair("2 24", QByteArray("\x04\x00\x00\x01", 4)), {"", QByteArray(4, '\0')}}) {
+        const QByteArray list = QByteArray("Adresse;Tast\n3;") + cell + '\n';
+        ASSERT_EQ(run(QStringLiteral("schreiben"), {fileWith(QStringLiteral("t.csv"), list)}), Exit::Done);
+        EXPECT_EQ(flashBytes(LocoRecordAddress(3) + 28, 4), bits);
+    }
 }
 
 TEST_F(Terminal, CtrlCWhileATableIsReadWritesNothing)
@@ -220,6 +254,7 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
         flash().setBytes(address, QByteArray(1, static_cast<char>(width)) + static_cast<char>(height));
     flash().setBytes(0x3F0808, QByteArray(256, '\xFF')); // an accessory list that was never filled
     const auto before = flash().state.memory;
+    user.ignoreTexts = true;
     struct Row {
         const char *words;
         QString file;
@@ -235,7 +270,13 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
     for (const Row &row : rows) {
         const QString words = QString::fromLatin1(row.words);
         ASSERT_EQ(run(words.arg(QStringLiteral("lesen")), {row.file}), Exit::Done) << row.words;
-        ASSERT_EQ(run(words.arg(QStringLiteral("schreiben")), {row.file}), Exit::Done) << row.words;
+        if (flashBytes(row.address + 8, 1) != "\xFF") { // what is empty in the handheld is not in the file
+            flash().setBytes(row.address + 8, QByteArray(2, '\x14'));
+            user.expect({}, {}, QStringLiteral("Ja"));
+        }
+        const QString write = words.arg(QStringLiteral("schreiben --auch-eingebaute"));
+        ASSERT_EQ(run(row.words[1] == 'y' ? write : words.arg(QStringLiteral("schreiben")), {row.file}), Exit::Done)
+            << row.words << messages.toStdString();
         for (int i = 0; i < row.bytes; ++i) {
             const auto at = static_cast<size_t>(row.address + i);
             ASSERT_EQ(flash().state.memory.at(at), before.at(at)) << row.words << " byte " << i;
@@ -243,6 +284,7 @@ TEST_F(Terminal, PicturesAndTablesGoOutAndInAgainWithoutAChangedByte)
     }
     EXPECT_EQ(run(QStringLiteral("symbol schreiben lok 1"), {path(QStringLiteral("b.bmp"))}), Exit::Usage);
     EXPECT_TRUE(messages.contains(QStringLiteral("14 x 14 Punkte, gebraucht werden 48 x 16")));
+    user.expect({}, {}, QStringLiteral("Ja"));
     EXPECT_EQ(run(QStringLiteral("tabelle schreiben fahrstrassen"),
                   {fileWith(QStringLiteral("g.csv"), "Fahrstraße;Rückmelder\n80;4096\n1;\n")}),
         Exit::Done);
@@ -262,4 +304,282 @@ TEST_F(Terminal, ABackupGoesBackAndTheSettingsOfTheWindowsStay)
     ASSERT_EQ(run(QStringLiteral("zurueck"), {file}), Exit::Done);
     EXPECT_EQ(flashBytes(LocoRecordAddress(3), 21), before.left(21));
     EXPECT_FALSE(QFile::exists(path(QStringLiteral("konf/ComPort.inf"))));
+}
+
+/// What a user calls at a terminal, and what it does to these locos: 3, 4 (one page), 8, 9, 20 (empty).
+class Calls : public Terminal
+{
+protected:
+    struct Row {
+        const char *what;
+        QString words;
+        QString answers; // typed: "j,n"; "-" when nobody can answer
+        Exit exit;
+        QString says;  // in the output or the messages, each behind a |
+        QString after; // names of the locos
+        int programs;  // pages
+        std::function<void()> happens = [] {};
+    };
+    static constexpr std::array Locos{3, 4, 8, 9, 20};
+
+    void freshWorld()
+    {
+        flash().setBytes(0, QByteArray(LocoRecordSize * 32, '\xFF'));
+        for (const int n : {3, 4, 8, 9})
+            setLoco(n, QStringLiteral("LOK %1").arg(n));
+        QDir(path(QStringLiteral("konf/Sicherungen"))).removeRecursively();
+        QDir(folder.path()).removeRecursively();
+        QDir().mkpath(path(QStringLiteral("konf")));
+        fileWith(QStringLiteral("a.csv"), "Adresse;Name\n3;ANDERS\n8;LOK 8\n20;NEU\n");
+        fileWith(QStringLiteral("b.csv"), "Adresse;Name\n4;VIER\n");
+        fileWith(QStringLiteral("z.csv"), "Adresse;Symbol\n1;7\n");
+    }
+
+    void setLoco(int n, const QString &name)
+    {
+        LocoBytes beneath{};
+        beneath.fill(EmptyByte);
+        const LocoBytes bytes = EncodeLoco({FitLocoName(name), {}, {}, 0, 5}, beneath);
+        flash().setBytes(
+            LocoRecordAddress(n), QByteArray(reinterpret_cast<const char *>(bytes.data()), bytes.size()));
+    }
+
+    QString names()
+    {
+        QStringList list;
+        for (const int n : Locos) {
+            LocoBytes bytes{};
+            const QByteArray stored = flashBytes(LocoRecordAddress(n), LocoRecordSize);
+            std::copy(stored.begin(), stored.end(), bytes.begin());
+            const LocoRecord loco = DecodeLoco(bytes);
+            list += IsEmptyName(loco.name) ? QStringLiteral("-") : loco.name.trimmed();
+        }
+        return list.join(u',');
+    }
+
+    void call(const Row &row)
+    {
+        SCOPED_TRACE(row.what);
+        layout().faults.set({});
+        handheld().restorePower();
+        ResetRunControl();
+        typing.present = row.answers != u"-";
+        typing.lines = row.answers.split(u',', Qt::SkipEmptyParts);
+        for (QString &line : typing.lines)
+            line = line.trimmed(); // a blank is the key Enter alone
+        atTerminal = true;
+        const int programs = executed(0x83);
+        row.happens();
+        QStringList words = row.words.split(u' ');
+        for (QString &word : words)
+            word = word.contains(u'.') ? path(word) : word;
+        EXPECT_EQ(run({}, words), row.exit);
+        const QString said = QString::fromUtf8(out) + messages;
+        for (const QString &text : row.says.split(u'|', Qt::SkipEmptyParts))
+            EXPECT_TRUE(said.contains(text)) << text.toStdString() << "\nnot in\n" << said.toStdString();
+        EXPECT_EQ(names().toStdString(), row.after.toStdString()) << said.toStdString();
+        EXPECT_EQ(executed(0x83) - programs, row.programs);
+        EXPECT_TRUE(row.answers == u"-" || typing.lines.isEmpty()) << "not asked: " << said.toStdString();
+        events.run(30); // what was to happen later has happened
+    }
+
+    void scene(const std::vector<Row> &rows)
+    {
+        freshWorld();
+        for (const Row &row : rows)
+            call(row);
+    }
+};
+
+TEST_F(Calls, SayAndDoWhatTheOptionsSay)
+{
+    const auto before = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto after = QStringLiteral("ANDERS,LOK 4,LOK 8,LOK 9,NEU");
+    const auto none = QStringLiteral("-");
+    const auto wrote =
+        QStringLiteral("In den Handregler geschrieben:\nLokdatensätze: 3,20|Unverändert:\nLokdatensätze: 8");
+    const Row rows[] = {
+        {"write", QStringLiteral("schreiben a.csv"), none, Exit::Done, wrote + u"|zurückgenommen werden: ", after, 2},
+        {"an older call", QStringLiteral("schreiben --nur-aenderungen a.csv"), none, Exit::Done, wrote, after, 2},
+        {"dry run", QStringLiteral("schreiben --probe a.csv"), none, Exit::Done,
+            QStringLiteral(
+                "Lok 3: überschreibt eine andere Lok\n  Name: LOK 3 -> ANDERS|Lok 8: unverändert|Lok 20: neu|"
+                "Anders: 2 von 3, 2 Speicherseiten"),
+            before, 0},
+        {"all", QStringLiteral("schreiben --alles-schreiben a.csv"), none, Exit::Done,
+            QStringLiteral("Lokdatensätze: 3,8,20"), after, 3},
+        {"dry run of all", QStringLiteral("schreiben --alles-schreiben --probe a.csv"), none, Exit::Done,
+            QStringLiteral("Zu schreiben: 3 von 3, 3 Speicherseiten"), before, 0},
+        {"some", QStringLiteral("schreiben --nur 3,8 a.csv"), none, Exit::Done, QStringLiteral("Lokdatensätze: 3\n"),
+            QStringLiteral("ANDERS,LOK 4,LOK 8,LOK 9,-"), 1},
+        {"one that is not in the file", QStringLiteral("schreiben --nur 3,5 a.csv"), none, Exit::Usage,
+            QStringLiteral("Die Lok 5 steht nicht in der Datei."), before, 0},
+        {"without proof", QStringLiteral("schreiben --nicht-pruefen a.csv"), none, Exit::Done, wrote, after, 2},
+        {"nothing to go on with", QStringLiteral("schreiben --fortsetzen a.csv"), none, Exit::Usage,
+            QStringLiteral("Es gibt nichts fortzusetzen."), before, 0},
+        {"delete, no", QStringLiteral("loeschen 3,9"), QStringLiteral("n"), Exit::Stopped,
+            QStringLiteral("Sollen diese Lokdatensätze im Handregler gelöscht werden: 3,9? [j/N]"), before, 0},
+        {"delete, Enter", QStringLiteral("loeschen 3,9"), QStringLiteral(" "), Exit::Stopped, {}, before, 0},
+        {"delete, input ended", QStringLiteral("loeschen 3,9"), {}, Exit::Stopped, {}, before, 0},
+        {"delete, nobody there", QStringLiteral("loeschen 3,9"), none, Exit::Stopped,
+            QStringLiteral("Nein: Hier kann niemand antworten."), before, 0},
+        {"delete", QStringLiteral("loeschen 3,9,20"), QStringLiteral("j"), Exit::Done,
+            QStringLiteral("Gelöscht:\nLokdatensätze: 3,9|Unverändert:\nLokdatensätze: 20"),
+            QStringLiteral("-,LOK 4,LOK 8,-,-"), 2},
+        {"delete by a script", QStringLiteral("loeschen --ja 3,9"), none, Exit::Done, QStringLiteral("Ja (--ja)"),
+            QStringLiteral("-,LOK 4,LOK 8,-,-"), 2},
+        {"dry run of a delete", QStringLiteral("loeschen --probe 3,9"), none, Exit::Done,
+            QStringLiteral("Lok 3: wird gelöscht|Anders: 2 von 2, 2 Speicherseiten"), before, 0},
+        {"table, no", QStringLiteral("tabelle schreiben zuordnung z.csv"), QStringLiteral("n"), Exit::Stopped,
+            QStringLiteral("Mag.Art. Symbolzuordnung|Soll geschrieben werden? [j/N]"), before, 0},
+        {"table, dry run", QStringLiteral("tabelle schreiben zuordnung --probe z.csv"), none, Exit::Done,
+            QStringLiteral("Mag.Art. Symbolzuordnung: geändert"), before, 0},
+        {"table", QStringLiteral("tabelle schreiben zuordnung z.csv"), QStringLiteral("j"), Exit::Done,
+            QStringLiteral("In den Handregler geschrieben:\nMag.Art. Symbolzuordnung"), before, 5},
+        {"an option of writing", QStringLiteral("tabelle lesen zuordnung --probe z.csv"), none, Exit::Usage,
+            QStringLiteral("--probe gibt es nur beim Schreiben."), before, 0}};
+    for (const Row &row : rows)
+        scene({row});
+    scene({{"without saving", QStringLiteral("schreiben --ohne-sicherung a.csv"), none, Exit::Done, wrote, after, 2},
+        {"nothing to take back", QStringLiteral("zuruecknehmen"), none, Exit::Usage,
+            QStringLiteral("Es gibt nichts zurückzunehmen."), after, 0}});
+    scene({{"make a backup", QStringLiteral("sichern --loks 3,8 s.dds"), none, Exit::Done, {}, before, 0},
+        {"compare equal", QStringLiteral("vergleichen s.dds"), none, Exit::Done,
+            QStringLiteral("Kein Unterschied: 2 Datensätze."), before, 0},
+        {"change", QStringLiteral("schreiben a.csv"), none, Exit::Done, wrote, after, 2},
+        {"compare different", QStringLiteral("vergleichen s.dds"), none, Exit::Differs,
+            QStringLiteral("Lok 3: überschreibt"), after, 0},
+        {"restore, no", QStringLiteral("zurueck s.dds"), QStringLiteral("n"), Exit::Stopped,
+            QStringLiteral("Soll die Datensicherung in den Handregler geschrieben werden? [j/N]"), after, 0},
+        {"restore", QStringLiteral("zurueck s.dds"), QStringLiteral("j"), Exit::Done,
+            QStringLiteral("Lokdatensätze: 3|Unverändert:\nLokdatensätze: 8"),
+            QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,NEU"), 1}});
+}
+
+TEST_F(Calls, ChangesAreTakenBackOneAfterTheOther)
+{
+    const auto before = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto first = QStringLiteral("ANDERS,LOK 4,LOK 8,LOK 9,NEU");
+    const auto both = QStringLiteral("ANDERS,VIER,LOK 8,LOK 9,NEU");
+    const auto take = QStringLiteral("zuruecknehmen");
+    const auto no = QStringLiteral("n");
+    const auto yes = QStringLiteral("j");
+    scene({{"one file", QStringLiteral("schreiben a.csv"), QStringLiteral("-"), Exit::Done, {}, first, 2},
+        {"another one", QStringLiteral("schreiben b.csv"), QStringLiteral("-"), Exit::Done, {}, both, 1},
+        {"no", take, no, Exit::Stopped, QStringLiteral("schreiben |Soll die Änderung zurückgenommen werden?"), both,
+            0},
+        {"only shown", QStringLiteral("zuruecknehmen --probe"), QStringLiteral("-"), Exit::Done,
+            QStringLiteral("Lok 4: überschreibt|Anders: 1 von 7"), both, 0},
+        {"the second one", take, yes, Exit::Done, QStringLiteral("Zurückgenommen:\nLokdatensätze: 4"), first, 1},
+        {"edited since", take, yes, Exit::Incomplete,
+            QStringLiteral("Seither geändert und so gelassen:\nLokdatensätze: 3|Zurückgenommen:\nLokdatensätze: 20"),
+            QStringLiteral("HEUTE,LOK 4,LOK 8,LOK 9,-"), 1, [this] { setLoco(3, QStringLiteral("HEUTE")); }},
+        {"no more", take, QStringLiteral("-"), Exit::Usage, QStringLiteral("Es gibt nichts zurückzunehmen."),
+            QStringLiteral("HEUTE,LOK 4,LOK 8,LOK 9,-"), 0}});
+}
+
+TEST_F(Calls, AfterABreakTheNextCallMakesThePageGoodAndGoesOnOnlyWhenAsked)
+{
+    const auto before = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto first = QStringLiteral("ANDERS,LOK 4,LOK 8,LOK 9,-");
+    const auto after = QStringLiteral("ANDERS,LOK 4,LOK 8,LOK 9,NEU");
+    const auto write = QStringLiteral("schreiben a.csv");
+    const auto none = QStringLiteral("-");
+    const Row stop{"stop", write, none, Exit::Stopped,
+        QStringLiteral("Abgebrochen.|Nicht geschrieben:\nLokdatensätze: 20|mit --fortsetzen"), first, 1,
+        [this] { afterNextProgram(TakeInterrupt); }};
+    const auto resume = QStringLiteral("Dieser Auftrag wurde abgebrochen; erledigt: 1 Datensatz.");
+    const auto already = QStringLiteral("Schon geschrieben:\nLokdatensätze: 3");
+    scene({stop, {"go on", write, QStringLiteral("j"), Exit::Done, resume + u'|' + already, after, 1}});
+    scene({stop, {"go on, Enter", write, QStringLiteral(" "), Exit::Done, resume, after, 1}});
+    scene({stop,
+        {"by an option", QStringLiteral("schreiben --fortsetzen a.csv"), none, Exit::Done, already, after, 1}});
+    const auto all = QStringLiteral("schreiben --alles-schreiben a.csv");
+    scene({stop, {"go on with the rest of all", all, QStringLiteral("j"), Exit::Done, resume, after, 2}});
+    scene({stop, {"no: all anew", all, QStringLiteral("n"), Exit::Done, resume, after, 3}});
+    scene({stop,
+        {"--ja does not go on", QStringLiteral("schreiben --ja --alles-schreiben a.csv"), none, Exit::Done,
+            QStringLiteral("Das tut nur --fortsetzen."), after, 3}});
+    scene({stop, {"taken back", QStringLiteral("zuruecknehmen"), QStringLiteral("j"), Exit::Done, {}, before, 1},
+        {"not gone on with", QStringLiteral("schreiben --fortsetzen a.csv"), none, Exit::Done,
+            QStringLiteral("inzwischen zurückgenommen. Es wird von vorn begonnen."), after, 2}});
+    const auto otherFile = [this] { fileWith(QStringLiteral("a.csv"), "Adresse;Name\n3;DREI\n"); };
+    const auto unfit = QStringLiteral("passt nicht. Er gehört zu einem anderen Auftrag");
+    scene({stop,
+        {"does not fit", QStringLiteral("schreiben --fortsetzen a.csv"), none, Exit::Usage, unfit, first, 0,
+            otherFile},
+        {"--ja does not give it up", QStringLiteral("schreiben --ja a.csv"), none, Exit::Usage,
+            unfit + u"|beantwortet --ja nicht", first, 0},
+        {"given up", write, QStringLiteral("j"), Exit::Done, unfit, QStringLiteral("DREI,LOK 4,LOK 8,LOK 9,-"), 1}});
+    // A page that was destroyed: whatever comes next.
+    const Row cut{"power cut", write, none, Exit::Incomplete,
+        QStringLiteral("Nicht bewiesen ist, was jetzt hier steht: Lokdatensätze: 1-7.|aufbewahrt"),
+        QStringLiteral("ANDERS,-,LOK 8,LOK 9,-"), 1, [this] { strike(&sim::Faults::powerCut, 1); }};
+    const auto mend =
+        QStringLiteral("Zerstört sind:\nLokdatensätze: 4.\nSollen sie zuerst wiederhergestellt werden? [J/n]");
+    const auto mended = QStringLiteral("Wiederhergestellt:\nLokdatensätze: 4");
+    scene({cut, {"the same", QStringLiteral("schreiben --fortsetzen a.csv"), none, Exit::Done, mended, after, 2}});
+    scene({cut, {"the same, asked", write, QStringLiteral("j,j"), Exit::Done, mend + u'|' + mended, after, 2}});
+    scene({cut,
+        {"no", write, QStringLiteral("n,n"), Exit::Stopped, mend + u"|Soll vergessen werden",
+            QStringLiteral("ANDERS,-,LOK 8,LOK 9,-"), 0},
+        {"a delete", QStringLiteral("loeschen 9"), QStringLiteral("j,j"), Exit::Done,
+            mend + u'|' + mended + u"|Gelöscht:\nLokdatensätze: 9", QStringLiteral("ANDERS,LOK 4,LOK 8,-,-"), 2}});
+    scene({cut,
+        {"nobody there", QStringLiteral("schreiben b.csv"), none, Exit::Stopped, mend.left(40),
+            QStringLiteral("ANDERS,-,LOK 8,LOK 9,-"), 0},
+        {"a script", QStringLiteral("schreiben --ja b.csv"), none, Exit::Done, mended,
+            QStringLiteral("ANDERS,VIER,LOK 8,LOK 9,-"), 2}});
+    scene({{"power cut in a delete", QStringLiteral("loeschen --ja 3"), none, Exit::Incomplete,
+               QStringLiteral("Derselbe Befehl"), QStringLiteral("-,-,LOK 8,LOK 9,-"), 1,
+               [this] { strike(&sim::Faults::powerCut, 1); }},
+        {"once more", QStringLiteral("loeschen --ja 3"), none, Exit::Done, mended,
+            QStringLiteral("-,LOK 4,LOK 8,LOK 9,-"), 1}});
+    scene({cut,
+        {"shown only", QStringLiteral("loeschen --probe 9"), none, Exit::Done, QStringLiteral("nicht fertig"),
+            QStringLiteral("ANDERS,-,LOK 8,LOK 9,-"), 0}});
+}
+
+TEST_F(Calls, SymbolsAndTheStartImageAreAskedAboutAndTakenBack)
+{
+    freshWorld();
+    const auto names = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto none = QStringLiteral("-");
+    flash().setBytes(FktSymbolAddress + 200 * 64, QByteArray("\x06\x0D", 2) + QByteArray(28, '\x54'));
+    flash().setBytes(StartImageAddress, QByteArray("\x27\x19", 2) + QByteArray(260, '\x55'));
+    const auto before = flash().state.memory;
+    for (const Row &row :
+        {Row{"a picture", QStringLiteral("symbol lesen funktion 200 ein s.png"), none, Exit::Done, {}, names, 0},
+            {"the start image", QStringLiteral("startbild lesen i.png"), none, Exit::Done, {}, names, 0},
+            {"unchanged", QStringLiteral("symbol schreiben funktion 200 ein s.png"), none, Exit::Done,
+                QStringLiteral("Unverändert:\nFunktionssymbole ON: 200"), names, 0},
+            {"built in", QStringLiteral("symbol schreiben funktion 163 aus s.png"), none, Exit::Usage,
+                QStringLiteral("Das Symbol 163 ist eingebaut (0 bis 163)."), names, 0},
+            {"built in", QStringLiteral("symbol schreiben magnet 27 rot s.png"), none, Exit::Usage,
+                QStringLiteral("Das Symbol 27 ist eingebaut (0 bis 27)."), names, 0},
+            {"wanted all the same", QStringLiteral("symbol schreiben magnet 27 rot --auch-eingebaute s.png"),
+                QStringLiteral("j"), Exit::Done, QStringLiteral("Mag.Art. Symbole Rot: 27"), names, 1},
+            {"another place, no", QStringLiteral("symbol schreiben funktion 201 ein s.png"), QStringLiteral("n"),
+                Exit::Stopped, QStringLiteral("Funktionssymbol 201 ON wird überschrieben."), names, 0},
+            {"another place", QStringLiteral("symbol schreiben funktion 201 ein s.png"), QStringLiteral("j"),
+                Exit::Done, QStringLiteral("Funktionssymbole ON: 201"), names, 1},
+            {"the start image back in", QStringLiteral("startbild schreiben i.png"), QStringLiteral("j"), Exit::Done,
+                QStringLiteral("In den Handregler geschrieben:\nStartbild"), names, 1,
+                [this] { flash().setBytes(StartImageAddress + 100, QByteArray(99, '\x11')); }}})
+        call(row);
+    EXPECT_EQ(flashBytes(FktSymbolAddress + 201 * 64, 30), flashBytes(FktSymbolAddress + 200 * 64, 30));
+    for (int i = 0; i < 3; ++i)
+        call({"taken back", QStringLiteral("zuruecknehmen"), QStringLiteral("j"), Exit::Done, {}, names, 1});
+    EXPECT_EQ(flashBytes(StartImageAddress + 100, 99), QByteArray(99, '\x11'));
+    flash().setBytes(StartImageAddress + 100, QByteArray(99, '\x55'));
+    EXPECT_EQ(flash().state.memory, before);
+}
+
+TEST_F(Calls, YesToAllIsNotYesForEver)
+{
+    typing.present = false;
+    TerminalAsk terminal(typing, {true, true});
+    const BoxText question{QStringLiteral("Noch einmal?"), {}, BoxIcon::None};
+    EXPECT_TRUE(terminal.askYesNo(question, false));
+    EXPECT_FALSE(terminal.askYesNo(question, true)) << "Ja did not help";
 }

@@ -1,8 +1,8 @@
 #include "tests/support/virtual_world.h"
 
-#include "handheld/backup/selection.h"
 #include "handheld/discovery.h"
 #include "handheld/text_encoding.h"
+#include "jobs/selection.h"
 #include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/message_layer.h"

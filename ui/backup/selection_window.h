@@ -3,7 +3,7 @@
 // Every control carries the name of its key in konf\Sicherung.txt: LokDatenChk, LokDatenTxt, AlleLokSymChk, ...
 #pragma once
 
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "ui/widgets/leavable_window.h"
 
 class QCheckBox;

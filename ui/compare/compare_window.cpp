@@ -1,10 +1,12 @@
 #include "ui/compare/compare_window.h"
 
-#include "handheld/backup/selection.h"
+#include "jobs/journal.h"
 #include "jobs/report.h"
 #include "jobs/restore.h"
+#include "jobs/selection.h"
 #include "platform/files.h"
 #include "roster/csv_sheet.h"
+#include "shown/connection.h"
 #include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/compare/careful_job.h"
@@ -354,7 +356,8 @@ void CompareWindow::showCount()
         return;
     }
     QString text = QStringLiteral("Gezeigt: %1 von %2").arg(shown->rowCount()).arg(model->rowCount());
-    const std::vector<RecordChange> written = ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second);
+    const std::vector<RecordChange> written =
+        ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second ? Written::Changes : Written::All);
     if (written.empty())
         text += shown->rowCount() == 0 && filterTxt->text().isEmpty() ? QStringLiteral(". Kein Unterschied.")
                                                                       : QStringLiteral(". Zu schreiben: nichts.");
@@ -403,37 +406,40 @@ std::vector<RecordChange> CompareWindow::chosen() const
     return changes;
 }
 
-CarefulWish CompareWindow::wish() const
+WriteOptions CompareWindow::options() const
 {
-    return {onlyChangesChk->isChecked(), verifyChk->isChecked(), saveBeforeChk->isChecked()};
+    return {!onlyChangesChk->isChecked(), verifyChk->isChecked(), saveBeforeChk->isChecked()};
 }
 
 /// What was ticked and shown at the click. The list then says what the handheld holds.
 void CompareWindow::write()
 {
     const CommandOn command([this] {
-        CarefulJob job{offered().name, QByteArrayLiteral("fenster"), {}, wish(), WriteTitle(), {}};
+        CarefulJob job;
+        job.command = QStringLiteral("Vergleich mit ") + Native(offered().name);
+        job.fileName = offered().name;
+        job.about = QByteArrayLiteral("fenster");
+        job.options = options();
+        job.title = WriteTitle();
         for (const RecordChange &change : chosen())
             job.steps.push_back({StepKind::Write, change.id, change.wanted, {}});
         return job;
     });
-    if (!command.ok())
+    if (!command.ok() || !command.connected())
         return;
     CarefulJob job = command.shown;
     for (const DdsRecord &record : offered().records)
         job.about += record.bytes;
-    if (job.steps.empty() && !FileExists(JournalName(job.fileName))) {
+    if (job.steps.empty() && !PagesWait(HandheldName(ShownHandheld()))) {
         TheAsk().showBox(
             {QStringLiteral("Es ist nichts zum Schreiben angekreuzt."), WriteTitle(), BoxIcon::Information});
         return;
     }
-    if (!command.connected())
-        return;
     const bool withHandheld = !second;
-    const CarefulEnd end = RunCarefully(command, job);
+    const CarefulEnd end = RunFromWindow(command, job);
     if (!withHandheld)
         return; // the files are as they were
-    model->update(end.records);
+    model->update(AfterWriting(end.changes, end.report));
     filterChanged();
 }
 

@@ -4,7 +4,8 @@
 // be written. Written is what is ticked and to be seen.
 #pragma once
 
-#include "jobs/careful_write.h"
+#include "handheld/backup/dds_file.h"
+#include "jobs/careful_job.h"
 #include "ui/widgets/leavable_window.h"
 
 class ChangeFilter;
@@ -55,7 +56,7 @@ private:
     void tickSelected();
     [[nodiscard]] std::vector<int> shownRows() const;
     [[nodiscard]] std::vector<RecordChange> chosen() const;
-    [[nodiscard]] CarefulWish wish() const;
+    [[nodiscard]] WriteOptions options() const;
     void write();
     void exportCsv();
     [[nodiscard]] QByteArray csv() const;

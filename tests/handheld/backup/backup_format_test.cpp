@@ -1,7 +1,7 @@
 #include "fuzz/file_readers.h"
 #include "handheld/backup/dds_file.h"
 #include "handheld/backup/number_list.h"
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "platform/files.h"
 #include "tests/support/virtual_world.h"
 

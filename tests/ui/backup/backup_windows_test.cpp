@@ -1,7 +1,7 @@
 #include "ui/backup/backup_commands.h"
 
 #include "handheld/backup/dds_file.h"
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 #include "link/open_link.h"
 #include "platform/text.h"
 #include "program/branding.h"

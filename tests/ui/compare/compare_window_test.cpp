@@ -1,12 +1,12 @@
 // The comparison of backups and the careful writing, through the window.
 
 #include "handheld/backup/dds_file.h"
-#include "jobs/saved_before.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "program/branding.h"
 #include "program/run_control.h"
+#include "shown/connection.h"
 #include "tests/support/window_world.h"
 
 #include <QApplication>
@@ -24,6 +24,7 @@ protected:
     void SetUp() override
     {
         WindowWorld::SetUp();
+        ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
         for (const int n : {3, 8, 9})
             flash().setBytes(LocoRecordAddress(n), bytesOf(loco(n)));
         flash().setBytes(LocoRecordAddress(1201), QByteArray(LocoRecordSize, '\xFF'));
@@ -210,6 +211,39 @@ TEST_F(CompareTest, WhatHappensBetweenClickAndTransferChangesNothing)
     press("SchreibenBut");
     EXPECT_EQ(namesIn(), written);
     EXPECT_GT(user.raised, 0);
+}
+
+TEST_F(CompareTest, OnlyWhatIsTickedAndOnlyIntoTheHandheldThatWasLookedAt)
+{
+    openOnHandheld();
+    rows()->setData(rows()->index(1, 0), Qt::Unchecked, Qt::CheckStateRole);
+    answer(QStringLiteral("Ja"));
+    answerBox();
+    press("SchreibenBut");
+    EXPECT_EQ(nameIn(8), QStringLiteral("ANDERS"));
+    EXPECT_EQ(flashBytes(LocoRecordAddress(1201), 1), QByteArray(1, '\xFF'));
+    // While the question is open another handheld comes, of another type or of the same one.
+    for (const char *type : {"51202", "51201"}) {
+        flash().state.memory = before;
+        openOnHandheld();
+        bool came = false;
+        user.onBox = [&] {
+            if (std::exchange(came, true))
+                return;
+            HandreglerGefunden = false;
+            handheld().settings.type = type;
+            flash().setBytes(LocoRecordAddress(8), bytesOf(named(8, u"FREMD")));
+        };
+        answer(QStringLiteral("Ja"));
+        answerBox();
+        const int programs = executed(0x83);
+        press("SchreibenBut");
+        user.onBox = nullptr;
+        EXPECT_TRUE(user.boxes.constLast().contains(u"Jetzt ist ein anderer Handregler verbunden.")) << type;
+        EXPECT_EQ(executed(0x83), programs);
+        handheld().settings.type = "51201";
+        ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
+    }
 }
 
 TEST_F(CompareTest, TwoFilesSideBySide)

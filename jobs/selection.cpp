@@ -1,4 +1,4 @@
-#include "handheld/backup/selection.h"
+#include "jobs/selection.h"
 
 #include "handheld/backup/number_list.h"
 #include "link/cadence.h"

@@ -1,0 +1,17 @@
+// Lines of files that are believed after a crash: each carries a checksum, so that one that was torn, lost or changed is
+// never taken for another one.
+//
+//   <text> <8 hex digits>LF
+#pragma once
+
+#include <QStringList>
+
+QByteArray CheckedLine(const QString &text);
+
+struct CheckedLines {
+    QStringList texts;   // of the sound lines, in order
+    bool spoilt = false; // there is a line that was written to its end and is not what was written
+};
+
+/// A last line without its end was being written when the program died: it is none.
+CheckedLines ReadCheckedLines(const QByteArray &bytes);

@@ -1,0 +1,635 @@
+// Jobs that lose nothing: what is written, saved before, proved, and made good after a stop at any moment.
+
+#include "jobs/backup.h"
+#include "jobs/careful_job.h"
+#include "jobs/journal.h"
+#include "jobs/open_page.h"
+#include "jobs/take_back.h"
+#include "jobs/undo_snapshot.h"
+#include "link/cadence.h"
+#include "link/open_link.h"
+#include "platform/files.h"
+#include "program/run_control.h"
+#include "tests/support/virtual_world.h"
+
+#include <QDir>
+
+#include <random>
+
+/// Says yes to all questions but those listed, and notes them.
+class ScriptedFace : public JobFace
+{
+public:
+    [[nodiscard]] QString handheld() const override { return QStringLiteral("51201 1.2"); }
+    [[nodiscard]] bool agrees(Topic topic, const BoxText &question, bool) override
+    {
+        asked.push_back(topic);
+        questions += question.text;
+        if (onQuestion)
+            onQuestion();
+        return !refused.contains(topic);
+    }
+    [[nodiscard]] Handheld handheldNow() override { return now; }
+
+    [[nodiscard]] bool wasAsked(Topic topic) const { return std::ranges::count(asked, topic) > 0; }
+
+    std::set<Topic> refused;
+    std::vector<Topic> asked;
+    QStringList questions;
+    std::function<void()> onQuestion;
+    Handheld now = Handheld::Same;
+};
+
+using Topic = JobFace::Topic;
+using Is = CarefulEnd::Is;
+
+class CarefulJobs : public VirtualWorld
+{
+protected:
+    static constexpr int Pages = 3; // of locos: addresses 1..23
+
+    void SetUp() override
+    {
+        connectDirectly();
+        events.limitSeconds = 1e9;
+        layout().bus.keepLog = false;
+        for (int n = 1; n < Pages * 8; ++n) {
+            if (n % 5 != 0)
+                flash().setBytes(LocoRecordAddress(n), recordBytes(n, 0));
+        }
+        original = flash().state.memory;
+        for (int n = 1; n < Pages * 8; ++n)
+            originals.emplace(n, stored(n));
+    }
+
+    /// Bytes of a sound record that differ with the seed; what nobody interprets is 0xFF, as a restore leaves it.
+    static QByteArray recordBytes(int n, int seed)
+    {
+        LocoRecord record{FitLocoName(QStringLiteral("LOK %1").arg(n + 100 * seed)), {}, {}, n % 2, (n + seed) % 64};
+        for (size_t f = 1; f < FunctionCount; ++f)
+            record.symbols.at(f) = (n + seed * static_cast<int>(f)) % 256;
+        LocoBytes beneath{};
+        beneath.fill(EmptyByte);
+        QByteArray bytes;
+        for (const int byte : EncodeLoco(record, beneath))
+            bytes.append(static_cast<char>(byte));
+        return bytes;
+    }
+
+    static Step writeStep(int n, int seed)
+    {
+        LocoBytes bytes{};
+        const QByteArray wanted = recordBytes(n, seed);
+        for (size_t i = 0; i < bytes.size(); ++i)
+            bytes.at(i) = static_cast<quint8>(wanted.at(static_cast<qsizetype>(i)));
+        return {StepKind::Write, {RecordKind::Loco, n}, DecodeLoco(bytes), {}};
+    }
+
+    /// Loco records 2, 3, 9 and 22 get other data: three pages.
+    static std::vector<Step> fourWrites()
+    {
+        return {writeStep(2, 1), writeStep(3, 1), writeStep(9, 1), writeStep(22, 1)};
+    }
+
+    LocoRecord stored(int n)
+    {
+        const QByteArray bytes = flashBytes(LocoRecordAddress(n), LocoRecordSize);
+        LocoBytes values{};
+        for (size_t i = 0; i < values.size(); ++i)
+            values.at(i) = static_cast<quint8>(bytes.at(static_cast<qsizetype>(i)));
+        return DecodeLoco(values);
+    }
+
+    /// True when each record is the wanted one of the steps, or what it was.
+    bool flashIs(const std::vector<Step> &steps)
+    {
+        for (int n = 1; n < Pages * 8; ++n) {
+            RecordValue wanted = originals.at(n);
+            for (const Step &step : steps) {
+                if (step.id.number == n)
+                    wanted = step.value;
+            }
+            if (!SameContent(stored(n), wanted))
+                return false;
+        }
+        return true;
+    }
+
+    QString file() { return folder.filePath(QStringLiteral("a.dds")); }
+    JournalHead head() { return {QStringLiteral("schreiben x"), QStringLiteral("51201 1.2")}; }
+
+    CarefulJob jobOf(const std::vector<Step> &steps, const WriteOptions &options = {})
+    {
+        CarefulJob job;
+        job.command = QStringLiteral("schreiben a.dds");
+        job.fileName = file();
+        job.about = "x";
+        job.steps = steps;
+        job.options = options;
+        return job;
+    }
+
+    CarefulReport run(const CarefulJob &job)
+    {
+        face.asked.clear();
+        CarefulEnd end = RunCarefulJob(job, face);
+        last = end.is;
+        if (end.is != Is::Written)
+            end.report.job.end = end.end;
+        return end.report;
+    }
+    CarefulReport run(const std::vector<Step> &steps, const WriteOptions &options = {})
+    {
+        return run(jobOf(steps, options));
+    }
+
+    /// A job of another command, beside no file.
+    CarefulReport runOther(const std::vector<Step> &steps)
+    {
+        CarefulJob job = jobOf(steps);
+        job.fileName.clear();
+        return run(job);
+    }
+
+    void takeBack()
+    {
+        const auto offer = OfferTakeBack();
+        ASSERT_TRUE(offer.has_value());
+        CarefulJob job = jobOf(offer->steps);
+        job.fileName.clear();
+        job.undoes = offer->fileName;
+        TakeBackEnded(*offer, run(job));
+    }
+
+    static SavedState lastSnapshot() { return LoadUndoSnapshot(UndoSnapshots().value(0)).state; }
+
+    static bool pagesWait() { return PagesWait(QStringLiteral("51201 1.2")); }
+
+    QByteArray recordInFlash(int n) { return flashBytes(LocoRecordAddress(n), LocoRecordSize); }
+
+    ScriptedFace face;
+    Is last = Is::Written;
+
+    void reconnect()
+    {
+        layout().faults.set({});
+        handheld().restorePower();
+        port.replug();
+        ResetRunControl();
+        ResetOpenLink();
+        ClosePort();
+        connectDirectly();
+    }
+
+    /// From now on the handheld hears nothing.
+    void deafen() { layout().faults.faults.missedRequest.probability = 1; }
+
+    void when(const std::function<bool()> &it, const std::function<void()> &what)
+    {
+        events.after(2'000, [this, it, what] { it() ? what() : when(it, what); });
+    }
+    void whenProgress(const QString &text, const std::function<void()> &what)
+    {
+        when([this, text] { return user.progress.endsWith(text); }, what);
+    }
+    /// When the chip has executed an opcode so often from now on.
+    void whenExecuted(int opcode, int more, const std::function<void()> &what)
+    {
+        const int count = executed(opcode) + more;
+        when([this, opcode, count] { return executed(opcode) >= count; }, what);
+    }
+
+    /// As after a kill: nothing of this program is left but what is on the disk.
+    void restart()
+    {
+        reconnect();
+        events.run(10);
+    }
+
+    std::vector<quint8> original;
+    std::map<int, LocoRecord> originals;
+};
+
+TEST_F(CarefulJobs, OnlyChangesAreWrittenAPageAtATimeAndProved)
+{
+    std::vector<Step> all;
+    for (int n = 1; n < Pages * 8; ++n) {
+        if (n % 5 != 0)
+            all.push_back(writeStep(n, 0));
+    }
+    CarefulReport report = run(all);
+    EXPECT_EQ(IdsOf(report.job, RecordState::Unchanged).size(), all.size());
+    EXPECT_FALSE(face.wasAsked(Topic::Write)) << "nothing is written";
+    EXPECT_EQ(executed(0x83), 0);
+    EXPECT_TRUE(UndoSnapshots().isEmpty());
+    all.at(2) = writeStep(3, 1);
+    face.refused = {Topic::Write};
+    run(all);
+    EXPECT_EQ(last, Is::Refused);
+    EXPECT_EQ(flash().state.memory, original);
+    face.refused.clear();
+    report = run(all);
+    EXPECT_EQ(IdsOf(report.job, RecordState::Done), (std::vector<RecordId>{{RecordKind::Loco, 3}}));
+    EXPECT_EQ(executed(0x83), 1);
+    EXPECT_TRUE(flashIs({writeStep(3, 1)}));
+    EXPECT_EQ(lastSnapshot().before.size(), 7U) << "the whole page, 1 to 7, the empty one too";
+    EXPECT_EQ(lastSnapshot().wanted.size(), 1U);
+    // All 23 in full: one program a page.
+    run(all, {true, true, false});
+    EXPECT_EQ(executed(0x83), 1 + Pages);
+    EXPECT_EQ(UndoSnapshots().size(), 1);
+    EXPECT_TRUE(flashIs({writeStep(3, 1)}));
+    EXPECT_FALSE(pagesWait());
+}
+
+/// What is said of a page, and whether it stays remembered.
+TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
+{
+    struct Row {
+        const char *what;
+        std::function<void(sim::Faults &)> strikes;
+        RecordState state;
+        bool done;
+        bool waits;
+    };
+    const auto always = [](sim::Fault sim::Faults::*fault) {
+        return [fault](sim::Faults &faults) { (faults.*fault).probability = 1; };
+    };
+    const Row rows[] = {{"one program not done", [](sim::Faults &faults) { faults.skippedProgram.nth = 1; },
+                            RecordState::Done, true, false},
+        {"no program done", always(&sim::Faults::skippedProgram), RecordState::Differs, false, true},
+        {"power cut", [](sim::Faults &faults) { faults.powerCut.nth = 1; }, RecordState::Doubtful, false, true},
+        {"done once and then never answered",
+            [this](sim::Faults &faults) {
+                faults.skippedProgram.nth = 1;
+                events.after(10'000, [this] { afterNextProgram([this] { handheld().cutPower(events.nowUs); }); });
+            },
+            RecordState::Doubtful, false, true},
+        {"nothing loaded",
+            [this](sim::Faults &) { whenProgress(QStringLiteral("Schreibe Lok 11"), [this] { deafen(); }); },
+            RecordState::Untouched, false, false},
+        {"other content than the chip says, and then never loaded again",
+            [this](sim::Faults &) {
+                whenExecuted(0x60, 1, [this] { flash().setBytes(LocoRecordAddress(11), recordBytes(11, 5)); });
+                whenExecuted(0x53, 2, [this] { deafen(); });
+            },
+            RecordState::Differs, false, true}};
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.what);
+        flash().state.memory = original;
+        face.onQuestion = [&] {
+            sim::Faults faults;
+            row.strikes(faults);
+            layout().faults.set(faults);
+        };
+        const CarefulReport report = run({writeStep(11, 1)});
+        face.onQuestion = nullptr;
+        EXPECT_EQ(report.job.entries.front().state, row.state);
+        EXPECT_EQ(flashIs({writeStep(11, 1)}), row.done);
+        EXPECT_EQ(pagesWait(), row.waits);
+        EXPECT_EQ(report.unproved.size(), row.waits ? 8U : 0U) << "the neighbours too";
+        EXPECT_EQ(QFile::exists(JournalName(file())), !row.done);
+        restart();
+        run({writeStep(11, 1)});
+        EXPECT_TRUE(flashIs({writeStep(11, 1)}));
+        EXPECT_FALSE(pagesWait());
+        user.progress.clear();
+    }
+}
+
+TEST_F(CarefulJobs, APageWithAnUnreadableNeighbourIsNotWritten)
+{
+    const auto timer = events.every(5, [this] {
+        const bool deaf = user.progress.endsWith(QStringLiteral("Lese Lok 12"));
+        layout().faults.faults.missedRequest.probability = deaf ? 1 : 0;
+    });
+    const CarefulReport report = run({writeStep(11, 1), writeStep(22, 1)});
+    events.stop(timer);
+    EXPECT_EQ(report.unreadable, (std::vector<RecordId>{{RecordKind::Loco, 11}}));
+    EXPECT_TRUE(flashIs({writeStep(22, 1)}));
+}
+
+TEST_F(CarefulJobs, AnotherHandheldAfterTheQuestionGetsNothing)
+{
+    struct Row {
+        JobFace::Handheld now;
+        int changed; // record that is another one there
+        bool written;
+    };
+    for (const Row &row : {Row{JobFace::Handheld::Gone, 0, false}, {JobFace::Handheld::Again, 0, true},
+             {JobFace::Handheld::Again, 11, false}}) {
+        flash().state.memory = original;
+        user.acceptAnyBox();
+        face.onQuestion = [&] {
+            face.now = row.now;
+            if (row.changed != 0)
+                flash().setBytes(LocoRecordAddress(row.changed), recordBytes(row.changed, 3));
+        };
+        const auto before = executed(0x83);
+        run({writeStep(11, 1)});
+        EXPECT_EQ(executed(0x83) > before, row.written);
+        EXPECT_EQ(last == Is::Written, row.written);
+        face.now = JobFace::Handheld::Same;
+    }
+}
+
+/// Power cut, pulled plug and a killed program at random moments, in both cadences. Whatever comes next makes the page good
+/// first: the same job, one without a file, or another list.
+TEST_F(CarefulJobs, WhateverComesNextAfterAnyBreakMakesThePageGood)
+{
+    user.acceptAnyBox();
+    std::mt19937 dice(11);
+    const std::vector<Step> steps = fourWrites();
+    int broken = 0;
+    int mended = 0;
+    for (int i = 0; i < 200; ++i) {
+        SCOPED_TRACE(i);
+        flash().state.memory = original;
+        reconnect();
+        ChooseCadence(i % 2 == 0 ? Cadence::Events : Cadence::Ticks);
+        const double longest = i % 2 == 0 ? 6 : 26;
+        const auto moment = static_cast<qint64>(1e6 * longest * static_cast<double>(dice() % 1000) / 1000);
+        const int how = static_cast<int>(dice() % 4);
+        if (how == 3) {
+            strike(&sim::Faults::powerCut, 1 + i % 3); // in the middle of a page program
+        } else {
+            events.after(moment, [this, how] {
+                if (how == 0)
+                    handheld().cutPower(events.nowUs);
+                else if (how == 1)
+                    port.hangUp();
+                else
+                    RequestEnd(); // as at a kill, nothing more is sent but the page in work
+            });
+        }
+        const WriteOptions options{i % 5 == 0, i % 3 != 0, i % 7 != 0};
+        const CarefulReport first = i % 4 == 1 ? runOther(steps) : run(steps, options);
+        broken += first.job.end != JobEnd::Complete ? 1 : 0;
+        reconnect();
+        events.run(27); // the moment is over, whether it was reached or not
+        reconnect();
+        if (i % 3 == 0) { // another job on other pages
+            mended += static_cast<int>(runOther({writeStep(14, 0)}).restored.size());
+            EXPECT_FALSE(pagesWait());
+            for (int n = 1; n < Pages * 8; ++n) {
+                const bool ours = n == 2 || n == 3 || n == 9 || n == 22;
+                EXPECT_TRUE(
+                    SameContent(stored(n), originals.at(n)) || (ours && recordInFlash(n) == recordBytes(n, 1)))
+                    << n;
+            }
+        }
+        for (int again = 0; again < 2 && (pagesWait() || !flashIs(steps)); ++again)
+            mended += static_cast<int>(run(steps, {i % 5 == 0, true, true}).restored.size());
+        ASSERT_TRUE(flashIs(steps)) << "how " << how << " at " << moment;
+        EXPECT_FALSE(pagesWait());
+        QFile::remove(JournalName(file()));
+    }
+    EXPECT_GT(broken, 110);
+    EXPECT_GT(mended, 100);
+}
+
+TEST_F(CarefulJobs, WhatStoodThereComesBackToTheByte)
+{
+    user.acceptAnyBox();
+    QByteArray strange = recordBytes(10, 0);
+    strange[23] = '\x12'; // nobody interprets it
+    strange[4] = '\xE7';  // no character of the handheld
+    flash().setBytes(LocoRecordAddress(9), strange);
+    flash().setBytes(LocoRecordAddress(11), strange);
+    flash().setBytes(StartImageAddress, QByteArray(262, '\x2A'));
+    const auto before = flash().state.memory;
+    const Step image{StepKind::Write, {RecordKind::StartImage, 0}, EmptyStartPicture(), {}};
+    strike(&sim::Faults::powerCut, 3); // the page of 22
+    EXPECT_EQ(run({image, writeStep(9, 1), writeStep(22, 1)}).job.end, JobEnd::NoAnswer);
+    restart();
+    takeBack();
+    EXPECT_EQ(flash().state.memory, before);
+    user.boxes.clear();
+    EXPECT_FALSE(OfferTakeBack().has_value());
+    EXPECT_EQ(user.boxes.constLast(), QStringLiteral(": Es gibt nichts zurückzunehmen."));
+}
+
+TEST_F(CarefulJobs, WhatWasEditedSinceStays)
+{
+    run(fourWrites());
+    flash().setBytes(LocoRecordAddress(9), recordBytes(9, 7));
+    flash().setBytes(LocoRecordAddress(21), recordBytes(21, 7)); // a neighbour
+    const auto offer = OfferTakeBack();
+    CarefulJob job = jobOf(offer->steps);
+    job.fileName.clear();
+    job.undoes = offer->fileName;
+    const CarefulReport report = run(job);
+    EXPECT_EQ(report.edited, (std::vector<RecordId>{{RecordKind::Loco, 9}, {RecordKind::Loco, 21}}));
+    EXPECT_TRUE(flashIs({writeStep(9, 7), writeStep(21, 7)}));
+    job.options.writeAll = true;
+    run(job);
+    EXPECT_TRUE(flashIs({}));
+}
+
+TEST_F(CarefulJobs, SnapshotsAreOrderedByNumberAndTheLastTwentyStay)
+{
+    SavedState state{QStringLiteral("51201 1.2"), {}, {}, {}, {}, {}, {}};
+    state.before.emplace(RecordId{RecordKind::Loco, 3}, recordBytes(3, 0));
+    const QString first = SaveUndoSnapshot(state, SnapshotOf::Change);
+    events.nowUs -= 500'000; // the clock is set back
+    for (int i = 0; i < 25; ++i) {
+        if (i % 8 == 0) {
+            EXPECT_FALSE(SaveUndoSnapshot(state, SnapshotOf::TakeBack).isEmpty());
+        }
+        const QString name = SaveUndoSnapshot(state, SnapshotOf::Change);
+        EXPECT_EQ(UndoSnapshots().constFirst(), name);
+    }
+    EXPECT_EQ(UndoSnapshots().size(), MostUndoSnapshots);
+    EXPECT_FALSE(UndoSnapshots().contains(first));
+    // Every bit of a file counts: a spoilt one is never taken for sound, and keeps its name.
+    const QString name = UndoSnapshots().constFirst();
+    const QByteArray whole = *ReadWholeFile(name);
+    for (qsizetype bit = 0; bit < whole.size() * 8; ++bit) {
+        QByteArray spoilt = whole;
+        spoilt[bit / 8] = static_cast<char>(spoilt.at(bit / 8) ^ 1 << bit % 8);
+        const ReadState read = ReadSavedState(spoilt);
+        ASSERT_FALSE(read.sound) << bit;
+        for (const auto &[id, bytes] : read.state.before)
+            ASSERT_EQ(bytes, recordBytes(3, 0));
+    }
+    for (qsizetype size = 0; size < whole.size(); ++size)
+        ASSERT_FALSE(ReadSavedState(whole.left(size)).sound);
+}
+
+TEST_F(CarefulJobs, AJournalThatDoesNotFitIsRefused)
+{
+    JournalContent content;
+    {
+        Journal journal(file());
+        ASSERT_TRUE(
+            journal.begin(head(), {{RecordKind::Loco, 3}, {RecordKind::Loco, 4}, {RecordKind::RouteTable, 0}}));
+        journal.finished({RecordKind::Loco, 3});
+        Journal second(file());
+        user.acceptAnyBox();
+        EXPECT_FALSE(second.goOn()) << "another program has it";
+        EXPECT_EQ(user.boxes.size(), 1);
+    }
+    EXPECT_EQ(EarlierPart(file(), head(), content), Earlier::Fits);
+    EXPECT_EQ(content.records.size(), 3U);
+    EXPECT_EQ(EarlierPart(file(), {QStringLiteral("schreiben y"), head().handheld}, content), Earlier::OtherJob);
+    EXPECT_EQ(EarlierPart(file(), {head().job, QStringLiteral("51202 1.2")}, content), Earlier::OtherHandheld);
+    const QByteArray whole = *ReadWholeFile(JournalName(file()));
+    for (const QByteArray &more : {QByteArray("fertig 1 1"), QByteArray("fertig 1 0\n"), QByteArray("unsinn\n")}) {
+        ASSERT_TRUE(ReplaceFile(JournalName(file()), whole + more)); // killed in a line, or spoilt
+        EXPECT_EQ(EarlierPart(file(), head(), content), Earlier::Fits);
+        EXPECT_EQ(content.finished.size(), 1U);
+        Journal journal(file());
+        ASSERT_TRUE(journal.goOn());
+        journal.finished({RecordKind::Loco, 4});
+        EXPECT_EQ(EarlierPart(file(), head(), content), Earlier::Fits);
+        EXPECT_EQ(content.finished.size(), 2U) << "nothing is appended to half a line";
+    }
+    for (const auto &[bad, what] :
+        {std::pair(QByteArray("daten 00\n"), Earlier::Damaged), {QByteArray(), Earlier::Damaged},
+            {QByteArray("handregler-fortschritt 1\nauftrag x\nhandregler y\n"), Earlier::OtherVersion}}) {
+        ASSERT_TRUE(ReplaceFile(JournalName(file()), bad));
+        EXPECT_EQ(EarlierPart(file(), head(), content), what);
+    }
+    QDir().mkpath(folder.filePath(QStringLiteral("b.dds.fortschritt"))); // can't be written
+    Journal blocked(folder.filePath(QStringLiteral("b.dds")));
+    EXPECT_FALSE(blocked.begin(head()));
+}
+
+TEST_F(CarefulJobs, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)
+{
+    user.acceptAnyBox();
+    BackupSelection selection;
+    selection.lokSuche = true;
+    selection.lokSucheStop = 30;
+    selection.numbered.at(FktSymbolList) = {true, false, QStringLiteral("0-3")};
+    const QString whole = folder.filePath(QStringLiteral("whole.dds"));
+    ASSERT_TRUE(Backup(whole, selection).written);
+    for (int i = 0; i < 20; ++i) {
+        ChooseCadence(i % 2 == 0 ? Cadence::Events : Cadence::Ticks);
+        BackupMemory memory{QStringLiteral("51201 1.2"), false};
+        events.after(200'000 * (i + 1), [this, i] { i % 3 == 0 ? port.hangUp() : RequestEnd(); });
+        const BackupOutcome broken = Backup(file(), selection, memory);
+        EXPECT_FALSE(broken.written);
+        reconnect();
+        if (broken.kept > 0) {
+            EXPECT_TRUE(GoOnQuestion(file(), BackupHead(selection, memory.handheld)).has_value());
+            EXPECT_FALSE(ReadDds(*ReadWholeFile(KeepPart(file()))).records.empty());
+        }
+        memory.goOn = true;
+        ASSERT_TRUE(Backup(file(), selection, memory).written);
+        EXPECT_EQ(*ReadWholeFile(file()), *ReadWholeFile(whole));
+        EXPECT_FALSE(QFile::exists(JournalName(file())));
+        QFile::remove(file());
+        events.run(10);
+    }
+}
+
+/// An earlier part of a job, and what of it is believed.
+TEST_F(CarefulJobs, AnEarlierPartCountsAsFarAsItIsStillTrue)
+{
+    user.acceptAnyBox();
+    const auto brokenOff = [this] {
+        flash().state.memory = original;
+        QFile::remove(JournalName(file()));
+        afterNextProgram(ConfirmStop); // the page in work is finished
+        EXPECT_EQ(run(fourWrites()).job.end, JobEnd::Stopped);
+        restart();
+        user.boxes.clear();
+    };
+    brokenOff();
+    // What is finished is looked at all the same; what was edited meanwhile is saved before it is written over.
+    flash().setBytes(LocoRecordAddress(2), recordBytes(2, 7));
+    CarefulReport report = run(fourWrites());
+    EXPECT_TRUE(face.wasAsked(Topic::Resume));
+    EXPECT_EQ(report.already, (std::vector<RecordId>{{RecordKind::Loco, 3}}));
+    EXPECT_TRUE(flashIs(fourWrites()));
+    EXPECT_EQ(lastSnapshot().before.at({RecordKind::Loco, 2}), recordBytes(2, 7));
+    EXPECT_EQ(lastSnapshot().before.at({RecordKind::Loco, 3}), recordBytes(3, 0)) << "as before the first part";
+    EXPECT_FALSE(QFile::exists(JournalName(file())));
+    // Nobody has asked to go on: all is forced to be written once more.
+    for (const bool goesOn : {true, false}) {
+        brokenOff();
+        face.refused = goesOn ? std::set<Topic>{} : std::set{Topic::Resume};
+        const int programs = executed(0x83);
+        run(fourWrites(), {true, true, true});
+        EXPECT_EQ(executed(0x83) - programs, goesOn ? 2 : 3);
+        EXPECT_TRUE(flashIs(fourWrites()));
+    }
+    face.refused.clear();
+    // Told, and begun anew without a question.
+    struct Row {
+        const char *told;
+        std::function<void()> happens;
+        std::vector<Step> steps = fourWrites();
+    };
+    const Row rows[] = {{"zurückgenommen", [this] { takeBack(); }},
+        {"mehr als einem Tag", [this] { events.nowUs += 25LL * 3600 * 1'000'000; }},
+        {"anderen Datensätzen", [] {}, {writeStep(2, 1), writeStep(14, 1)}}};
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.told);
+        brokenOff();
+        row.happens();
+        CarefulJob job = jobOf(row.steps);
+        job.resume = Resume::Wanted;
+        run(job);
+        EXPECT_TRUE(user.boxes.join(u'|').contains(QString::fromUtf8(row.told)))
+            << user.boxes.join(u'|').toStdString();
+        EXPECT_FALSE(face.wasAsked(Topic::Resume));
+        EXPECT_EQ(last, Is::Written);
+    }
+}
+
+TEST_F(CarefulJobs, BegunAnewTwiceWhatStoodThereFirstIsKept)
+{
+    user.acceptAnyBox();
+    face.refused = {Topic::Resume};
+    for (int part = 0; part < 2; ++part) {
+        afterNextProgram(ConfirmStop); // the page in work is finished
+        run({writeStep(9, 1), writeStep(14, 1), writeStep(22, 1)});
+        restart();
+    }
+    EXPECT_EQ(run({writeStep(9, 1), writeStep(14, 1), writeStep(22, 1)}).job.end, JobEnd::Complete);
+    EXPECT_EQ(UndoSnapshots().size(), 1);
+    takeBack();
+    EXPECT_TRUE(flashIs({}));
+}
+
+TEST_F(CarefulJobs, AMergeOnADestroyedPageTakesWhatStoodThereBefore)
+{
+    user.acceptAnyBox();
+    Step merge{StepKind::Merge, {RecordKind::Loco, 7}, LocoRecord{FitLocoName(QStringLiteral("NEU")), {}, {}, 0, 1},
+        {}, true};
+    merge.merge = [](const RecordValue &present) {
+        LocoRecord loco = std::get<LocoRecord>(present);
+        loco.name = FitLocoName(QStringLiteral("NEU"));
+        return RecordValue(loco);
+    };
+    strike(&sim::Faults::powerCut, 1);
+    EXPECT_EQ(run({merge}).job.end, JobEnd::NoAnswer);
+    restart();
+    // No: nothing is written, and what stood there stays remembered.
+    const auto destroyed = flash().state.memory;
+    face.refused = {Topic::MendPage, Topic::DropPage};
+    run({merge});
+    EXPECT_EQ(last, Is::Refused);
+    EXPECT_EQ(flash().state.memory, destroyed);
+    EXPECT_TRUE(pagesWait());
+    face.refused.clear();
+    EXPECT_EQ(run({merge}).job.end, JobEnd::Complete);
+    EXPECT_TRUE(flashIs({{StepKind::Write, merge.id, merge.merge(originals.at(7)), {}}}));
+}
+
+TEST_F(CarefulJobs, ABackupLeavesAJournalThatIsNotItsOwn)
+{
+    {
+        Journal journal(file());
+        ASSERT_TRUE(journal.begin(head()));
+    }
+    const QByteArray before = *ReadWholeFile(JournalName(file()));
+    BackupSelection selection;
+    selection.numbered.at(FktSymbolList) = {true, false, QStringLiteral("0")};
+    user.acceptAnyBox(); // No to all questions
+    EXPECT_EQ(Backup(file(), selection, BackupMemory{QStringLiteral("51201 1.2"), false}).end, JobEnd::NothingDone);
+    EXPECT_EQ(user.boxes.size(), 1);
+    EXPECT_EQ(*ReadWholeFile(JournalName(file())), before);
+}
