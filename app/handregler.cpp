@@ -7,6 +7,7 @@
 #include "link/link_driver.h"
 #include "platform/files.h"
 #include "platform/qt/console.h"
+#include "platform/qt/machine_disk.h"
 #include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
 #include "platform/switched_port.h"
@@ -19,31 +20,21 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
-#include <csignal>
-
 namespace
 {
 
 constexpr int SignalPollMs = 100; // a program that does something all its life need not sleep deeper
-volatile std::sig_atomic_t interrupts = 0;
-volatile std::sig_atomic_t endSignalled = 0;
 
 /// Ctrl-C stops what runs in good order; a request to terminate and a closed terminal end it at once. Either way the
-/// handheld is sent back. A reader of the output that goes away is noticed when writing fails.
+/// handheld is sent back.
 void TakeSignals(Events &events)
 {
-    std::signal(SIGINT, [](int) { interrupts = interrupts + 1; });
-    std::signal(SIGTERM, [](int) { endSignalled = 1; });
-#ifdef SIGHUP
-    std::signal(SIGHUP, [](int) { endSignalled = 1; });
-#endif
-#ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
+    WatchEndSignals();
     events.every(SignalPollMs, [seen = 0]() mutable {
-        if (endSignalled != 0)
+        const EndSignals signals = SeenEndSignals();
+        if (signals.end)
             RequestEnd();
-        for (; seen < interrupts; ++seen)
+        for (; seen < signals.interrupts; ++seen)
             TakeInterrupt();
     });
 }
@@ -80,10 +71,14 @@ int main(int argc, char *argv[])
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
     SwitchedPort port(machinePort, demoPort);
     InstallWorld({&events, &port});
+    MachineDisk disk;
+    InstallDisk(&disk);
     TerminalAsk ask(console, wish->manner);
     InstallAsk(&ask);
     const LinkDriver driver;
     ChooseCadence(wish->call.options.fast || FastPreferred() ? Cadence::Events : Cadence::Ticks);
     TakeSignals(events);
-    return static_cast<int>(Run(*wish));
+    exit = Run(*wish);
+    EndIsDone();
+    return static_cast<int>(exit);
 }

@@ -4,6 +4,7 @@
 #include "link/cadence.h"
 #include "link/link_driver.h"
 #include "platform/files.h"
+#include "platform/qt/machine_disk.h"
 #include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
 #include "platform/switched_port.h"
@@ -128,6 +129,8 @@ int main(int argc, char *argv[])
     SwitchedPort port(machinePort, demoPort);
     KeepWindowSizesIn(PreferencesPath());
     InstallWorld({&events, &port});
+    MachineDisk disk;
+    InstallDisk(&disk);
     QtFrontend frontend;
     InstallAsk(&frontend);
     InstallDesktop(&frontend);

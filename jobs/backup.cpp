@@ -211,6 +211,45 @@ void ReportDoubtful(const BackupOutcome &outcome)
     TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
 }
 
+/// The first record of the earlier part, the last one and some between, read again, that do not hold any more what they held.
+std::vector<RecordId> ChangedSamples(const std::vector<DdsRecord> &records)
+{
+    constexpr size_t samples = 5;
+    std::map<RecordId, RecordValue> wanted;
+    for (size_t i = 0; i < samples; ++i) {
+        const DdsRecord &record = records.at(i * (records.size() - 1) / (samples - 1));
+        wanted.insert_or_assign(record.id, UnpackRecord(record));
+    }
+    Plan plan{.steps = {},
+        .progress = [](const Step &step) { return ProgressText(step.id); },
+        .patience = Patience::Job,
+        .endsAtFailure = false,
+        .ownerTellsPortLoss = true};
+    for (const auto &[id, value] : wanted)
+        plan.steps.push_back({StepKind::Read, id, {}, {}});
+    std::vector<RecordId> changed;
+    for (const JobEntry &entry : RunJob(plan).entries) {
+        const bool read = entry.outcome.ok() && entry.state != RecordState::Untouched;
+        if (read && !SameContent(*entry.value, wanted.at(entry.step.id)))
+            changed.push_back(entry.step.id);
+    }
+    return changed;
+}
+
+/// Another handheld of the same type and version says the same of itself: what it holds tells them apart.
+bool MayBeJoined(const JournalContent &earlier)
+{
+    const auto changed = earlier.read.empty() ? std::vector<RecordId>() : ChangedSamples(earlier.read);
+    if (changed.empty())
+        return true;
+    const QString text =
+        QStringLiteral("Der Handregler enthält nicht mehr, was der abgebrochene Teil gelesen hat:\r%1.\r"
+                       "Vielleicht ist es ein anderer Handregler, oder diese Daten wurden seither geändert.\r"
+                       "Soll trotzdem fortgesetzt werden? (Nein: alles wird noch einmal gelesen.)")
+            .arg(RecordsText(changed));
+    return TheAsk().askYesNo({text, QStringLiteral("Datensicherung"), BoxIcon::Critical}, false);
+}
+
 /// Begins a journal or goes on with the one that fits. False after a box.
 bool OpenBackupJournal(Journal &journal, const QString &fileName, const BackupSelection &selection,
     const BackupMemory &memory, JournalContent &earlier)
@@ -227,6 +266,8 @@ bool OpenBackupJournal(Journal &journal, const QString &fileName, const BackupSe
     }
     if (found == Earlier::None || !memory.goOn)
         return journal.begin(head);
+    if (!MayBeJoined(content))
+        return !BoxesAreSilent() && journal.begin(head);
     earlier = content;
     return journal.goOn();
 }

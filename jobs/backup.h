@@ -25,7 +25,7 @@ struct BackupOutcome {
 /// What a backup needs that can be gone on with.
 struct BackupMemory {
     QString handheld;  // HandheldName(): the journal holds for this one only
-    bool goOn = false; // with the records of the journal, which fits
+    bool goOn = false; // with the records of the journal, which fits; asked again when samples of them have changed
 };
 
 /// What the journal of such a backup must say.

@@ -8,6 +8,7 @@
 #include "jobs/selection.h"
 #include "jobs/undo_snapshot.h"
 #include "link/open_link.h"
+#include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"
 
@@ -229,7 +230,7 @@ public:
         head = {JobName(QStringLiteral("schreiben"), job.about), face.handheld()};
         if (job.dryRun)
             tellOfWaitingPages();
-        else if (!isKnown() || !mending.run() || !takeEarlierPart())
+        else if (!isKnown() || !isItsChange() || !mending.run() || !takeEarlierPart())
             return std::move(end);
         if (!look())
             return std::move(end);
@@ -251,6 +252,18 @@ private:
         if (!head.handheld.trimmed().isEmpty())
             return true;
         tell(QStringLiteral("Der Handregler hat nicht sicher gesagt, welcher er ist.\rEs wurde nichts geschrieben."));
+        return false;
+    }
+
+    /// A change is taken back where it was made.
+    bool isItsChange()
+    {
+        const QString made = job.undoes.isEmpty() ? QString() : LoadUndoSnapshot(job.undoes).state.handheld;
+        if (made.isEmpty() || made == head.handheld)
+            return true;
+        tell(QStringLiteral("Diese Änderung wurde im Handregler %1 gemacht; verbunden ist jetzt %2.\r"
+                            "Es wurde nichts geschrieben.")
+                 .arg(made, head.handheld));
         return false;
     }
 
@@ -345,18 +358,24 @@ private:
         return true;
     }
 
-    /// A change is taken back where it is what the job has made, or what a power cut has left of it.
+    /// A change is taken back where it is what the job has made, or what a power cut has left of it. Its neighbours are not
+    /// part of it, unless they are destroyed.
     void leaveEdits()
     {
         if (job.undoes.isEmpty())
             return;
         const SavedState undone = LoadUndoSnapshot(job.undoes).state;
-        for (RecordChange &change : end.changes) {
+        if (undone.wanted.empty())
+            return; // an older version did not save what it wrote
+        const auto since = [&undone](const RecordChange &change) {
             const auto now = PresentRecord(change);
-            if (!now || change.change == Change::Unchanged || !undone.before.contains(change.id)
-                || undone.wanted.empty())
-                continue;
-            if (SinceThen(undone, *now) == Since::Edited)
+            return now && undone.before.contains(change.id) ? SinceThen(undone, *now) : Since::Destroyed;
+        };
+        std::erase_if(end.changes, [&](const RecordChange &change) {
+            return !undone.wanted.contains(change.id) && since(change) != Since::Destroyed;
+        });
+        for (RecordChange &change : end.changes) {
+            if (since(change) == Since::Edited)
                 change.change = Change::EditedSince;
         }
     }
@@ -535,7 +554,7 @@ private:
         if (!job.options.undoSnapshot || chosen.empty())
             return true;
         SavedState state = stateOf(chosen);
-        state.journal = journal ? JournalName(job.fileName) : QString();
+        state.journal = journal ? InDataFolder(JournalName(job.fileName)) : QString();
         addEarlierPart(state);
         const bool takesBack = !job.undoes.isEmpty();
         const QString name = SaveUndoSnapshot(state, takesBack ? SnapshotOf::TakeBack : SnapshotOf::Change);
@@ -566,7 +585,7 @@ private:
             all = all && known && (now->second == wanted || now->second == before.state.before.at(id));
         }
         if (all)
-            state.replaces = earlier.snapshot;
+            state.replaces = InDataFolder(earlier.snapshot);
     }
 
     void writePages()
@@ -664,6 +683,7 @@ private:
             journal->remove();
         if (settled)
             RemoveReplaced(replaced);
+        SettleForgottenPages();
         end.report.goesOn = !settled && journal.has_value();
     }
 

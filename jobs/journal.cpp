@@ -3,12 +3,14 @@
 #include "handheld/backup/number_list.h"
 #include "jobs/checked_lines.h"
 #include "jobs/saved_state.h"
+#include "platform/disk.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/ask.h"
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QFileInfo>
 
 namespace
 {
@@ -71,7 +73,7 @@ void TakeLine(JournalContent &content, const QString &line)
     else if (word == DataWord)
         TakeData(content, rest);
     else if (word == SnapshotWord)
-        content.snapshot = rest;
+        content.snapshot = FromDataFolder(rest);
     else if (word == BegunWord)
         content.begun = QDateTime::fromString(rest, Qt::ISODate);
     else if (word == RecordsWord && !TakeRecords(content.records, rest))
@@ -167,9 +169,26 @@ Journal::~Journal()
     lock.unlock();
 }
 
+/// Nobody here can know whether the program on the other computer still runs. True when the user says that it does not; the
+/// lock is gone then.
+bool Journal::isOfAnotherComputer()
+{
+    qint64 process = 0;
+    QString computer;
+    QString program;
+    if (!lock.getLockInfo(&process, &computer, &program) || computer == QSysInfo::machineHostName())
+        return false;
+    const QString name = file.fileName() + QStringLiteral(".lock");
+    const QString question =
+        QStringLiteral("Der Fortschritt %1 ist vom Programm %2 auf dem Computer %3 belegt (Datei %4).\r"
+                       "Läuft dort gewiss keines mehr, und soll er übernommen werden?")
+            .arg(QDir::toNativeSeparators(file.fileName()), program, computer, QDir::toNativeSeparators(name));
+    return TheAsk().askYesNo({question, QStringLiteral("Achtung!"), BoxIcon::Critical}, false) && QFile::remove(name);
+}
+
 bool Journal::lockIt()
 {
-    if (lock.tryLock(0))
+    if (lock.tryLock(0) || (isOfAnotherComputer() && lock.tryLock(0)))
         return true;
     if (lock.error() == QLockFile::LockFailedError) {
         TheAsk().showBox(FaultBox(QStringLiteral("Ein anderes Programm arbeitet gerade mit dem Fortschritt %1.")
@@ -194,6 +213,7 @@ bool Journal::begin(const JournalHead &head, const std::vector<RecordId> &record
     line(BegunWord + u' ' + TheEvents().now().toString(Qt::ISODate));
     if (!records.empty())
         line(RecordsWord + u' ' + RecordsLine(records));
+    writes = writes && TheDisk().flush(file) && TheDisk().flushFolder(QFileInfo(file).absolutePath());
     if (!writes)
         ReportFileUnwritable(file.fileName());
     return writes;
@@ -217,17 +237,24 @@ bool Journal::goOn()
 void Journal::line(const QString &text)
 {
     const QByteArray bytes = CheckedLine(text);
-    writes = writes && file.write(bytes) == bytes.size() && file.flush();
+    writes = writes && TheDisk().write(file, bytes);
+}
+
+/// On the disk when this returns. What was only read can be read again.
+void Journal::lineForSure(const QString &text)
+{
+    line(text);
+    writes = writes && TheDisk().flush(file);
 }
 
 void Journal::snapshot(const QString &snapshotFile)
 {
-    line(SnapshotWord + u' ' + snapshotFile);
+    lineForSure(SnapshotWord + u' ' + InDataFolder(snapshotFile));
 }
 
 void Journal::finished(const RecordId &id)
 {
-    line(FinishedWord + u' ' + IdText(id));
+    lineForSure(FinishedWord + u' ' + IdText(id));
 }
 
 void Journal::read(const RecordId &id, const RecordValue &value)
@@ -243,6 +270,6 @@ void Journal::readEmpty(const RecordId &id)
 void Journal::remove()
 {
     file.close();
-    file.remove();
+    TheDisk().remove(file.fileName());
     lock.unlock();
 }

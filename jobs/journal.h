@@ -92,8 +92,10 @@ public:
     void remove();
 
 private:
+    bool isOfAnotherComputer();
     bool lockIt();
     void line(const QString &text);
+    void lineForSure(const QString &text);
 
     QFile file;
     QLockFile lock;

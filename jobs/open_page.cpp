@@ -1,5 +1,6 @@
 #include "jobs/open_page.h"
 
+#include "platform/disk.h"
 #include "platform/files.h"
 
 #include <QCryptographicHash>
@@ -33,7 +34,7 @@ QString NameOf(const QString &handheld, int address)
 
 bool RememberPage(const SavedState &state, int address)
 {
-    QDir().mkpath(Folder());
+    MakeFolder(Folder());
     const QString name = NameOf(state.handheld, address);
     const QByteArray file = SavedStateFile(state);
     return ReplaceFile(name, file) && ReadWholeFile(name) == file;
@@ -41,12 +42,17 @@ bool RememberPage(const SavedState &state, int address)
 
 void ForgetPage(const QString &handheld, int address)
 {
-    QFile::remove(NameOf(handheld, address));
+    TheDisk().remove(NameOf(handheld, address));
 }
 
 void ForgetPage(const OpenPage &page)
 {
-    QFile::remove(page.fileName);
+    TheDisk().remove(page.fileName);
+}
+
+void SettleForgottenPages()
+{
+    static_cast<void>(TheDisk().flushFolder(Folder())); // one that comes back is looked at, and is as it should be
 }
 
 std::vector<OpenPage> OpenPages(const QString &handheld)

@@ -23,5 +23,8 @@ struct OpenPage {
 void ForgetPage(const QString &handheld, int address);
 void ForgetPage(const OpenPage &page);
 
+/// What was forgotten does not come back after a power failure.
+void SettleForgottenPages();
+
 /// All pages of a handheld that may be half programmed.
 std::vector<OpenPage> OpenPages(const QString &handheld);

@@ -29,31 +29,64 @@ bool SoundPartIsWanted(const QString &fileName, const SavedState &state, const Q
     return TheAsk().askYesNo({damage + part, title, BoxIcon::Critical}, false);
 }
 
-} // namespace
+/// What a change was about: all records of its pages where an older version did not say more.
+std::vector<RecordId> ChangedBy(const SavedState &state)
+{
+    std::vector<RecordId> changed;
+    for (const auto &[id, bytes] : state.before) {
+        if (state.wanted.empty() || state.wanted.contains(id))
+            changed.push_back(id);
+    }
+    return changed;
+}
 
-std::optional<TakeBackOffer> OfferTakeBack(const QString &title)
+QString SnapshotOfNumber(int number)
 {
     const QStringList names = UndoSnapshots();
-    if (names.isEmpty()) {
-        TheAsk().showBox({QStringLiteral("Es gibt nichts zurückzunehmen."), title, BoxIcon::None});
+    if (number == NewestChange)
+        return names.value(0);
+    const auto found =
+        std::ranges::find_if(names, [number](const QString &name) { return SnapshotNumber(name) == number; });
+    return found != names.end() ? *found : QString();
+}
+
+} // namespace
+
+std::vector<UndoListEntry> UndoList()
+{
+    std::vector<UndoListEntry> list;
+    for (const QString &name : UndoSnapshots()) {
+        const LoadedSnapshot loaded = LoadUndoSnapshot(name);
+        const SavedState &state = loaded.state;
+        list.push_back({SnapshotNumber(name), ShownTime(state), state.command, state.handheld, ChangedBy(state),
+            loaded.is != SnapshotState::Sound});
+    }
+    return list;
+}
+
+std::optional<TakeBackOffer> OfferTakeBack(const QString &title, int number)
+{
+    TakeBackOffer offer{SnapshotOfNumber(number), {}, {}};
+    if (offer.fileName.isEmpty()) {
+        const QString text = number == NewestChange
+            ? QStringLiteral("Es gibt nichts zurückzunehmen.")
+            : QStringLiteral("Eine Änderung mit der Nummer %1, die zurückgenommen werden kann, gibt es nicht.")
+                  .arg(number);
+        TheAsk().showBox({text, title, BoxIcon::None});
         return {};
     }
-    TakeBackOffer offer{names.constFirst(), {}, {}};
     const LoadedSnapshot loaded = LoadUndoSnapshot(offer.fileName);
     if (loaded.is != SnapshotState::Sound && !SoundPartIsWanted(offer.fileName, loaded.state, title))
         return {};
-    std::vector<RecordId> changed;
     for (const auto &[id, bytes] : loaded.state.before) {
         const SavedRecord record{id, bytes};
         offer.steps.push_back({StepKind::Write, id, ValueOf(record), {}, false, LocoBytesOf(record)});
-        if (loaded.state.wanted.empty() || loaded.state.wanted.contains(id))
-            changed.push_back(id);
     }
     const QString command =
         loaded.state.command.isEmpty() ? QString() : QString(QStringLiteral(" (") + loaded.state.command + u')');
     offer.lead =
         QStringLiteral("Der Handregler bekommt zurück, was vor der Änderung vom %1%2 darin stand:\r%3.\r(%4)\r\r")
-            .arg(ShownTime(loaded.state), command, ContentText(changed), Shown(offer.fileName));
+            .arg(ShownTime(loaded.state), command, ContentText(ChangedBy(loaded.state)), Shown(offer.fileName));
     return offer;
 }
 

@@ -10,9 +10,23 @@ struct TakeBackOffer {
     std::vector<Step> steps;
 };
 
-/// The newest undo snapshot that was not taken back yet. Nothing, after a box, when there is none or it cannot be used; of a
-/// damaged one what is sound is offered after a question.
-[[nodiscard]] std::optional<TakeBackOffer> OfferTakeBack(const QString &title = {});
+/// A change that can be taken back.
+struct UndoListEntry {
+    int number = 0; // 0: of an older version
+    QString time;   // "23.11.2026 10:15"
+    QString command;
+    QString handheld;
+    std::vector<RecordId> changed;
+    bool damaged = false;
+};
+
+/// All of them, the newest first.
+std::vector<UndoListEntry> UndoList();
+
+/// The newest change that was not taken back yet, or the one of that number. Nothing, after a box, when there is none or it
+/// cannot be used; of a damaged one what is sound is offered after a question.
+constexpr int NewestChange = -1;
+[[nodiscard]] std::optional<TakeBackOffer> OfferTakeBack(const QString &title = {}, int number = NewestChange);
 
 /// When all of it is back, the next offer is the change before.
 void TakeBackEnded(const TakeBackOffer &offer, const CarefulReport &report);

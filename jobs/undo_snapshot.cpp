@@ -1,6 +1,7 @@
 #include "jobs/undo_snapshot.h"
 
 #include "handheld/backup/dds_file.h"
+#include "platform/disk.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/ask.h"
@@ -96,14 +97,14 @@ QByteArray DdsOf(const SavedState &state)
 
 bool IsNeeded(const QString &stem)
 {
-    const SavedState state = LoadUndoSnapshot(FileOf(stem)).state;
-    return !state.journal.isEmpty() && FileExists(state.journal);
+    const QString journal = LoadUndoSnapshot(FileOf(stem)).state.journal;
+    return !journal.isEmpty() && FileExists(FromDataFolder(journal));
 }
 
 void RemoveFiles(const QString &stem)
 {
     for (const QString &ending : {DdsEnding, BytesEnding})
-        QFile::remove(Folder() + u'/' + stem + ending);
+        TheDisk().remove(Folder() + u'/' + stem + ending);
 }
 
 void RemoveOldest()
@@ -145,7 +146,7 @@ LoadedSnapshot LoadOldSnapshot(const QString &fileName)
 
 QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what)
 {
-    QDir().mkpath(Folder());
+    MakeFolder(Folder());
     const NewName name(what == SnapshotOf::TakeBack ? TakenBackMark : BeforeMark);
     const QString fileName = name.stem + BytesEnding;
     const QByteArray file = SavedStateFile(state);
@@ -153,7 +154,7 @@ QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what)
     const bool written = (dds.isEmpty() || ReplaceFile(name.stem + DdsEnding, dds)) && ReplaceFile(fileName, file)
         && ReadWholeFile(fileName) == file;
     if (!written) {
-        QFile::remove(fileName);
+        TheDisk().remove(fileName);
         ReportFileUnwritable(fileName);
         return {};
     }
@@ -169,6 +170,11 @@ QStringList UndoSnapshots()
     return names;
 }
 
+int SnapshotNumber(const QString &fileName)
+{
+    return NumberOf(QFileInfo(fileName).fileName());
+}
+
 LoadedSnapshot LoadUndoSnapshot(const QString &fileName)
 {
     const auto file = ReadWholeFile(fileName);
@@ -182,7 +188,7 @@ LoadedSnapshot LoadUndoSnapshot(const QString &fileName)
 
 void MarkAsTakenBack(const QString &fileName)
 {
-    const QString replaced = LoadUndoSnapshot(fileName).state.replaces;
+    const QString replaced = FromDataFolder(LoadUndoSnapshot(fileName).state.replaces);
     const QString stem = fileName.left(fileName.lastIndexOf(u'.'));
     for (const QString &ending : {DdsEnding, BytesEnding})
         QFile::rename(stem + ending, TakenBackName(stem + ending));

@@ -27,6 +27,9 @@ QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what);
 /// Those that can be taken back, the newest first.
 QStringList UndoSnapshots();
 
+/// Its running number; 0 for one of an older version.
+int SnapshotNumber(const QString &fileName);
+
 enum class SnapshotState { Sound, TakenBack, Damaged, Gone };
 
 struct LoadedSnapshot {

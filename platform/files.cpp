@@ -1,5 +1,7 @@
 #include "platform/files.h"
 
+#include "platform/disk.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -83,7 +85,8 @@ std::optional<QByteArray> ReadWholeFile(const QString &path)
 bool ReplaceFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    return file.open(QIODevice::WriteOnly) && TheDisk().write(file, content) && TheDisk().replace(file)
+        && TheDisk().flushFolder(QFileInfo(path).absolutePath());
 }
 
 bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content)
@@ -99,6 +102,23 @@ bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content)
     if (failure)
         QFile::remove(beside);
     return !failure;
+}
+
+bool MakeFolder(const QString &folder)
+{
+    return QFileInfo(folder).isDir()
+        || (QDir().mkpath(folder) && TheDisk().flushFolder(QFileInfo(folder).absolutePath()));
+}
+
+QString InDataFolder(const QString &path)
+{
+    const QString front = dataFolder + u'/';
+    return path.startsWith(front) ? path.mid(front.size()) : path;
+}
+
+QString FromDataFolder(const QString &path)
+{
+    return path.isEmpty() || QDir::isAbsolutePath(path) ? path : QString(dataFolder + u'/' + path);
 }
 
 bool IsSameFile(const QString &one, const QString &other)

@@ -27,13 +27,21 @@ bool FileExists(const QString &path);
 /// All bytes of a file; nothing when it cannot be read.
 std::optional<QByteArray> ReadWholeFile(const QString &path);
 
-/// Replaces the file's content so that the file is never half written: written beside it, then renamed.
-/// False when the folder or file cannot be written; the old file is untouched then.
+/// Replaces the file's content so that the file is never half written: written beside it, then renamed, and on the disk
+/// when this returns. False when the folder or file cannot be written or the disk is full; the old file is untouched then.
 bool ReplaceFile(const QString &path, const QByteArray &content);
 
 /// The same for files in folders that are scanned: what is half written lies in the konf folder, never in the folder
 /// of the file, so that a broken save leaves nothing there. Both folders are on one file system.
 bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content);
+
+/// Makes a folder, and those above it, where there is none.
+bool MakeFolder(const QString &folder);
+
+/// A path without the data folder in front, and back: so that what names a file holds when the whole folder is moved. What
+/// lies elsewhere keeps its whole path.
+QString InDataFolder(const QString &path);
+QString FromDataFolder(const QString &path);
 
 /// True when two names lead to the same file; also where neither exists yet.
 bool IsSameFile(const QString &one, const QString &other);

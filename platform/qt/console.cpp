@@ -3,6 +3,8 @@
 #include <QSocketNotifier>
 
 #include <algorithm>
+#include <atomic>
+#include <csignal>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -22,7 +24,30 @@ namespace
 constexpr int InputDescriptor = 0;
 constexpr int ErrorDescriptor = 2;
 
+std::atomic<int> interrupts = 0;
+std::atomic<bool> endSignalled = false;
+std::atomic<bool> endIsDone = false;
+
 #ifdef _WIN32
+/// In a thread of the system's own, which kills the program as soon as this returns from any but an interrupt.
+BOOL WINAPI TakeConsoleEvent(DWORD event)
+{
+    if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) {
+        ++interrupts;
+        return TRUE;
+    }
+    endSignalled = true;
+    constexpr DWORD lookMs = 20;
+    while (!endIsDone)
+        Sleep(lookMs);
+    return TRUE;
+}
+
+void Watch()
+{
+    SetConsoleCtrlHandler(TakeConsoleEvent, TRUE);
+}
+
 bool IsTerminal(int descriptor, const char *)
 {
     DWORD mode = 0; // devices such as NUL call themselves terminals too, but have none
@@ -49,6 +74,14 @@ void RestoreOutput(unsigned before)
     SetConsoleOutputCP(before); // the next program in this window may count on it
 }
 #else
+void Watch()
+{
+    std::signal(SIGINT, [](int) { ++interrupts; });
+    std::signal(SIGTERM, [](int) { endSignalled = true; });
+    std::signal(SIGHUP, [](int) { endSignalled = true; });
+    std::signal(SIGPIPE, SIG_IGN); // a reader of the output that goes away is noticed when writing fails
+}
+
 unsigned PrepareOutput()
 {
     return 0;
@@ -86,6 +119,22 @@ void OccupyClosedStreams()
     for (int descriptor = 0; descriptor <= ErrorDescriptor; ++descriptor)
         [[maybe_unused]] const auto *stream = std::fopen("/dev/null", "r");
 #endif
+}
+
+void WatchEndSignals()
+{
+    static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
+    Watch();
+}
+
+EndSignals SeenEndSignals()
+{
+    return {interrupts, endSignalled};
+}
+
+void EndIsDone()
+{
+    endIsDone = true;
 }
 
 Console::Console()

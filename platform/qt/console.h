@@ -14,6 +14,19 @@ class QSocketNotifier;
 /// their place and is written to as if it were the output. To be called first.
 void OccupyClosedStreams();
 
+/// What came from outside since the program began.
+struct EndSignals {
+    int interrupts = 0; // Ctrl-C
+    bool end = false;   // terminate; the terminal or its window was closed, log-off, shutdown
+};
+
+/// From now on signals are counted and no longer end the program, however often they come.
+void WatchEndSignals();
+EndSignals SeenEndSignals();
+
+/// The program is done. Where the system kills it after an end signal as soon as it was told of it, it waits for this.
+void EndIsDone();
+
 /// While it lives, umlauts come out well on the system's terminal window.
 class Console
 {
