@@ -294,7 +294,7 @@ TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
             answer(goOn);
     };
     save({});
-    events.after(2'500'000, [this] { port.hangUp(); });
+    events.after(1'500'000, [this] { port.hangUp(); });
     answer(QStringLiteral("Ja")); // keep the part
     answerBox();
     trigger("datenlesen_menu");
