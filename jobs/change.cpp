@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int VerifyMessages = 3; // of a page
+constexpr int VerifyMessages = 6; // of a page: after its load and after its program
 constexpr int PageMessages = 2;   // load and program
 constexpr int BitsPerByte = 8;
 
