@@ -164,6 +164,7 @@ TEST_F(Bench, LongJobsInEvents)
 {
     ChooseCadence(Cadence::Events);
     user.acceptAnyBox();
+    flash().setBytes(TextTableAddress, QByteArray(32, '\x05')); // no handheld is without texts
     BackupSelection search;
     search.lokSuche = true;
     search.lokSucheStart = 10;

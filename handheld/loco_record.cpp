@@ -19,12 +19,6 @@ constexpr int BitsPerByte = 8;
 constexpr int LastSlice = 60;
 constexpr int ExecuteLength = WritePosition + LocoRecordSize;
 
-/// Where the first byte of a neighbour's record lies after one flash read of all three.
-int FirstByteIndex(size_t neighbour)
-{
-    return ReadPosition + static_cast<int>(neighbour) * LocoRecordSize;
-}
-
 size_t ModeByte(size_t function)
 {
     return OffsetModes + function / BitsPerByte;
@@ -142,19 +136,4 @@ Result<bool> LocoIsUsed(int locoNumber, const Patience &patience)
         return read.ok() ? read_spibuf(image, 0, manner) : read;
     });
     return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
-}
-
-Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience)
-{
-    SpiImage image{};
-    Outcome outcome = RunStep(patience, [&](const Patience &manner) {
-        Outcome read = read_flash_to_spibuf(LocoRecordAddress(firstLoco), LongestRead, manner);
-        for (size_t i = 0; i < Neighbours && read.ok(); ++i)
-            read = read_spibuf(image, FirstByteIndex(i) / SliceSize * SliceSize, manner);
-        return read;
-    });
-    NeighbourUse use{};
-    for (size_t i = 0; i < Neighbours; ++i)
-        use.at(i) = image.at(static_cast<size_t>(FirstByteIndex(i))) != EmptyByte;
-    return {use, outcome};
 }

@@ -71,9 +71,3 @@ PageResult DeleteLoco(SpiImage &image, int locoNumber, const Patience &patience)
 
 /// Asks whether a record holds a loco, with two messages.
 Result<bool> LocoIsUsed(int locoNumber, const Patience &patience = Patience::Agreed);
-
-constexpr size_t Neighbours = 3; // records whose first bytes one flash read reaches
-using NeighbourUse = std::array<bool, Neighbours>;
-
-/// Asks of three neighbours at once whether they hold a loco, with four messages.
-Result<NeighbourUse> NeighboursUsed(int firstLoco, const Patience &patience = Patience::Agreed);

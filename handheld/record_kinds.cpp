@@ -22,6 +22,7 @@ KindRow LocoRow()
         .flashBytes = LocoRecordSize,
         .backupBytes = 76,
         .readMessages = 5,
+        .rowMessages = 3.7,
         .writeMessages = 6,
         .name = QStringLiteral("Lok"),
         .plural = QStringLiteral("Lokdatensätze"),
@@ -40,6 +41,7 @@ KindRow LocoSymbolRow()
         .flashBytes = FlashBytesOf(LokSymbolGeometry),
         .backupBytes = 102,
         .readMessages = 7,
+        .rowMessages = 6,
         .writeMessages = 7,
         .name = QStringLiteral("Loksymbol"),
         .plural = QStringLiteral("Loksymbole"),
@@ -62,6 +64,7 @@ KindRow PairRow(SymbolKind symbol, int half)
         .flashBytes = FlashBytesOf(HalfSymbolGeometry),
         .backupBytes = 39,
         .readMessages = 3,
+        .rowMessages = 1.85,
         .writeMessages = 4};
 }
 
@@ -116,6 +119,7 @@ KindRow TableRow(int flashBytes, int readMessages, int writeMessages, const Tabl
     return {.flashBytes = flashBytes,
         .backupBytes = flashBytes + 1,
         .readMessages = readMessages,
+        .rowMessages = static_cast<double>(readMessages),
         .writeMessages = writeMessages,
         .entries = texts.entries,
         .entryName = texts.entryName,
@@ -133,6 +137,7 @@ KindRow StartImageRow()
 {
     return {.flashBytes = FlashBytesOf(StartImageGeometry),
         .readMessages = 22,
+        .rowMessages = 22,
         .writeMessages = 19,
         .name = QStringLiteral("Startbild"),
         .plural = QStringLiteral("Startbild"),
@@ -282,7 +287,7 @@ bool SharesPage(RecordKind kind)
     return RowOf(kind).numbered && kind != RecordKind::LocoSymbol;
 }
 
-int PageAddressOf(const RecordId &id)
+int FirstByteOf(const RecordId &id)
 {
     int address = 0;
     switch (id.kind) {
@@ -304,6 +309,12 @@ int PageAddressOf(const RecordId &id)
     default:
         address = PictureAddress(SymbolKindOf(id.kind), id.number, HalfOf(id.kind));
     }
+    return address;
+}
+
+int PageAddressOf(const RecordId &id)
+{
+    const int address = FirstByteOf(id);
     return address - PageOffset(address);
 }
 

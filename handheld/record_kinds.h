@@ -68,6 +68,7 @@ struct KindRow {
     int flashBytes = 0;                 // of its content
     int backupBytes = 0;                // of its record in a backup file, with the kind byte; 0: it has none there
     int readMessages = 0;               // what reading one costs on a quiet bus
+    double rowMessages = 0;             // the same when a job reads it together with its neighbours
     int writeMessages = 0;
     int entries = 0;        // of a table
     QString entryName{};    // "Fahrstraße", followed by its number, from 1 on
@@ -112,6 +113,9 @@ PageResult WriteRecord(SpiImage &image, const RecordId &id, const RecordValue &v
 
 /// True for loco records and symbol halves.
 bool SharesPage(RecordKind kind);
+
+/// Where a record lies; of a table its (first) page.
+int FirstByteOf(const RecordId &id);
 
 /// The first byte of the (first) page in which a record lies.
 int PageAddressOf(const RecordId &id);

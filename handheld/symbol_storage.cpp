@@ -8,7 +8,6 @@ namespace
 {
 
 constexpr int PairSize = 64;
-constexpr int HalfSize = 32;
 constexpr int LokLastSlice = 100; // one more than the data need: it only starts the execution
 constexpr int HalfLastSlice = 20;
 constexpr int ChunkSize = 64; // of the start image
@@ -26,7 +25,7 @@ Slot SlotOf(SymbolKind kind, int n, int half)
     if (kind == SymbolKind::Loco)
         return {LokSymbolAddress + n * FlashPageSize, LokLastSlice, false};
     const int base = kind == SymbolKind::Function ? FktSymbolAddress : MagSymbolAddress;
-    return {base + n * PairSize + half * HalfSize, HalfLastSlice, true};
+    return {base + n * PairSize + half * SymbolHalfDistance, HalfLastSlice, true};
 }
 
 PagePart StartImageChunk(const Picture &picture, int offset)

@@ -17,6 +17,8 @@
 constexpr int HalfOn = 0;  // function symbol ON, accessory symbol green
 constexpr int HalfOff = 1; // function symbol OFF, accessory symbol red
 
+constexpr int SymbolHalfDistance = 32; // flash bytes from one half to the next
+
 constexpr int LokSymbolCount = 64;
 constexpr int PairCount = 256;
 

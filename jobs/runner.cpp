@@ -1,6 +1,7 @@
 #include "jobs/runner.h"
 
 #include "handheld/known_locos.h"
+#include "jobs/record_reader.h"
 #include "link/cadence.h"
 #include "link/open_link.h"
 #include "platform/world.h"
@@ -13,31 +14,17 @@
 namespace
 {
 
-void ShowGroup(int group)
+/// What a merge is made into, alone: the page is then loaded for it.
+void ReadForMerge(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
-    TheAsk().showProgress(QStringLiteral("Lese Zuordnungsdaten ") + QString::number(group));
-}
-
-RecordState StateOfRead(const RecordValue &value, const Outcome &outcome, const SpiImage &image)
-{
-    const auto *loco = std::get_if<LocoRecord>(&value);
-    if (loco == nullptr || !IsEmptyName(loco->name))
-        return outcome.ok() ? RecordState::Done : RecordState::Doubtful;
-    // Also a name that begins with a character no handheld writes: such a record must not be left out silently.
-    const bool reallyEmpty = outcome.ok() && image.at(ReadPosition) == EmptyByte;
-    return reallyEmpty ? RecordState::Empty : RecordState::Doubtful;
-}
-
-void Read(SpiImage &image, JobEntry &entry, const Patience &patience)
-{
-    Result<RecordValue> read = ReadRecord(image, entry.step.id, ShowGroup, patience);
-    entry.state = StateOfRead(read.value, read.outcome, image);
+    const Result<LocoRecord> read = ReadLoco(image, entry.step.id.number, patience);
+    const bool empty = IsEmptyName(read.value.name);
     entry.outcome = read.outcome;
-    entry.value = std::move(read.value);
-    if (entry.step.id.kind == RecordKind::Loco && entry.outcome.ok() && entry.state != RecordState::Empty) {
-        entry.bytes.emplace();
-        std::copy_n(image.begin() + ReadPosition, LocoRecordSize, entry.bytes->begin());
-    }
+    entry.value = read.value;
+    if (read.ok() && empty && image.at(ReadPosition) == EmptyByte)
+        entry.state = RecordState::Empty;
+    else
+        entry.state = read.ok() && !empty ? RecordState::Done : RecordState::Doubtful;
 }
 
 void Note(JobEntry &entry, const PageResult &written)
@@ -62,9 +49,9 @@ void Write(SpiImage &image, JobEntry &entry, const RecordValue &value, const Pat
 /// and is left alone or filled. Bytes of the record that this program does not know stay as they are.
 void Merge(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
-    Read(image, entry, patience);
+    ReadForMerge(image, entry, patience);
     if (entry.outcome.timedOut() && patience.sequences > 1)
-        Read(image, entry, patience); // as a job tries a page once more
+        ReadForMerge(image, entry, patience); // as a job tries a page once more
     if (entry.state == RecordState::Doubtful && !entry.outcome.ok())
         entry.state = RecordState::Untouched; // nothing is written
     if (entry.state == RecordState::Empty && entry.step.fillsEmpty)
@@ -85,40 +72,12 @@ void AskUse(JobEntry &entry, const Patience &patience)
         entry.state = used.value ? RecordState::Done : RecordState::Empty;
 }
 
-/// What is known of three neighbours that were asked together.
-struct KnownUse {
-    int first = 0;
-    NeighbourUse used{};
-
-    [[nodiscard]] bool holds(int number) const { return first != 0 && number >= first && number - first < Span; }
-    [[nodiscard]] bool at(int number) const { return used.at(static_cast<size_t>(number - first)); }
-    static constexpr int Span = static_cast<int>(Neighbours);
-};
-
-/// In the fast cadence neighbours are asked together. True when that said what the step wants to know.
-bool KnownFromNeighbours(KnownUse &known, JobEntry &entry, bool neighbourFollows)
-{
-    if (CurrentCadence() == Cadence::Ticks || entry.step.id.kind != RecordKind::Loco)
-        return false;
-    const int number = entry.step.id.number;
-    if (!known.holds(number)) {
-        if (!neighbourFollows)
-            return false;
-        const auto asked = NeighboursUsed(number);
-        known = {asked.ok() ? number : 0, asked.value};
-    }
-    if (!known.holds(number) || (known.at(number) && entry.step.kind == StepKind::Search))
-        return false;
-    entry.state = known.at(number) ? RecordState::Done : RecordState::Empty;
-    return true;
-}
-
 void CarryOut(SpiImage &image, JobEntry &entry, const Patience &patience)
 {
     switch (entry.step.kind) {
     case StepKind::Read:
     case StepKind::Search:
-        return Read(image, entry, patience);
+        break; // by the record reader
     case StepKind::IsUsed:
         return AskUse(entry, patience);
     case StepKind::Write:
@@ -148,33 +107,20 @@ void NoteLoco(const JobEntry &entry)
         NoteUse(step.id.number, done && step.kind != StepKind::Delete);
 }
 
-bool IsLook(const Step &step)
+/// In messages.
+double CostOf(const Step &step, bool asksChip)
 {
-    return step.kind == StepKind::Search || step.kind == StepKind::IsUsed;
-}
-
-bool NeighbourFollows(const Plan &plan, size_t index)
-{
-    return index + 1 < plan.steps.size() && IsLook(plan.steps.at(index + 1))
-        && plan.steps.at(index + 1).id.number == plan.steps.at(index).id.number + 1;
-}
-
-/// In messages; most records that are looked for are empty.
-double CostOf(const Step &step)
-{
-    constexpr double emptyRecord = 2;
+    if (OnlyReads(step))
+        return CostOfReading(step, asksChip);
     const KindRow &row = RowOf(step.id.kind);
-    if (IsLook(step))
-        return emptyRecord;
-    return (step.kind == StepKind::Read ? 0 : row.writeMessages)
-        + (step.kind == StepKind::Read || step.kind == StepKind::Merge ? row.readMessages : 0);
+    return row.writeMessages + (step.kind == StepKind::Merge ? row.readMessages : 0);
 }
 
-double CostOf(const Plan &plan)
+double CostOf(const Plan &plan, bool asksChip)
 {
     double cost = 0;
     for (const Step &step : plan.steps)
-        cost += CostOf(step);
+        cost += CostOf(step, asksChip);
     return cost;
 }
 
@@ -182,8 +128,7 @@ bool EndsJob(const Plan &plan, const Step &step, const Outcome &outcome)
 {
     if (outcome.ok())
         return false;
-    const bool writes = step.kind != StepKind::Read && !IsLook(step);
-    return plan.endsAtFailure || (writes && !plan.patience.goesOn && outcome.timedOut());
+    return plan.endsAtFailure || (!OnlyReads(step) && !plan.patience.goesOn && outcome.timedOut());
 }
 
 } // namespace
@@ -289,16 +234,108 @@ private:
     std::deque<Waiting> waiting;
 };
 
-/// What a job has to tell while it runs.
-void ShowStep(const Plan &plan, const Watcher &watcher, size_t index, JobAmount &amount)
+/// One job while it runs.
+class RunningJob
 {
-    const Step &step = plan.steps.at(index);
-    TheAsk().showProgress(plan.progress(step));
-    amount.show();
-    amount.add(1, CostOf(step));
-    if (watcher.begins)
-        watcher.begins(step, index, plan.steps.size());
-}
+public:
+    RunningJob(const Plan &wholePlan, const Watcher &seen)
+        : plan(wholePlan)
+        , watcher(seen)
+        , reader(wholePlan)
+        , sure(report, seen)
+        , amount(wholePlan.steps.size(), CostOf(wholePlan, reader.asksChip()))
+    {
+        report.entries.reserve(plan.steps.size());
+        for (const Step &step : plan.steps)
+            report.entries.push_back({step, RecordState::Untouched, {}, {}, {}});
+    }
+
+    Report run()
+    {
+        for (size_t index = 0; index < plan.steps.size() && goesOn(); ++index) {
+            showStep(index);
+            carryOut(index);
+            prove(false);
+        }
+        prove(true);
+        brokenOff = !sure.settleAll() || brokenOff;
+        TheAsk().hideProgress(); // questions and reports stand alone
+        if (brokenOff && report.end == JobEnd::Complete)
+            report.end = WhyJobBrokeOff();
+        return std::move(report);
+    }
+
+private:
+    bool goesOn()
+    {
+        brokenOff = brokenOff || !JobGoesOn() || !sure.settle(SureEntries::SureSeconds)
+            || (watcher.mayGoOn && !watcher.mayGoOn());
+        return !brokenOff;
+    }
+
+    void showStep(size_t index)
+    {
+        const Step &step = plan.steps.at(index);
+        TheAsk().showProgress(plan.progress(step));
+        amount.show();
+        amount.add(1, CostOf(step, reader.asksChip()));
+        if (watcher.begins)
+            watcher.begins(step, index, plan.steps.size());
+    }
+
+    void carryOut(size_t index)
+    {
+        JobEntry &entry = report.entries.at(index);
+        if (entry.step.kind == StepKind::Read || entry.step.kind == StepKind::Search) {
+            if (!reader.read(index, entry))
+                return; // until it is proved
+        } else {
+            CarryOut(image, entry, plan.patience);
+            reader.forget();
+        }
+        finish(index);
+    }
+
+    void finish(size_t index)
+    {
+        const JobEntry &entry = report.entries.at(index);
+        sure.add(index);
+        const bool ends = EndsJob(plan, entry.step, entry.outcome);
+        if (ends && !entry.outcome.brokenOff() && !StoppableJob::stopRequested())
+            report.end = JobEnd::NoAnswer;
+        brokenOff = brokenOff || entry.outcome.brokenOff() || ends;
+    }
+
+    /// What the chip said counts when a sample proves it; else it is read. Nothing is believed of a job that broke off.
+    void prove(bool atEnd)
+    {
+        if (atEnd && brokenOff) {
+            for (const size_t index : reader.dropUnproved())
+                report.entries.at(index).state = RecordState::Untouched;
+            return;
+        }
+        const RecordReader::Checked checked = reader.check(atEnd);
+        for (const size_t index : checked.proved)
+            finish(index);
+        for (const size_t index : checked.refuted) {
+            JobEntry &entry = report.entries.at(index);
+            entry.state = RecordState::Untouched;
+            if (!goesOn())
+                continue;
+            reader.readAnyway(index, entry);
+            finish(index);
+        }
+    }
+
+    const Plan &plan;
+    const Watcher &watcher;
+    Report report;
+    RecordReader reader;
+    SureEntries sure;
+    JobAmount amount;
+    SpiImage image{};
+    bool brokenOff = false;
+};
 
 } // namespace
 
@@ -308,33 +345,7 @@ Report RunJob(const Plan &plan, const Watcher &watcher)
     std::optional<TellsPortLoss> teller;
     if (plan.ownerTellsPortLoss)
         teller.emplace();
-    Report report;
-    report.entries.reserve(plan.steps.size());
-    SureEntries sure(report, watcher);
-    SpiImage image{};
-    KnownUse known;
-    JobAmount amount(plan.steps.size(), CostOf(plan));
-    bool brokenOff = false;
-    for (const Step &step : plan.steps) {
-        const size_t index = report.entries.size();
-        JobEntry &entry = report.entries.emplace_back(JobEntry{step, RecordState::Untouched, {}, {}, {}});
-        brokenOff = brokenOff || !JobGoesOn() || !sure.settle(SureEntries::SureSeconds)
-            || (watcher.mayGoOn && !watcher.mayGoOn());
-        if (brokenOff)
-            continue; // untouched
-        ShowStep(plan, watcher, index, amount);
-        if (!IsLook(step) || !KnownFromNeighbours(known, entry, NeighbourFollows(plan, index)))
-            CarryOut(image, entry, plan.patience);
-        sure.add(index);
-        brokenOff = entry.outcome.brokenOff() || EndsJob(plan, step, entry.outcome);
-        if (brokenOff && !entry.outcome.brokenOff() && !StoppableJob::stopRequested())
-            report.end = JobEnd::NoAnswer;
-    }
-    brokenOff = !sure.settleAll() || brokenOff;
-    TheAsk().hideProgress(); // questions and reports stand alone
-    if (brokenOff && report.end == JobEnd::Complete)
-        report.end = WhyJobBrokeOff();
-    return report;
+    return RunningJob(plan, watcher).run();
 }
 
 std::vector<RecordId> IdsOf(const Report &report, RecordState state)

@@ -1,5 +1,7 @@
 #include "jobs/selection.h"
 
+#include "jobs/record_reader.h"
+
 #include "handheld/backup/number_list.h"
 #include "link/cadence.h"
 #include "platform/files.h"
@@ -25,15 +27,13 @@ constexpr std::array<RecordKind, NumberedKindCount> RecordKinds{
 /// What the search asks of an address that holds nothing.
 double EmptyLocoMessages()
 {
-    constexpr double single = 2; // the flash read and the slice that shows the empty name
-    constexpr double together = (1 + static_cast<double>(Neighbours)) / Neighbours;
-    return CurrentCadence() == Cadence::Ticks ? single : together;
+    return CostOfReading({StepKind::Search, {}, {}, {}}, true);
 }
 
-int MessagesPerNumber(NumberedKind kind)
+double MessagesPerNumber(NumberedKind kind)
 {
     const KindRow &row = RowOfChoice(kind);
-    return row.halfName.isEmpty() ? row.readMessages : row.readMessages * Halves;
+    return row.halfName.isEmpty() ? row.rowMessages : row.rowMessages * Halves;
 }
 
 const NumberChoice &ChoiceOf(const BackupSelection &selection, NumberedKind kind)

