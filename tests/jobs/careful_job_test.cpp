@@ -355,6 +355,11 @@ TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
                 events.after(10'000, [this] { afterNextProgram([this] { handheld().cutPower(events.nowUs); }); });
             },
             RecordState::Doubtful, false, true},
+        {"a neighbour is another one behind the chip's back",
+            [this](sim::Faults &) {
+                whenExecuted(0x60, 2, [this] { flash().setBytes(LocoRecordAddress(12), recordBytes(12, 5)); });
+            },
+            RecordState::Done, true, false},
         {"nothing loaded",
             [this](sim::Faults &) { whenProgress(QStringLiteral("Schreibe Lok 11"), [this] { deafen(); }); },
             RecordState::Untouched, false, false},
