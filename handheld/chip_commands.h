@@ -38,6 +38,7 @@ struct Patience {
     bool goesOn = true;       // after a time-out, with the remaining steps
     int sequences = 1;        // tries of a whole page sequence; not after a page that could not be loaded
     bool verifies = false;    // the chip compares page and buffer after each load and program (3 messages more each)
+    bool keepsRest = false;   // pages that the agreed commands do not load first are loaded too: their other bytes stay
 
     static const Patience Agreed;   // a single command of the user
     static const Patience Job;      // a job whose time-outs are told: gives up before a page is in doubt
@@ -45,13 +46,13 @@ struct Patience {
     static const Patience Verified; // the same, and every page is proved
 
     /// The same without boxes, ended by the first failure.
-    [[nodiscard]] constexpr Patience quiet() const { return {Tells::No, false, sequences, verifies}; }
+    [[nodiscard]] constexpr Patience quiet() const { return {Tells::No, false, sequences, verifies, keepsRest}; }
     bool operator==(const Patience &) const = default;
 };
 inline constexpr Patience Patience::Agreed{};
 inline constexpr Patience Patience::Job{Tells::Yes, false, 2, false};
-inline constexpr Patience Patience::Quiet{Tells::No, false, 4, false};
-inline constexpr Patience Patience::Verified{Tells::No, false, 4, true};
+inline constexpr Patience Patience::Quiet{Tells::No, false, 4, false, true};
+inline constexpr Patience Patience::Verified{Tells::No, false, 4, true, true};
 
 /// Reads count flash bytes from a byte address into the handheld's buffer, from index 8 on. Index 8 + count - 1
 /// must not exceed 146, the last byte a read-back can reach.

@@ -87,7 +87,7 @@ private:
     /// The failure is that of a load that did not succeed in the end.
     Loaded load(Outcome &failure)
     {
-        if (!page.loadFirst)
+        if (!page.loadFirst && !patience.keepsRest)
             return Loaded::Yes;
         failure = move_spibuf_to_buf1(page.address, patience);
         const bool proves = patience.verifies && failure.ok();

@@ -1,6 +1,7 @@
 #include "handheld/block_tables.h"
 
 #include "handheld/flash_map.h"
+#include "handheld/record_kinds.h"
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
@@ -176,5 +177,22 @@ TEST_F(BlockTables, AnAssignmentEndsAtAPageThatIsNotLoaded)
         EXPECT_EQ(executed(0x83), goodPages);
         EXPECT_EQ(flashBytes(MagZuordAddress, AssignmentBytes).count('\xA5'), 0);
         flash().state.executed = {};
+    }
+}
+
+/// As agreed the rest of the page is what buffer 1 holds; a job that loses nothing keeps it.
+TEST_F(BlockTables, ACarefulWriteKeepsTheRestOfAPageThatIsNotLoadedAsAgreed)
+{
+    const std::pair<RecordId, RecordValue> rows[] = {{{RecordKind::RouteTable, 0}, Routes()},
+        {{RecordKind::PlaceTable, 0}, AccessoryList()},
+        {{RecordKind::LocoSymbol, 2}, EmptyPicture(SymbolKind::Loco)}};
+    for (const auto &[id, value] : rows) {
+        for (const bool careful : {false, true}) {
+            flash().setBytes(PageAddressOf(id), QByteArray(512, '\x77'));
+            flash().state.buffer1.fill(0xA5);
+            const Patience patience = careful ? Patience::Verified : Patience::Agreed;
+            EXPECT_TRUE(WriteRecord(image, id, value, patience).ok());
+            EXPECT_EQ(flashBytes(PageAddressOf(id) + 500, 12), QByteArray(12, careful ? '\x77' : '\xA5'));
+        }
     }
 }
