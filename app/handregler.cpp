@@ -2,9 +2,9 @@
 
 #include "cli/output.h"
 #include "cli/program.h"
+#include "handheld/text_encoding.h"
 #include "link/cadence.h"
 #include "link/link_driver.h"
-#include "link/text_encoding.h"
 #include "platform/files.h"
 #include "platform/qt/console.h"
 #include "platform/qt/machine_disk.h"

@@ -133,9 +133,11 @@ int main(int argc, char *argv[])
     InstallDisk(&disk);
     QtFrontend frontend;
     InstallAsk(&frontend);
-    InstallWindows(&frontend);
-    MainWindow mainWindow(frontend);
+    InstallDesktop(&frontend);
+    MainWindow mainWindow;
     frontend.setMainWindow(&mainWindow);
+    QObject::connect(&mainWindow, &MainWindow::portWindowAsked, [&frontend] { frontend.openSelectionFromMenu(); });
+    QObject::connect(&mainWindow, &MainWindow::endAsked, [&frontend] { frontend.endProgram(); });
     const LinkDriver driver;
     ChooseCadence(arguments.fast || FastPreferred() ? Cadence::Events : Cadence::Ticks);
 

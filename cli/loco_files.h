@@ -1,4 +1,4 @@
-// Files that hold locos: .csv, .json and .dds.
+// Files that hold locos (roster/loco_files.h), as arguments of a command: what is wrong with them is told.
 #pragma once
 
 #include "cli/call.h"

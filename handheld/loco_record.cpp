@@ -1,6 +1,6 @@
 #include "handheld/loco_record.h"
 
-#include "link/text_encoding.h"
+#include "handheld/text_encoding.h"
 #include "platform/text.h"
 
 #include <algorithm>

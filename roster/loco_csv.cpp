@@ -1,6 +1,6 @@
 #include "roster/loco_csv.h"
 
-#include "link/text_encoding.h"
+#include "handheld/text_encoding.h"
 #include "platform/text.h"
 
 #include <map>

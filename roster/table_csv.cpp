@@ -1,7 +1,7 @@
 #include "roster/table_csv.h"
 
 #include "handheld/table_entries.h"
-#include "link/text_encoding.h"
+#include "handheld/text_encoding.h"
 
 #include <set>
 

@@ -27,8 +27,10 @@ QString TitleWithHandheld()
     const QString front = TheBranding().windowTitle + QStringLiteral(" : Vers: ");
     if (HandheldVersion.isEmpty())
         return front + QStringLiteral("unbekannt");
-    return front + HandheldVersion + QStringLiteral(" vom ") + HandheldDate + QStringLiteral(" Type: ")
-        + HandheldType;
+    // A damaged or foreign identification may hold anything; a title is one line.
+    QString type = HandheldType;
+    type.removeIf([](QChar c) { return !c.isPrint(); });
+    return front + HandheldVersion + QStringLiteral(" vom ") + HandheldDate + QStringLiteral(" Type: ") + type;
 }
 
 void ResetShownConnection()

@@ -16,7 +16,6 @@
 #include "ui/info_zeichensatz.h"
 #include "ui/loco/loco_editor.h"
 #include "ui/option_commands.h"
-#include "ui/qt_frontend.h"
 #include "ui/symbols/pixel_editor.h"
 #include "ui/symbols/start_image.h"
 #include "ui/symbols/symbol_editor.h"
@@ -66,9 +65,8 @@ void FollowCatalogue()
 
 } // namespace
 
-MainWindow::MainWindow(QtFrontend &qtFrontend)
-    : frontend(qtFrontend)
-    , helpWin(std::make_unique<HelpWin>())
+MainWindow::MainWindow()
+    : helpWin(std::make_unique<HelpWin>())
     , guideWin(std::make_unique<GuideWin>())
     , infoZeichensatz(std::make_unique<InfoZeichensatz>())
 {
@@ -126,7 +124,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("MagListeMenu"), Opening(OpenAccessoryListEditor)},
         {QStringLiteral("FSMenu"), Opening(OpenRouteEditor)},
         {QStringLiteral("StartBildMenu"), EditStartImage},
-        {QStringLiteral("ZentraleMenu"), Opening([this] { frontend.openSelectionFromMenu(); })},
+        {QStringLiteral("ZentraleMenu"), Opening([this] { Q_EMIT portWindowAsked(); })},
         {QStringLiteral("LokDataMenu"), FetchStationLocos},
         {QStringLiteral("zeichen_menu"), [this] { infoZeichensatz->present(); }},
         {QStringLiteral("help_menu"), [this] { helpWin->load(); }},
@@ -179,7 +177,7 @@ void MainWindow::end()
 {
     const QStringList unwritten = Busy() ? QStringList() : UnwrittenTables();
     if (unwritten.isEmpty()) {
-        frontend.endProgram();
+        Q_EMIT endAsked();
         return;
     }
     if (std::exchange(askingToEnd, true))
@@ -192,7 +190,7 @@ void MainWindow::end()
         const bool ends = TheAsk().askYesNo(question, false);
         askingToEnd = false;
         if (ends)
-            frontend.endProgram();
+            Q_EMIT endAsked();
     });
 }
 

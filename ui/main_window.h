@@ -11,15 +11,13 @@ class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
 class LocoEditor;
-class QtFrontend;
 
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// The frontend outlives the window.
-    explicit MainWindow(QtFrontend &frontend);
+    MainWindow();
     ~MainWindow() override;
 
     void setLokDataMenuVisible(bool visible);
@@ -36,6 +34,13 @@ public:
     /// Lets the user work in the window; the address field has the focus unless another field got it.
     void enable(bool enabled);
 
+Q_SIGNALS:
+    /// The user wants to choose port and interface kind.
+    void portWindowAsked();
+
+    /// The user wants to end the program and has nothing unwritten any more.
+    void endAsked();
+
 protected:
     /// Never closes at once: the program ends when the running command has come to its end and the handheld has
     /// been sent back.
@@ -50,7 +55,6 @@ private:
     [[nodiscard]] MenuActions menuActions();
     void end();
 
-    QtFrontend &frontend;
     QSize appearedSize; // a size that the user did not choose is not kept
     bool askingToEnd = false;
     LocoEditor *locoEditor;

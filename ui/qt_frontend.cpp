@@ -6,7 +6,7 @@
 #include "shown/connection.h"
 #include "ui/compare/compare_commands.h"
 #include "ui/main_window.h"
-#include "ui/selection/zentrale_form.h"
+#include "ui/port/zentrale_form.h"
 #include "ui/widgets/progress_window.h"
 
 #include <QAbstractButton>
@@ -122,6 +122,9 @@ void QtFrontend::postBox(const BoxText &box)
 {
     std::erase_if(postedBoxes, [](const auto &posted) { return !posted->isVisible(); });
     auto widget = makeBox(box);
+    const auto tells = [&widget](const auto &posted) { return posted->text() == widget->text(); };
+    if (std::ranges::any_of(postedBoxes, tells))
+        return; // it stands on the screen already
     widget->setStandardButtons(QMessageBox::Ok);
     widget->show();
     postedBoxes.push_back(std::move(widget));

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "program/ask.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 
 #include <QMap>
 #include <QPointer>
@@ -21,7 +21,7 @@ class QMessageBox;
 class QWidget;
 class ZentraleForm;
 
-class QtFrontend : public Ask, public Windows
+class QtFrontend : public Ask, public Desktop
 {
 public:
     QtFrontend();

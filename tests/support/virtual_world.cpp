@@ -1,12 +1,12 @@
 #include "tests/support/virtual_world.h"
 
 #include "handheld/discovery.h"
+#include "handheld/text_encoding.h"
 #include "jobs/selection.h"
 #include "link/cadence.h"
 #include "link/exchange.h"
 #include "link/message_layer.h"
 #include "link/open_link.h"
-#include "link/text_encoding.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"

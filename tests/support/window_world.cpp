@@ -72,7 +72,7 @@ void ResetAllModules()
 DesktopWorld::DesktopWorld()
 {
     InstallAsk(&user);
-    InstallWindows(&user);
+    InstallDesktop(&user);
     ResetAllModules();
     OnBusyAgain([this] { ++user.raised; });
 }
@@ -80,7 +80,7 @@ DesktopWorld::DesktopWorld()
 DesktopWorld::~DesktopWorld()
 {
     ResetAllModules();
-    InstallWindows(nullptr);
+    InstallDesktop(nullptr);
 }
 
 void DesktopWorld::TearDown()
@@ -109,8 +109,10 @@ void WindowWorld::restart()
     port.close();
     ScanCatalogues();
     OnBusyAgain([this] { ++user.raised; });
-    mainWindow = std::make_unique<MainWindow>(*frontend);
+    mainWindow = std::make_unique<MainWindow>();
     frontend->setMainWindow(mainWindow.get());
+    QObject::connect(mainWindow.get(), &MainWindow::portWindowAsked, [this] { frontend->openSelectionFromMenu(); });
+    QObject::connect(mainWindow.get(), &MainWindow::endAsked, [this] { frontend->endProgram(); });
     connectDirectly();
 }
 

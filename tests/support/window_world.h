@@ -3,7 +3,7 @@
 #pragma once
 
 #include "tests/support/virtual_world.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 #include "ui/main_window.h"
 
 #include <memory>
@@ -14,7 +14,7 @@ class QPushButton;
 class QtFrontend;
 
 /// The scripted user in front of windows: file dialogs, selection window, main window.
-class ScriptedUser : public ScriptedAsk, public Windows
+class ScriptedUser : public ScriptedAsk, public Desktop
 {
 public:
     QString openFileName(const QString &boxTitle, const QString &filter) override;

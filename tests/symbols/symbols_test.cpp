@@ -1,11 +1,14 @@
 #include "platform/files.h"
-#include "symbols/bmp_file.h"
+#include "symbols/image_file.h"
 #include "symbols/pixel_cells.h"
 #include "symbols/symbol_catalogue.h"
 #include "tests/support/virtual_world.h"
 
 #include <QDir>
 #include <QFile>
+#include <QtEndian>
+
+#include <png.h>
 
 namespace
 {
@@ -188,6 +191,58 @@ TEST_F(Symbols, CellsHitsAndBits)
     EXPECT_EQ(PlaceOfPixel(48, 0, 1).byte, 6);
     EXPECT_EQ(PlaceOfPixel(14, 13, 0).byte, 1);
     EXPECT_EQ(PlaceOfPixel(14, 13, 0).mask, 0x04);
+}
+
+namespace
+{
+
+/// A 14 x 14 picture whose top left pixel is black and whose others are white; 24 bits a pixel.
+QByteArray TrueColourBmp(bool topDown)
+{
+    constexpr int stride = 44;
+    QByteArray file(54 + stride * 14, '\xFF');
+    file.replace(0, 54, QByteArray(54, '\0'));
+    file.replace(0, 2, "BM");
+    const std::pair<int, int> fields[] = {{10, 54}, {14, 40}, {18, 14}, {22, topDown ? -14 : 14}, {28, 24}};
+    for (const auto &[offset, value] : fields)
+        qToLittleEndian(value, file.data() + offset);
+    file.replace(54 + (topDown ? 0 : 13 * stride), 3, QByteArray(3, '\0'));
+    return file;
+}
+
+/// The same with alpha: what is not the one pixel is black and fully transparent.
+QByteArray TransparentPng()
+{
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = image.height = 14;
+    image.format = PNG_FORMAT_GA;
+    QByteArray pixels(14 * 14 * 2, '\0');
+    pixels[1] = '\xFF'; // opaque
+    QByteArray file(10'000, '\0');
+    auto size = static_cast<png_alloc_size_t>(file.size());
+    EXPECT_NE(png_image_write_to_memory(&image, file.data(), &size, 0, pixels.constData(), 0, nullptr), 0);
+    file.truncate(static_cast<qsizetype>(size));
+    return file;
+}
+
+} // namespace
+
+TEST(ImageFiles, StandUprightAndTransparentIsWhite)
+{
+    PictureRows expected(28, 0);
+    expected.at(26) = 0x80; // the top row is the last one
+    const std::pair<const char *, QByteArray> files[] = {
+        {"a.bmp", TrueColourBmp(false)}, {"b.BMP", TrueColourBmp(true)}, {"c.png", TransparentPng()}};
+    for (const auto &[name, content] : files) {
+        const ReadImage read = ReadImageFile(QString::fromUtf8(name), content, HalfSymbolGeometry);
+        EXPECT_EQ(read.rows, expected) << name << read.fault.toStdString();
+        for (const char *format : {"x.bmp", "x.png"}) {
+            const QString copy = QString::fromUtf8(format);
+            const QByteArray again = ImageFileOf(copy, read.rows, HalfSymbolGeometry);
+            EXPECT_EQ(ReadImageFile(copy, again, HalfSymbolGeometry).rows, expected) << format;
+        }
+    }
 }
 
 class Catalogues : public VirtualWorld

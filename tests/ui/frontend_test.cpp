@@ -5,7 +5,7 @@
 #include "shown/connection.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
-#include "ui/selection/zentrale_form.h"
+#include "ui/port/zentrale_form.h"
 
 #include <QAction>
 #include <QApplication>
@@ -51,7 +51,7 @@ protected:
         WindowWorld::SetUp();
         window().show();
         InstallAsk(frontend.get());
-        InstallWindows(frontend.get());
+        InstallDesktop(frontend.get());
     }
 
     static QWidget *topLevel(const char *name)

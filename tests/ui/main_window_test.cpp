@@ -331,6 +331,18 @@ TEST_F(MainWindowTest, OptionsLookAtTheGuardAgainAfterTheirQuestion)
         port.replug();
         restart();
     }
+    // A port that is back by then is opened and the handheld called again before anything is written.
+    ASSERT_TRUE(ReplaceFile(folder.path() + QStringLiteral("/konf/ComPort.inf"), "3\r\n3\r\n"));
+    user.onBox = [this] {
+        user.onBox = nullptr;
+        port.hangUp();
+        events.run(0.1);
+        port.replug();
+    };
+    user.expect(QString(), QString(), QStringLiteral("Ja"));
+    trigger("Opt_abschalt");
+    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_EQ(flashBytes(0x3F0005, 1), QByteArray(1, 0));
 }
 
 TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)

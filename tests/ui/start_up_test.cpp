@@ -55,6 +55,12 @@ TEST_F(StartUp, SearchesAgainAfterEachConfirmedSelection)
     EXPECT_EQ(user.progress, (QStringList{QStringLiteral("Suche Handregler!"), QStringLiteral("Suche Handregler!")}));
 }
 
+TEST_F(StartUp, TheTitleIsOneLineWhateverTheHandheldIs)
+{
+    ShowHandheld({QStringLiteral("1.2"), QStringLiteral("1.1.1"), QStringLiteral("5\x01\r\n\x7F") + QChar(0x85), {}});
+    EXPECT_EQ(TitleWithHandheld(), TheBranding().windowTitle + QStringLiteral(" : Vers: 1.2 vom 1.1.1 Type: 5"));
+}
+
 TEST_F(StartUp, CancelEndsTheProgramAndWritesNothing)
 {
     expectWarning();

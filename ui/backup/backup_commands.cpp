@@ -10,7 +10,7 @@
 #include "ui/backup/found_addresses.h"
 #include "ui/backup/selection_window.h"
 #include "ui/common/command.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 
 #include <QDir>
 
@@ -45,7 +45,7 @@ void SaveHandheldData()
     if (!command.ok())
         return;
     const QString fileName =
-        TheWindows().saveFileName(TheBranding().saveDialogTitle, Filter(), DatedName(QStringLiteral("Handregler")));
+        TheDesktop().saveFileName(TheBranding().saveDialogTitle, Filter(), DatedName(QStringLiteral("Handregler")));
     BackupSelection selection = ReadSelection();
     if (fileName.isEmpty() || !AskForBackupSelection(selection))
         return;
@@ -71,7 +71,7 @@ void ShowBackupFile()
     const Command command;
     if (!command.ok())
         return;
-    const QString fileName = TheWindows().openFileName(TheBranding().showDialogTitle, Filter());
+    const QString fileName = TheDesktop().openFileName(TheBranding().showDialogTitle, Filter());
     if (!fileName.isEmpty())
         OpenBackupViewer(fileName);
 }
@@ -81,7 +81,7 @@ void RestoreHandheldData()
     const Command command;
     if (!command.ok())
         return;
-    const QString fileName = TheWindows().openFileName(TheBranding().saveDialogTitle, Filter());
+    const QString fileName = TheDesktop().openFileName(TheBranding().saveDialogTitle, Filter());
     if (fileName.isEmpty() || !command.connected())
         return;
     const auto offer = OfferRestore(fileName);

@@ -5,8 +5,8 @@
 #include "program/recent_files.h"
 #include "ui/backup/table_print.h"
 #include "ui/common/command.h"
+#include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/picture_delegate.h"
 #include "ui/widgets/window_keys.h"
@@ -272,7 +272,7 @@ std::vector<RosterLoco> BackupViewer::shownLocos() const
 void BackupViewer::saveFile(const QString &filter, const QByteArray &bytes)
 {
     const QString fileName =
-        TheWindows().saveFileName(QStringLiteral("Tabelle speichern"), filter, documentName + filter.mid(1));
+        TheDesktop().saveFileName(QStringLiteral("Tabelle speichern"), filter, documentName + filter.mid(1));
     if (fileName.isEmpty())
         return;
     if (bytes.isEmpty() || !ReplaceFile(fileName, bytes)) {
@@ -316,7 +316,7 @@ void BackupViewer::print()
 
 void BackupViewer::compare()
 {
-    TheWindows().compareWithHandheld(shownFile);
+    TheDesktop().compareWithHandheld(shownFile);
 }
 
 void OpenBackupViewer(const QString &fileName)

@@ -2,7 +2,7 @@
 
 #include "platform/text.h"
 #include "program/run_control.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/window_keys.h"
 
@@ -67,7 +67,9 @@ SelectionWindow::SelectionWindow()
     , magSymZuordChk(TableCheck(RecordKind::AssignmentTable, this))
     , magListeChk(TableCheck(RecordKind::PlaceTable, this))
     , hintLbl(NamedLabel(QStringLiteral("HinweisLbl"), QString(), this))
+    , allButton(NamedButton(QStringLiteral("AllesBut"), QStringLiteral("Alles"), this))
     , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
+    , cancelButton(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
 {
     setObjectName(QStringLiteral("SicherungWin"));
     setWindowTitle(QStringLiteral("Daten sichern"));
@@ -124,8 +126,6 @@ void SelectionWindow::buildLayout()
     for (const NumberedKind kind : {LokSymbolList, FktSymbolList, MagSymbolList})
         buildNumberedRow(grid, kind);
     buildBlockRows(grid);
-    auto *cancelButton = NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this);
-    auto *allButton = NamedButton(QStringLiteral("AllesBut"), QStringLiteral("Alles"), this);
     allButton->setToolTip(QStringLiteral("alle Lokdatensätze (durch Suchen), alle Symbole und alle Tabellen"));
     connect(allButton, &QPushButton::clicked, this, &SelectionWindow::chooseAll);
     auto *buttonRow = new QHBoxLayout;
@@ -143,37 +143,36 @@ void SelectionWindow::buildLayout()
     layout->addLayout(buttonRow);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     connect(cancelButton, &QPushButton::clicked, this, [this] { answer(false); });
-    setTabOrders(cancelButton);
-    setTabOrder(magListeChk, allButton);
-    setTabOrder(allButton, okButton);
+    setTabOrders();
 }
 
 /// As the eye reads: line by line.
-void SelectionWindow::setTabOrders(QWidget *last)
+void SelectionWindow::setTabOrders()
 {
     QList<QWidget *> order{rows.at(LokDatenList).wanted, rows.at(LokDatenList).list, lokSucheChk, startTxt, stopTxt};
     for (const NumberedKind kind : {LokSymbolList, FktSymbolList, MagSymbolList})
         order << rows.at(kind).wanted << rows.at(kind).all << rows.at(kind).list;
-    order << fsDatenChk << magSymZuordChk << magListeChk << okButton << last;
-    for (qsizetype i = 1; i < order.size(); ++i)
-        setTabOrder(order.at(i - 1), order.at(i));
+    TabInOrder(order << fsDatenChk << magSymZuordChk << magListeChk << allButton << okButton << cancelButton);
 }
 
 void SelectionWindow::connectControls()
 {
-    for (QCheckBox *box : findChildren<QCheckBox *>())
+    for (const QCheckBox *box : {lokSucheChk, fsDatenChk, magSymZuordChk, magListeChk})
         connect(box, &QCheckBox::toggled, this, &SelectionWindow::check);
-    for (QLineEdit *field : findChildren<QLineEdit *>()) {
+    for (const QLineEdit *field : {startTxt, stopTxt})
         connect(field, &QLineEdit::textChanged, this, &SelectionWindow::check);
-    }
     // Who types numbers or chooses all of them wants that kind.
     for (const NumberedRow &row : rows) {
+        connect(row.wanted, &QCheckBox::toggled, this, &SelectionWindow::check);
+        connect(row.list, &QLineEdit::textChanged, this, &SelectionWindow::check);
         connect(row.list, &QLineEdit::textEdited, row.wanted, [&row] { row.wanted->setChecked(true); });
-        if (row.all != nullptr)
-            connect(row.all, &QCheckBox::clicked, row.wanted, [&row](bool all) {
-                if (all)
-                    row.wanted->setChecked(true);
-            });
+        if (row.all == nullptr)
+            continue;
+        connect(row.all, &QCheckBox::toggled, this, &SelectionWindow::check);
+        connect(row.all, &QCheckBox::clicked, row.wanted, [&row](bool all) {
+            if (all)
+                row.wanted->setChecked(true);
+        });
     }
     for (QLineEdit *field : {startTxt, stopTxt})
         connect(field, &QLineEdit::textEdited, lokSucheChk, [this] { lokSucheChk->setChecked(true); });
@@ -185,12 +184,13 @@ void SelectionWindow::connectControls()
 /// With Alt, as the user guide lists them.
 void SelectionWindow::addKeys()
 {
-    const std::initializer_list<std::pair<const char *, Qt::Key>> keys{{"LokDatenChk", Qt::Key_L},
-        {"LokSucheChk", Qt::Key_S}, {"LokSymboleChk", Qt::Key_Y}, {"LokFktSymboleChk", Qt::Key_F},
-        {"MagSymboleChk", Qt::Key_M}, {"FSdatenChk", Qt::Key_R}, {"MagSymZuordChk", Qt::Key_Z},
-        {"MagListeChk", Qt::Key_I}, {"AllesBut", Qt::Key_E}, {"OKButton", Qt::Key_O}, {"CancelButton", Qt::Key_A}};
-    for (const auto &[name, key] : keys)
-        AltKey(findChild<QWidget *>(QLatin1String(name)), key);
+    const std::initializer_list<std::pair<QWidget *, Qt::Key>> keys{{rows.at(LokDatenList).wanted, Qt::Key_L},
+        {lokSucheChk, Qt::Key_S}, {rows.at(LokSymbolList).wanted, Qt::Key_Y},
+        {rows.at(FktSymbolList).wanted, Qt::Key_F}, {rows.at(MagSymbolList).wanted, Qt::Key_M},
+        {fsDatenChk, Qt::Key_R}, {magSymZuordChk, Qt::Key_Z}, {magListeChk, Qt::Key_I}, {allButton, Qt::Key_E},
+        {okButton, Qt::Key_O}, {cancelButton, Qt::Key_A}};
+    for (const auto &[control, key] : keys)
+        AltKey(control, key);
 }
 
 /// All that a handheld holds: the locos by a search over all addresses.

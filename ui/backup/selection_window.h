@@ -41,7 +41,7 @@ private:
     void buildSearchRow(QGridLayout *grid);
     void buildBlockRows(QGridLayout *grid);
     void buildLayout();
-    void setTabOrders(QWidget *last);
+    void setTabOrders();
     void connectControls();
     void check();
     void addKeys();
@@ -63,7 +63,9 @@ private:
     QCheckBox *magSymZuordChk;
     QCheckBox *magListeChk;
     QLabel *hintLbl;
+    QPushButton *allButton;
     QPushButton *okButton;
+    QPushButton *cancelButton;
     bool isAnswered = false;
     bool isAccepted = false;
 };

@@ -5,7 +5,7 @@
 #include "program/ask.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 
 Outcome OpenPort()
 {
@@ -17,6 +17,7 @@ Outcome OpenPort()
         TheAsk().hideProgress();
         if (WaitsMustEnd() || !AskForSelection())
             return Outcome(End::ProgramEnds);
+        TheAsk().showProgress(QStringLiteral("Suche Handregler!")); // it goes on with the new settings
     }
     return {};
 }
@@ -25,10 +26,10 @@ bool AskForSelection()
 {
     SelectionAnswer = 0;
     SelectionAwaited = true;
-    TheWindows().showSelectionWindow();
+    TheDesktop().showSelectionWindow();
     const bool answered = PumpUntil([] { return SelectionAnswer != 0; });
     SelectionAwaited = false;
-    TheWindows().hideSelectionWindow();
+    TheDesktop().hideSelectionWindow();
     if (answered && SelectionAnswer == 1)
         return true;
     RequestEnd();
@@ -55,7 +56,16 @@ void ConnectHandheld()
     ShowHandheld({}); // whatever was there before may not be there now
     if (PortReady())
         ShowHandheld(FindHandheld().value);
-    TheWindows().setMainWindowTitle(TitleWithHandheld());
+    TheAsk().hideProgress(); // of a further try
+    TheDesktop().setMainWindowTitle(TitleWithHandheld());
+}
+
+void FollowService()
+{
+    OnServiceEnds([] {
+        ShowHandheld({});
+        TheDesktop().setMainWindowTitle(TitleWithHandheld());
+    });
 }
 
 bool HandheldConnected()

@@ -2,9 +2,9 @@
 
 #include "platform/text.h"
 #include "program/run_control.h"
+#include "ui/common/desktop.h"
 #include "ui/common/progress.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"

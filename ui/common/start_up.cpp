@@ -1,15 +1,15 @@
 #include "ui/common/start_up.h"
 
+#include "handheld/text_encoding.h"
 #include "link/message_layer.h"
 #include "link/open_link.h"
-#include "link/text_encoding.h"
 #include "program/ask.h"
 #include "program/branding.h"
 #include "program/run_control.h"
 #include "shown/catalogue.h"
 #include "ui/common/connection.h"
+#include "ui/common/desktop.h"
 #include "ui/common/progress.h"
-#include "ui/common/windows.h"
 
 namespace
 {
@@ -29,23 +29,23 @@ void ShowWarning()
 void PrepareWindow()
 {
     UseSettings(ReadSettings());
-    TheWindows().setLokDataMenuVisible(InterfaceType == InterfaceDirect);
-    TheWindows().showMainWindow();
-    TheWindows().setMainWindowTitle(TheBranding().windowTitle);
+    TheDesktop().setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+    TheDesktop().showMainWindow();
+    TheDesktop().setMainWindowTitle(TheBranding().windowTitle);
 }
 
 void Search()
 {
     {
         const Progress progress(QStringLiteral("Suche Handregler!"));
-        TheWindows().setMainWindowEnabled(false);
+        TheDesktop().setMainWindowEnabled(false);
         WaitSeconds(BeforeSearchSeconds);
         ConnectHandheld();
     }
     if (!HandreglerGefunden)
         return;
-    TheWindows().setMainWindowEnabled(true);
-    TheWindows().raiseMainWindow();
+    TheDesktop().setMainWindowEnabled(true);
+    TheDesktop().raiseMainWindow();
 }
 
 /// One round: true when the program goes on in the main window or ends, false to begin again.
@@ -69,6 +69,7 @@ void Main()
     const BusyScope busy;
     TheMessages().dropAll(); // nothing to send, nothing awaited
     TheMessages().setDownloadAnswerCheck(nullptr);
+    FollowService();
     BuildZeichensatz();
     ScanCatalogues();
     while (!StartUpRound()) { }

@@ -1,7 +1,7 @@
 #include "ui/compare/compare_commands.h"
 
 #include "jobs/take_back.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 #include "ui/compare/careful_job.h"
 #include "ui/compare/compare_window.h"
 
@@ -32,7 +32,7 @@ void CompareBackup()
     if (!command.ok())
         return;
     const QString fileName =
-        TheWindows().openFileName(QStringLiteral("Datensicherung vergleichen"), QStringLiteral("*.dds"));
+        TheDesktop().openFileName(QStringLiteral("Datensicherung vergleichen"), QStringLiteral("*.dds"));
     if (!fileName.isEmpty())
         OpenOn(fileName);
 }

@@ -7,8 +7,8 @@
 #include "platform/files.h"
 #include "roster/csv_sheet.h"
 #include "shown/connection.h"
+#include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/compare/careful_job.h"
 #include "ui/compare/change_table.h"
 #include "ui/widgets/build_controls.h"
@@ -203,13 +203,13 @@ QHBoxLayout *CompareWindow::buildFileRow()
     fileLbl->setTextInteractionFlags(Qt::TextSelectableByMouse);
     row->addWidget(fileLbl, 1);
     handheldBut = addButton(row, "HandreglerBut", "Mit dem Handregler vergleichen", Qt::Key_H);
-    auto *fileBut = addButton(row, "ZweiteDateiBut", "Mit zweiter Datei vergleichen…", Qt::Key_Z);
+    secondFileBut = addButton(row, "ZweiteDateiBut", "Mit zweiter Datei vergleichen…", Qt::Key_Z);
     connect(handheldBut, &QPushButton::clicked, this, [this] {
         const Command command;
         if (command.ok())
             compareWithHandheld(command);
     });
-    connect(fileBut, &QPushButton::clicked, this, &CompareWindow::askForSecondFile);
+    connect(secondFileBut, &QPushButton::clicked, this, &CompareWindow::askForSecondFile);
     return row;
 }
 
@@ -231,10 +231,10 @@ QHBoxLayout *CompareWindow::buildTickRow()
     auto *row = new QHBoxLayout;
     row->addWidget(countLbl, 1);
     countLbl->setWordWrap(true);
-    auto *all = addButton(row, "AlleBut", "Alle ankreuzen", Qt::Key_A);
-    auto *none = addButton(row, "KeineBut", "Keine ankreuzen", Qt::Key_K);
-    connect(all, &QPushButton::clicked, this, [this] { tickShown(true); });
-    connect(none, &QPushButton::clicked, this, [this] { tickShown(false); });
+    allBut = addButton(row, "AlleBut", "Alle ankreuzen", Qt::Key_A);
+    noneBut = addButton(row, "KeineBut", "Keine ankreuzen", Qt::Key_K);
+    connect(allBut, &QPushButton::clicked, this, [this] { tickShown(true); });
+    connect(noneBut, &QPushButton::clicked, this, [this] { tickShown(false); });
     return row;
 }
 
@@ -244,7 +244,7 @@ QHBoxLayout *CompareWindow::buildButtonRow()
     writeBut = addButton(row, "SchreibenBut", "In den Handregler schreiben", Qt::Key_S);
     csvBut = addButton(row, "CsvBut", "Als CSV speichern", Qt::Key_C);
     row->addStretch();
-    auto *closeBut = addButton(row, "SchliessenBut", "Schließen", Qt::Key_E);
+    closeBut = addButton(row, "SchliessenBut", "Schließen", Qt::Key_E);
     connect(writeBut, &QPushButton::clicked, this, &CompareWindow::write);
     connect(csvBut, &QPushButton::clicked, this, &CompareWindow::exportCsv);
     connect(closeBut, &QPushButton::clicked, this, &QWidget::hide);
@@ -271,15 +271,8 @@ void CompareWindow::buildLayout()
 
 void CompareWindow::addKeys()
 {
-    QWidget *before = nullptr;
-    for (const char *name :
-        {"HandreglerBut", "ZweiteDateiBut", "FilterTxt", "UnterschiedeChk", "VergleichTab", "AlleBut", "KeineBut",
-            "NurAenderungenChk", "PruefenChk", "VorherSichernChk", "SchreibenBut", "CsvBut", "SchliessenBut"}) {
-        auto *control = findChild<QWidget *>(QLatin1String(name));
-        if (before != nullptr)
-            setTabOrder(before, control);
-        before = control;
-    }
+    TabInOrder({handheldBut, secondFileBut, filterTxt, differencesChk, table, allBut, noneBut, onlyChangesChk,
+        verifyChk, saveBeforeChk, writeBut, csvBut, closeBut});
     SearchIn(filterTxt, table);
     AltKey(filterTxt, Qt::Key_F);
     AltKey(table, Qt::Key_T);
@@ -330,7 +323,7 @@ void CompareWindow::askForSecondFile()
     if (!command.ok())
         return;
     const QString fileName =
-        TheWindows().openFileName(QStringLiteral("Zweite Datensicherung"), QStringLiteral("*.dds"));
+        TheDesktop().openFileName(QStringLiteral("Zweite Datensicherung"), QStringLiteral("*.dds"));
     const auto other = fileName.isEmpty() ? std::nullopt : LoadBackupFile(fileName);
     if (other)
         compareWithFile(*other);
@@ -470,7 +463,7 @@ void CompareWindow::exportCsv()
     if (!command.ok())
         return;
     const QString title = QStringLiteral("Vergleich speichern");
-    const QString fileName = TheWindows().saveFileName(
+    const QString fileName = TheDesktop().saveFileName(
         title, QStringLiteral("*.csv"), QFileInfo(first.name).completeBaseName() + QStringLiteral(" Vergleich.csv"));
     if (fileName.isEmpty())
         return;

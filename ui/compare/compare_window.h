@@ -78,6 +78,10 @@ private:
     QCheckBox *verifyChk;
     QCheckBox *saveBeforeChk;
     QPushButton *handheldBut = nullptr;
+    QPushButton *secondFileBut = nullptr;
+    QPushButton *allBut = nullptr;
+    QPushButton *noneBut = nullptr;
+    QPushButton *closeBut = nullptr;
     QPushButton *writeBut = nullptr;
     QPushButton *csvBut = nullptr;
 };

@@ -1,7 +1,7 @@
 #include "ui/editors/accessory_list_editor.h"
 
 #include "handheld/table_entries.h"
-#include "link/text_encoding.h"
+#include "handheld/text_encoding.h"
 #include "platform/text.h"
 #include "program/run_control.h"
 #include "shown/catalogue.h"

@@ -2,7 +2,7 @@
 
 #include "platform/world.h"
 #include "program/run_control.h"
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 #include "ui/widgets/grid.h"
 
 #include <QApplication>

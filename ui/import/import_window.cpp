@@ -2,19 +2,19 @@
 
 #include "handheld/backup/dds_file.h"
 #include "handheld/known_locos.h"
+#include "handheld/text_encoding.h"
 #include "jobs/report.h"
 #include "jobs/send.h"
-#include "link/text_encoding.h"
 #include "platform/files.h"
 #include "platform/text.h"
 #include "program/branding.h"
 #include "program/recent_files.h"
 #include "ui/common/command.h"
 #include "ui/common/connection.h"
+#include "ui/common/desktop.h"
 #include "ui/common/pickers.h"
 #include "ui/common/progress.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/window_keys.h"
@@ -356,7 +356,7 @@ void ImportWindow::save()
     const CommandOn command([this] { return chosenLocos(); });
     if (!command.ok() || command.shown.empty())
         return;
-    const QString name = TheWindows().saveFileName(
+    const QString name = TheDesktop().saveFileName(
         TheBranding().saveDialogTitle, QStringLiteral("*.dds"), DatedName(QStringLiteral("Lokdaten")));
     if (name.isEmpty())
         return;

@@ -2,9 +2,9 @@
 
 #include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
+#include "handheld/text_encoding.h"
 #include "jobs/spread.h"
 #include "link/open_link.h"
-#include "link/text_encoding.h"
 #include "platform/text.h"
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"

@@ -5,8 +5,8 @@
 #include "program/run_control.h"
 #include "shown/catalogue.h"
 #include "shown/record.h"
+#include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
-#include "ui/common/windows.h"
 #include "ui/symbols/cell_image.h"
 #include "ui/symbols/pixel_canvas.h"
 #include "ui/widgets/build_controls.h"
@@ -284,7 +284,7 @@ void PixelEditor::paste()
 
 void PixelEditor::loadBmp()
 {
-    const QString name = TheWindows().openFileName(QStringLiteral("Öffne BMP File"), QStringLiteral("*.bmp"));
+    const QString name = TheDesktop().openFileName(QStringLiteral("Öffne BMP File"), QStringLiteral("*.bmp"));
     if (name.isEmpty() || PixelEditDone == 1)
         return;
     const std::optional<QByteArray> png = PngContent(name);
@@ -334,7 +334,7 @@ std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, con
 void PixelEditor::saveBmp()
 {
     const QString name =
-        TheWindows().saveFileName(QStringLiteral("BMP File speichern"), QStringLiteral("*.bmp"), QString());
+        TheDesktop().saveFileName(QStringLiteral("BMP File speichern"), QStringLiteral("*.bmp"), QString());
     if (name.isEmpty())
         return;
     int result = 0;

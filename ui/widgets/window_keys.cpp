@@ -132,6 +132,12 @@ void TabToChosen(const QList<QRadioButton *> &group)
     update();
 }
 
+void TabInOrder(const QList<QWidget *> &controls)
+{
+    for (qsizetype i = 1; i < controls.size(); ++i)
+        QWidget::setTabOrder(controls.at(i - 1), controls.at(i));
+}
+
 void SearchIn(QLineEdit *field, QAbstractItemView *list)
 {
     new TypeIntoField(field, list);

@@ -20,6 +20,9 @@ void AltKey(QMenu *menu, Qt::Key key);
 /// Tab enters a group of option buttons at the chosen one, while none is chosen at the first one.
 void TabToChosen(const QList<QRadioButton *> &group);
 
+/// Tab goes through the controls in this order.
+void TabInOrder(const QList<QWidget *> &controls);
+
 /// Ctrl+F in the list's window goes to the search field; so does a letter or digit that is typed on the list.
 /// Down in the field leads to the list.
 void SearchIn(QLineEdit *field, QAbstractItemView *list);

@@ -1,4 +1,4 @@
-#include "link/text_encoding.h"
+#include "handheld/text_encoding.h"
 
 #include "platform/text.h"
 

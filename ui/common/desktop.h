@@ -9,10 +9,10 @@
 class QDialog;
 class QWidget;
 
-class Windows
+class Desktop
 {
 public:
-    virtual ~Windows() = default;
+    virtual ~Desktop() = default;
 
     /// File dialogs; the filter is a wildcard such as "*.bmp". Empty text when cancelled.
     [[nodiscard]] virtual QString openFileName(const QString &title, const QString &filter) = 0;
@@ -36,9 +36,9 @@ public:
     virtual void setLokDataMenuVisible(bool visible) = 0;
 };
 
-/// Installs the windows; they stay owned by the caller and must outlive all use.
-void InstallWindows(Windows *windows);
-Windows &TheWindows();
+/// Installs the desktop; it stays owned by the caller and must outlive all use.
+void InstallDesktop(Desktop *desktop);
+Desktop &TheDesktop();
 
 /// Names a window that the running command waits for, so that a second command can bring it forward.
 class WaitingWindow

@@ -1,4 +1,4 @@
-#include "ui/selection/zentrale_form.h"
+#include "ui/port/zentrale_form.h"
 
 #include "handheld/discovery.h"
 #include "link/cadence.h"

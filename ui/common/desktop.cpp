@@ -1,4 +1,4 @@
-#include "ui/common/windows.h"
+#include "ui/common/desktop.h"
 
 #include "platform/world.h"
 #include "program/run_control.h"
@@ -7,16 +7,16 @@
 
 namespace
 {
-Windows *installed = nullptr;
+Desktop *installed = nullptr;
 std::vector<QWidget *> waitingWindows; // innermost last
 } // namespace
 
-void InstallWindows(Windows *windows)
+void InstallDesktop(Desktop *desktop)
 {
-    installed = windows;
+    installed = desktop;
 }
 
-Windows &TheWindows()
+Desktop &TheDesktop()
 {
     Q_ASSERT(installed != nullptr);
     return *installed;

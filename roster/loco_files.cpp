@@ -1,0 +1,75 @@
+#include "roster/loco_files.h"
+
+#include "roster/loco_json.h"
+
+#include <QJsonDocument>
+
+namespace
+{
+
+enum class Format { Csv, Json, Dds, Unknown };
+
+Format FormatOf(const QString &fileName)
+{
+    const QString ending = fileName.section(u'.', -1).toLower();
+    if (ending == u"csv")
+        return Format::Csv;
+    if (ending == u"json")
+        return Format::Json;
+    return ending == u"dds" ? Format::Dds : Format::Unknown;
+}
+
+LocoList ReadLocoDds(const QByteArray &file)
+{
+    const DdsContent content = ReadDds(file);
+    LocoList list;
+    if (content.fault)
+        list.faults.push_back({0, {}, FaultText(*content.fault)});
+    for (const RosterLoco &loco : LocosIn(content)) {
+        if (!IsEmptyName(loco.record.name))
+            list.locos.push_back(Listed(loco));
+    }
+    if (list.locos.empty() && list.faults.empty())
+        list.faults.push_back({0, {}, QStringLiteral("die Datei enthält keine Loks")});
+    CheckAddressesOnce(list);
+    return list;
+}
+
+QByteArray DdsOf(const std::vector<RosterLoco> &locos)
+{
+    QByteArray file;
+    for (const RosterLoco &loco : locos)
+        file += PackRecord({RecordKind::Loco, loco.address}, loco.record);
+    return file;
+}
+
+} // namespace
+
+bool HoldsLocos(const QString &fileName)
+{
+    return FormatOf(fileName) != Format::Unknown;
+}
+
+LocoList LocosOfFile(const QString &fileName, const QByteArray &content)
+{
+    switch (FormatOf(fileName)) {
+    case Format::Csv:
+        return ReadLocoCsv(content);
+    case Format::Json:
+        return ReadLocoJson(content);
+    default:
+        return ReadLocoDds(content);
+    }
+}
+
+QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &locos)
+{
+    switch (FormatOf(fileName)) {
+    case Format::Csv:
+        return CsvOf(locos, CsvFor::Programs);
+    case Format::Json:
+        return QJsonDocument(JsonOf(locos)).toJson();
+    default:
+        return DdsOf(locos);
+    }
+}
