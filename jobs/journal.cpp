@@ -11,6 +11,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
+#include <QTemporaryFile>
 
 namespace
 {
@@ -80,6 +81,23 @@ void TakeLine(JournalContent &content, const QString &line)
         content.records.clear();
 }
 
+const auto JournalEnding = QStringLiteral(".fortschritt");
+
+QString NameInDataFolder(const QString &fileName)
+{
+    constexpr qsizetype digits = 8;
+    const QFileInfo file(fileName);
+    const QByteArray path = file.absoluteFilePath().toUtf8();
+    const QByteArray sum = QCryptographicHash::hash(path, QCryptographicHash::Md5).toHex().left(digits);
+    return KonfPath(QStringLiteral("\\konf\\Sicherungen")) + u'/' + QString::fromLatin1(sum) + u'-' + file.fileName()
+        + JournalEnding;
+}
+
+bool TakesFiles(const QString &folder)
+{
+    return QTemporaryFile(folder + QStringLiteral("/handregler-XXXXXX")).open();
+}
+
 BoxText FaultBox(const QString &text)
 {
     return {text, QStringLiteral("Fehler!"), BoxIcon::Critical};
@@ -100,7 +118,11 @@ QString HandheldName(const HandheldInfo &info)
 
 QString JournalName(const QString &fileName)
 {
-    return fileName + QStringLiteral(".fortschritt");
+    const QString beside = fileName + JournalEnding;
+    if (QFile::exists(beside))
+        return beside;
+    const QString elsewhere = NameInDataFolder(fileName);
+    return QFile::exists(elsewhere) || !TakesFiles(QFileInfo(fileName).absolutePath()) ? elsewhere : beside;
 }
 
 std::optional<JournalContent> ReadJournal(const QString &fileName)
@@ -201,6 +223,7 @@ bool Journal::lockIt()
 
 bool Journal::begin(const JournalHead &head, const std::vector<RecordId> &records)
 {
+    MakeFolder(QFileInfo(file).absolutePath());
     if (!lockIt())
         return false;
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {

@@ -13,7 +13,8 @@
 //   daten <hex>               this record is read: its bytes as in a backup file
 //   leer <kind> <number>      this record was read and is empty
 //
-// A lock file beside it keeps two programs off one journal.
+// Where nothing can be written beside the file, as on a read-only disk, it lies in konf\Sicherungen, named after the file and a
+// checksum of its whole path. A lock file beside it keeps two programs off one journal.
 #pragma once
 
 #include "handheld/backup/dds_file.h"
@@ -51,7 +52,7 @@ struct JournalContent {
     std::vector<DdsRecord> read;
 };
 
-/// The journal's name beside a job's file.
+/// The journal of a job's file: the one that is there, or where one would be begun.
 QString JournalName(const QString &fileName);
 
 /// What the journal of a file says; nothing when there is none. A damaged one has no head.

@@ -324,8 +324,9 @@ void ReportFailure(int status)
     if (status < BaseLeaving)
         text = TheBranding().noStationText;
     else if (status < BasePreparation)
-        text = QStringLiteral("Alle Lokdaten sind gelesen. Die Zentrale hat nur das Ende der Übertragung nicht bestätigt;\r"
-                              "falls sie nicht weiterarbeitet, schalten Sie sie bitte aus und wieder ein.");
+        text = QStringLiteral(
+            "Alle Lokdaten sind gelesen. Die Zentrale hat nur das Ende der Übertragung nicht bestätigt;\r"
+            "falls sie nicht weiterarbeitet, schalten Sie sie bitte aus und wieder ein.");
     TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::None});
 }
 

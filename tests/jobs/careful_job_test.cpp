@@ -674,6 +674,17 @@ TEST_F(CarefulJobs, AJournalThatDoesNotFitIsRefused)
     QDir().mkpath(folder.filePath(QStringLiteral("b.dds.fortschritt"))); // can't be written
     Journal blocked(folder.filePath(QStringLiteral("b.dds")));
     EXPECT_FALSE(blocked.begin(head()));
+    // Beside a file on a read-only disk nothing can lie; files of one name have journals of their own.
+    for (const char *readOnly : {"/proc/a.dds", "/proc/1/a.dds"}) {
+        const QString list = QString::fromLatin1(readOnly);
+        EXPECT_EQ(EarlierPart(list, head(), content), Earlier::None);
+        {
+            Journal journal(list);
+            ASSERT_TRUE(journal.begin(head()));
+            EXPECT_EQ(EarlierPart(list, head(), content), Earlier::Fits);
+        }
+        EXPECT_TRUE(JournalName(list).startsWith(folder.filePath(QStringLiteral("konf/Sicherungen/"))));
+    }
 }
 
 TEST_F(CarefulJobs, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)

@@ -294,10 +294,14 @@ TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
             answer(goOn);
     };
     save({});
-    events.after(1'500'000, [this] { port.hangUp(); });
+    const auto plug = events.every(10, [this] {
+        if (port.isOpen() && user.progress.endsWith(QStringLiteral("Lok-Daten: 1201")))
+            port.hangUp();
+    });
     answer(QStringLiteral("Ja")); // keep the part
     answerBox();
     trigger("datenlesen_menu");
+    events.stop(plug);
     EXPECT_FALSE(QFile::exists(backup));
     const auto part = ReadWholeFile(folder.filePath(QStringLiteral("Alle (unvollständig).dds")));
     ASSERT_TRUE(part);
