@@ -37,7 +37,7 @@ struct Patience {
     Tells tells = Tells::Yes; // each time-out in a box "Timeout" (critical) that is titled with the command's name
     bool goesOn = true;       // after a time-out, with the remaining steps
     int sequences = 1;        // tries of a whole page sequence; not after a page that could not be loaded
-    bool verifies = false;    // the chip compares page and buffer after each program (3 messages more)
+    bool verifies = false;    // the chip compares page and buffer after each load and program (3 messages more each)
 
     static const Patience Agreed;   // a single command of the user
     static const Patience Job;      // a job whose time-outs are told: gives up before a page is in doubt

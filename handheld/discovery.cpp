@@ -30,7 +30,7 @@ constexpr double SecondAnswerSeconds = 0.2; // a second handheld answers within 
 bool calledWithoutAnswer = false;
 
 /// How many answer is of no importance any more.
-void EndOfService()
+void ExpectOneHandheld()
 {
     TheMessages().onSecondHandheld(nullptr);
     TheMessages().forgetSecondHandheld();
@@ -45,7 +45,7 @@ BoxText SecondHandheldBox()
 /// Later than in a search: the one that answers cannot be told from the other any more. The next command searches anew.
 void LoseBoth()
 {
-    HandreglerGefunden = false;
+    EndService();
     calledWithoutAnswer = true; // the end of the program sends both back
     if (!BoxesAreSilent())
         TheAsk().postBox(SecondHandheldBox());
@@ -194,7 +194,7 @@ Result<HandheldInfo> GiveBothUp()
 
 Result<HandheldInfo> FindHandheld()
 {
-    EndOfService(); // what the search finds out it tells itself
+    ExpectOneHandheld(); // what the search finds out it tells itself
     const Outcome called = Call();
     if (called.how() == End::SecondHandheld)
         return GiveBothUp();
@@ -220,8 +220,8 @@ Outcome SendHandheldBack()
         return {};
     const MustFinish exchange; // behind a closed port, or without the program, it would stay in service
     calledWithoutAnswer = false;
-    HandreglerGefunden = false; // at once: nobody sends it back a second time
-    EndOfService();
+    EndService(); // at once: nobody sends it back a second time
+    ExpectOneHandheld();
     Outcome outcome = SetNormalMode(false);
     if (outcome.how() == End::NotSent) // an older message held the slot; it is given up by now
         outcome = SetNormalMode(false);
@@ -232,13 +232,13 @@ Outcome SendHandheldBack()
 Outcome SendHandheldBackNoWait()
 {
     const MustFinish exchange;
-    EndOfService();
+    ExpectOneHandheld();
     Outcome laid = SetNormalMode(true);
     if (!laid.ok())
         return laid;
     if (!LeavesInTime())
         return Outcome(End::NotSent); // still in service: the end of the program tries again
-    HandreglerGefunden = false;
+    EndService();
     WaitSeconds(LastTrafficSeconds);
     return laid;
 }

@@ -16,8 +16,9 @@ constexpr int DiffersRepeats = 1; // of a page that was programmed and differs
 /// How a page load ended: the page is in buffer 1, it certainly is not, or nobody can tell.
 enum class Loaded { Yes, No, Unknown };
 
-/// After a load that nobody acknowledged: the chip is asked, and the load repeated until the page is there.
-Loaded SecureLoad(int address)
+/// After a load that nobody acknowledged, or whose acknowledge is not believed: the chip is asked, and the load repeated until
+/// the page is there.
+Loaded SecureLoad(int address, bool believesAcknowledge)
 {
     for (int repeat = 0;; ++repeat) {
         const Result<bool> equal = PageEqualsBuffer1(address);
@@ -25,9 +26,10 @@ Loaded SecureLoad(int address)
             return Loaded::Yes;
         if (repeat == LoadRepeats || equal.outcome.brokenOff())
             return equal.ok() ? Loaded::No : Loaded::Unknown;
-        if (move_spibuf_to_buf1(address, Patience::Quiet).ok())
+        const bool acknowledged = move_spibuf_to_buf1(address, Patience::Quiet).ok();
+        if (acknowledged && believesAcknowledge)
             return Loaded::Yes;
-        if (!equal.ok())
+        if (!acknowledged && !equal.ok())
             return Loaded::Unknown; // neither question nor load is answered: nobody is there
     }
 }
@@ -88,13 +90,16 @@ private:
         if (!page.loadFirst)
             return Loaded::Yes;
         failure = move_spibuf_to_buf1(page.address, patience);
-        if (!failure.timedOut())
+        const bool proves = patience.verifies && failure.ok();
+        if (!failure.timedOut() && !proves)
             return Loaded::Yes; // or broken off
-        const Loaded loaded = SecureLoad(page.address);
+        const Loaded loaded = SecureLoad(page.address, !proves);
         if (loaded == Loaded::Yes)
             failure = {};
         else if (TransferBrokenOff())
             failure = WhyBrokenOff();
+        else if (failure.ok())
+            failure = Outcome(End::NoAnswer, QStringLiteral("move_spibuf_to_buf1"));
         return loaded;
     }
 

@@ -1,10 +1,11 @@
 // The one page sequence: load the page, write parts of it into buffer 1, program it.
 //
 // Eight records share a page, and a page that is programmed from another buffer destroys seven neighbours. So a load without
-// an acknowledge is never believed: the chip is asked whether page and buffer are equal, and the load is repeated, twice at
-// most. When the chip says that they differ, nothing is programmed. Only when it can't be asked at all, a single command goes
-// on as agreed; everything else gives the page up. A page program is never repeated blindly: the chip is asked whether it was
-// done, and the whole sequence is tried again from the load, because a handheld that was restarted has lost buffer 1.
+// an acknowledge is never believed, and where the page is proved one with an acknowledge neither: the chip is asked whether
+// page and buffer are equal, and the load is repeated, twice at most. When the chip says that they differ, nothing is
+// programmed. Only when it can't be asked at all, a single command goes on as agreed; everything else gives the page up. A
+// page program is never repeated blindly: the chip is asked whether it was done, and the whole sequence is tried again from
+// the load, because a handheld that was restarted has lost buffer 1.
 #pragma once
 
 #include "handheld/flash_read.h"

@@ -40,12 +40,6 @@ std::vector<RecordId> IdsIn(const std::vector<RecordChange> &changes)
     return ids;
 }
 
-/// A record that is to be again what it was, to the byte.
-RecordChange BackTo(const SavedRecord &was, const SavedRecord &now)
-{
-    return {was.id, Change::Changed, ValueOf(was), ValueOf(now), LocoBytesOf(now), LocoBytesOf(was)};
-}
-
 /// What stands there now, when all of it could be read.
 std::optional<std::map<RecordId, SavedRecord>> AllRead(const Report &report)
 {
@@ -100,7 +94,7 @@ private:
         }
         switch (answerFor(page, destroyed)) {
         case Answer::Mend:
-            return writeBack(page, destroyed);
+            return writeBack(page, destroyed, *now);
         case Answer::Forget:
             ForgetPage(page);
             return true;
@@ -160,12 +154,18 @@ private:
         return now == JobFace::Handheld::Again ? Answer::LookAgain : answer;
     }
 
-    bool writeBack(const OpenPage &page, const std::vector<RecordChange> &destroyed)
+    bool writeBack(
+        const OpenPage &page, const std::vector<RecordChange> &destroyed, const std::map<RecordId, SavedRecord> &now)
     {
+        Neighbours sound;
+        for (const auto &[id, record] : now)
+            sound.emplace(id, record.bytes);
+        for (const RecordChange &change : destroyed)
+            sound.erase(change.id);
         const StoppableJob stoppable;
         const TellsPortLoss teller;
         TheAsk().showProgress(QStringLiteral("Stelle wieder her: ") + RecordName(destroyed.front().id));
-        const WrittenPage written = WritePage(destroyed, true);
+        const WrittenPage written = WritePage(destroyed, sound, true);
         TheAsk().hideProgress();
         const bool proved =
             std::ranges::all_of(written.states, [](RecordState state) { return state == RecordState::Done; });
@@ -612,9 +612,9 @@ private:
         const int address = PageAddressOf(page.front().id);
         if (!RememberPage(stateOf(page), address))
             return diskFails();
-        const WrittenPage written = WritePage(page, job.options.prove);
+        const WrittenPage written = WritePage(page, neighboursOf(page), job.options.prove);
         const bool untouched = IsUntouched(written.result.page);
-        bool proved = true;
+        bool proved = written.neighboursSound;
         for (size_t i = 0; i < page.size(); ++i) {
             JobEntry &entry = entryOf(page.at(i).id);
             entry.state = written.states.at(i);
@@ -630,6 +630,14 @@ private:
         else
             addUnproved(page);
         return goesOnAfter(written.result);
+    }
+
+    [[nodiscard]] Neighbours neighboursOf(const std::vector<RecordChange> &page) const
+    {
+        Neighbours neighbours = stateOf(page).before;
+        for (const RecordChange &change : page)
+            neighbours.erase(change.id);
+        return neighbours;
     }
 
     void noteDone(const RecordChange &change)

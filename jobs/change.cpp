@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int VerifyMessages = 3; // of a page
+constexpr int VerifyMessages = 6; // of a page: after its load and after its program
 constexpr int PageMessages = 2;   // load and program
 constexpr int BitsPerByte = 8;
 
@@ -324,13 +324,18 @@ size_t PagesOf(const std::vector<RecordChange> &changes)
 
 double SecondsOf(const std::vector<RecordChange> &changes, bool verify)
 {
-    double messages = 0;
+    std::map<int, std::vector<RecordId>> pages;
+    double messages = static_cast<double>(PagesOf(changes)) * (PageMessages + (verify ? VerifyMessages : 0));
     for (const RecordChange &change : changes) {
         const KindRow &row = RowOf(change.id.kind);
         messages += SharesPage(change.id.kind) ? row.writeMessages - PageMessages : row.writeMessages;
-        messages += verify ? row.readMessages : 0;
+        pages[PageAddressOf(change.id)].push_back(change.id);
     }
-    messages += static_cast<double>(PagesOf(changes)) * (PageMessages + (verify ? VerifyMessages : 0));
+    for (const auto &[address, changed] : pages) { // the neighbours are read before, all of it afterwards
+        const size_t whole = RecordsOfPage(changed.front()).size();
+        const size_t reads = whole - changed.size() + (verify ? whole : 0);
+        messages += static_cast<double>(reads) * RowOf(changed.front().kind).rowMessages;
+    }
     return messages * SecondsPerMessage();
 }
 

@@ -1,5 +1,7 @@
 #include "jobs/page_writer.h"
 
+#include "handheld/neighbour_read.h"
+
 #include <algorithm>
 
 namespace
@@ -44,23 +46,44 @@ PageResult Program(const std::vector<RecordChange> &changes, bool prove)
     return ProgramPage(image, page, patience);
 }
 
-/// Reads a record that was just written, also when the user wants to stop: what was begun is proved.
-Result<RecordChange> ReadAgain(const RecordChange &written)
+using Reads = std::map<RecordId, RecordRead>; // those without a sure answer say so
+
+/// The records with the first of `ids` that come together; tables come one by one.
+std::vector<RecordRead> ReadSome(NeighbourReader &reader, const std::vector<RecordId> &ids)
 {
+    if (NeighbourReader::canRead(ids.front().kind))
+        return reader.read(ids, Patience::Quiet);
     SpiImage image{};
     auto read = ReadRecord(
-        image, written.id, [](int) {}, Patience::Quiet);
-    for (int repeat = 1; repeat < MostReads && read.outcome.timedOut() && !TransferBrokenOff(); ++repeat)
-        read = ReadRecord(
-            image, written.id, [](int) {}, Patience::Quiet);
-    RecordChange now = written;
-    now.present = read.value;
-    now.presentBytes.reset();
-    if (written.id.kind == RecordKind::Loco) {
-        now.presentBytes.emplace();
-        std::copy_n(image.begin() + ReadPosition, LocoRecordSize, now.presentBytes->begin());
+        image, ids.front(), [](int) {}, Patience::Quiet);
+    return {{std::move(read.value), read.outcome, {}}};
+}
+
+/// Reads records of a page that was just written, also when the user wants to stop: what was begun is proved.
+Reads ReadAgain(std::vector<RecordId> ids)
+{
+    Reads reads;
+    NeighbourReader reader;
+    for (int tries = 1; !ids.empty() && !TransferBrokenOff(); ++tries) {
+        for (RecordRead &read : ReadSome(reader, ids)) {
+            const bool again = read.outcome.timedOut() && tries < MostReads;
+            if (again)
+                break;
+            reads.insert_or_assign(ids.front(), std::move(read));
+            ids.erase(ids.begin());
+            tries = 0;
+        }
     }
-    return {now, read.outcome};
+    return reads;
+}
+
+/// What a read has brought, as what stands there now.
+RecordChange WithPresent(const RecordChange &change, const RecordRead &read)
+{
+    RecordChange now = change;
+    now.present = read.value;
+    now.presentBytes = change.id.kind == RecordKind::Loco ? std::optional(read.bytes) : std::nullopt;
+    return now;
 }
 
 bool IsAsWanted(const RecordChange &now)
@@ -70,19 +93,37 @@ bool IsAsWanted(const RecordChange &now)
     return SameContent(*now.present, now.wanted);
 }
 
-/// Reads each written record again. What differs, or can't be read, is noted; true when something differs.
-bool ReadBackDiffers(const std::vector<RecordChange> &changes, WrittenPage &page)
+/// What became of a record that was to be written.
+RecordState StateOfRead(const RecordChange &change, const Reads &reads)
 {
+    const auto read = reads.find(change.id);
+    if (read == reads.end() || !read->second.outcome.ok())
+        return RecordState::Doubtful;
+    return IsAsWanted(WithPresent(change, read->second)) ? RecordState::Done : RecordState::Differs;
+}
+
+/// Reads the whole page. What has to be written once more is added: neighbours that do not hold any more what they held.
+bool ReadBackDiffers(std::vector<RecordChange> &changes, const Neighbours &neighbours, WrittenPage &page)
+{
+    std::vector<RecordId> ids;
+    for (const RecordId &id : RecordsOfPage(changes.front().id))
+        ids.push_back(id);
+    const Reads reads = ReadAgain(ids);
     bool differs = false;
-    for (size_t i = 0; i < changes.size(); ++i) {
-        const Result<RecordChange> read = ReadAgain(changes.at(i));
-        if (!read.ok())
-            page.states.at(i) = RecordState::Doubtful;
-        else if (!IsAsWanted(read.value))
-            page.states.at(i) = RecordState::Differs;
+    for (size_t i = 0; i < page.states.size(); ++i) {
+        page.states.at(i) = StateOfRead(changes.at(i), reads);
         differs = differs || page.states.at(i) == RecordState::Differs;
     }
-    return differs;
+    page.neighboursSound = true;
+    for (const auto &[id, bytes] : neighbours) {
+        const auto read = reads.find(id);
+        const bool known = read != reads.end() && read->second.outcome.ok();
+        const auto now = known ? PresentRecord(WithPresent({id, {}, {}, {}, {}}, read->second)) : std::nullopt;
+        page.neighboursSound = page.neighboursSound && now && now->bytes == bytes;
+        if (now && now->bytes != bytes)
+            changes.push_back(BackTo({id, bytes}, *now));
+    }
+    return differs || changes.size() > page.states.size();
 }
 
 } // namespace
@@ -123,15 +164,22 @@ std::vector<std::vector<RecordChange>> ByPage(const std::vector<RecordChange> &c
     return groups;
 }
 
-WrittenPage WritePage(const std::vector<RecordChange> &changes, bool prove)
+RecordChange BackTo(const SavedRecord &was, const SavedRecord &now)
+{
+    return {was.id, Change::Changed, ValueOf(was), ValueOf(now), LocoBytesOf(now), LocoBytesOf(was)};
+}
+
+WrittenPage WritePage(const std::vector<RecordChange> &changes, const Neighbours &neighbours, bool prove)
 {
     WrittenPage page;
+    std::vector<RecordChange> all = changes; // and neighbours that have to be put back
     for (int repeat = 0; repeat <= WriteRepeats; ++repeat) {
-        page.result = Program(changes, prove);
+        page.result = Program(all, prove);
         if (repeat > 0 && IsUntouched(page.result.page))
             page.result.page = PageState::Differs; // it was programmed before, and did not read back as it should
         page.states.assign(changes.size(), StateOf(page.result.page));
-        if (!page.result.ok() || !prove || !ReadBackDiffers(changes, page))
+        all.resize(changes.size());
+        if (!page.result.ok() || !prove || !ReadBackDiffers(all, neighbours, page))
             break;
     }
     return page;

@@ -6,12 +6,20 @@
 struct WrittenPage {
     PageResult result;               // of the whole page
     std::vector<RecordState> states; // of its changes, in their order: Done, Differs, Doubtful or Untouched
+    bool neighboursSound = true;     // the other records of the page hold what they held, as far as that was proved
 };
 
+/// What the other records of a page hold, by their bytes.
+using Neighbours = std::map<RecordId, QByteArray>;
+
 /// Writes the changes, all of one page, in one page program; what nobody interprets stays as it is. With `prove` the chip
-/// compares the page, and each record is read back; what differs is repeated once. What was programmed once is never
-/// called untouched.
-[[nodiscard]] WrittenPage WritePage(const std::vector<RecordChange> &changes, bool prove);
+/// compares the page after its load and its program, and all of it is read back, the neighbours too; what differs is
+/// written once more. What was programmed once is never called untouched.
+[[nodiscard]] WrittenPage WritePage(
+    const std::vector<RecordChange> &changes, const Neighbours &neighbours, bool prove);
+
+/// A record that is to be again what it was, to the byte.
+RecordChange BackTo(const SavedRecord &was, const SavedRecord &now);
 
 /// The changes by page, in the order in which the pages come first.
 std::vector<std::vector<RecordChange>> ByPage(const std::vector<RecordChange> &changes);

@@ -1,9 +1,28 @@
 #include "link/link_state.h"
 
+#include <utility>
+
 PortValue PortNumber;
 int InterfaceType = InterfaceNone;
 bool HandreglerGefunden = false;
 bool LinkLost = false;
+
+namespace
+{
+std::function<void()> serviceEnds;
+}
+
+void EndService()
+{
+    const bool was = std::exchange(HandreglerGefunden, false);
+    if (was && serviceEnds)
+        serviceEnds();
+}
+
+void OnServiceEnds(std::function<void()> handler)
+{
+    serviceEnds = std::move(handler);
+}
 
 void UseSettings(const LinkSettings &settings)
 {

@@ -3,6 +3,8 @@
 
 #include "program/settings_file.h"
 
+#include <functional>
+
 // --- Settings of the link. Written by UseSettings() (start-up, selection window), read by the whole link. ---
 extern PortValue PortNumber;
 extern int InterfaceType; // InterfaceNone or 1..3
@@ -13,6 +15,10 @@ extern bool HandreglerGefunden;
 
 /// True from the loss of an open port (pulled adapter) to the next opening. The user has been told once.
 extern bool LinkLost;
+
+/// The handheld is not in service any more: clears HandreglerGefunden, and tells the face where it was set.
+void EndService();
+void OnServiceEnds(std::function<void()> handler);
 
 void UseSettings(const LinkSettings &settings);
 LinkSettings SettingsInUse();

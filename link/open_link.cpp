@@ -82,7 +82,8 @@ Outcome SwitchTo19200()
 {
     WaitSeconds(SettleSeconds);
     Comm().close();
-    return OpenWithSettings(QStringLiteral("19200,n,8,2"));
+    Outcome opened = OpenWithSettings(QStringLiteral("19200,n,8,2"));
+    return opened.ok() ? opened : Outcome(End::NoAnswer); // the port was open: it is the set-up that failed
 }
 
 Outcome ReopenForMessages()
@@ -143,9 +144,10 @@ Outcome SetupOrvanto1Interface()
     if (outcome.ok())
         return outcome;
     Comm().close();
-    if (!LinkLost && !BoxesAreSilent())
+    const bool notOpened = outcome.how() == End::NotOpened;
+    if (!LinkLost && !BoxesAreSilent() && !notOpened)
         TheAsk().showBox({QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:")});
-    return outcome.brokenOff() ? outcome : Outcome(End::NotOpened);
+    return outcome.brokenOff() || notOpened ? outcome : Outcome(End::NoAnswer);
 }
 
 Outcome SendRawText(const QString &text)
@@ -174,12 +176,10 @@ Outcome SetUpLink()
 {
     LinkLost = false;
     BeginConnection();
-    if (InterfaceType == InterfaceOrvanto1)
-        return SetupOrvanto1Interface();
-    if (InterfaceType != InterfaceDirect)
+    if (InterfaceType != InterfaceDirect && InterfaceType != InterfaceOrvanto1)
         return {}; // kind 2 and no kind at all: nothing to set up
-    Outcome outcome = SetupDirectInterface();
-    if (!outcome.ok()) {
+    Outcome outcome = InterfaceType == InterfaceOrvanto1 ? SetupOrvanto1Interface() : SetupDirectInterface();
+    if (outcome.how() == End::NotOpened && !BoxesAreSilent()) {
         TheAsk().showBox(
             {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
     }
@@ -197,7 +197,7 @@ Outcome OpenLink()
 void ClosePort()
 {
     Comm().close();
-    HandreglerGefunden = false;
+    EndService();
     TheMessages().dropAll();
 }
 
@@ -227,7 +227,8 @@ TellsPortLoss::~TellsPortLoss()
 void ResetOpenLink()
 {
     UseSettings({});
-    HandreglerGefunden = false;
+    OnServiceEnds(nullptr);
+    EndService();
     LinkLost = false;
     lossTellers = 0;
 }

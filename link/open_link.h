@@ -12,15 +12,15 @@
 #include <QString>
 
 /// Sets the interface up as InterfaceType says, and writes konf\ComPort.inf when it worked. With kind 2 and with no
-/// kind nothing is opened, which counts as done. After a failure (NotOpened) the user has seen "ComPort konnte nicht
-/// geöffnet werden!" (kind 3) or "Zeichenübertragung nicht möglich!" (kind 1), and the port is closed.
+/// kind nothing is opened, which counts as done. After a failure the user has seen "ComPort konnte nicht geöffnet werden!"
+/// (NotOpened) or "Zeichenübertragung nicht möglich!" (a text step of kind 1), and the port is closed.
 Outcome OpenLink();
 
 /// The same without writing the settings.
 Outcome SetUpLink();
 
-/// The set-up of kind 3 and of kind 1, without a message for kind 3; a failed step of kind 1 shows
-/// "Zeichenübertragung nicht möglich!" / "Orvanto 1:". NotOpened or PortLost after a failure.
+/// The set-up of kind 3 and of kind 1, without a message for a port that cannot be opened (NotOpened); a failed text step of
+/// kind 1 shows "Zeichenübertragung nicht möglich!" / "Orvanto 1:" (NoAnswer), a lost port nothing (PortLost).
 Outcome SetupDirectInterface();
 Outcome SetupOrvanto1Interface();
 

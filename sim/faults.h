@@ -60,6 +60,9 @@ struct Faults {
     // Occasion: a page program of the dataflash. It is acknowledged and not done.
     Fault skippedProgram;
 
+    // Occasion: a page load of the dataflash. It is acknowledged and not done.
+    Fault skippedLoad;
+
     // Occasion: a byte that the PC writes to the interface with the text prompt. CTS goes off for ctsOffUs after it,
     // and bytes written meanwhile are lost.
     Fault ctsOff;

@@ -22,6 +22,7 @@ constexpr quint8 Identify = 0x30;
 constexpr std::size_t SliceSize = 20;
 constexpr std::size_t TypeLength = 5;
 constexpr quint8 ProgramOpcode = 0x83;
+constexpr quint8 LoadOpcode = 0x53;
 constexpr qint64 ClockUs = 10; // one byte through the chip
 
 bool HasHead(const Bytes &message)
@@ -135,7 +136,9 @@ std::vector<BusAnswer> Handheld::execute(std::size_t count, qint64 timeUs)
     const qint64 endUs = timeUs + static_cast<qint64>(count) * ClockUs;
     const qint64 busyBefore = flash.state.busyUntilUs;
     const bool programCommand = count > 0 && state.spiBuffer.front() == ProgramOpcode;
-    if (programCommand && box.strikes(box.faults.skippedProgram))
+    const bool loadCommand = count > 0 && state.spiBuffer.front() == LoadOpcode;
+    if ((programCommand && box.strikes(box.faults.skippedProgram))
+        || (loadCommand && box.strikes(box.faults.skippedLoad)))
         return acknowledge(0);
     flash.clock(std::span(state.spiBuffer).first(count), endUs);
     const bool programs = flash.state.programmingPage >= 0 && flash.state.busyUntilUs != busyBefore;

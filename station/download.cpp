@@ -320,9 +320,12 @@ void ReportFailure(int status)
 {
     if (LinkLost || BoxesAreSilent())
         return; // the loss has been told
-    const bool entryFailed = status < BaseLeaving;
-    const QString text = entryFailed ? TheBranding().noStationText
-                                     : QStringLiteral("Fehler beim Lesen der Datenbank:") + NumberText(status);
+    QString text = QStringLiteral("Fehler beim Lesen der Datenbank:") + NumberText(status);
+    if (status < BaseLeaving)
+        text = TheBranding().noStationText;
+    else if (status < BasePreparation)
+        text = QStringLiteral("Alle Lokdaten sind gelesen. Die Zentrale hat nur das Ende der Übertragung nicht bestätigt;\r"
+                              "falls sie nicht weiterarbeitet, schalten Sie sie bitte aus und wieder ein.");
     TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::None});
 }
 

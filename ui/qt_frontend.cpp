@@ -122,6 +122,9 @@ void QtFrontend::postBox(const BoxText &box)
 {
     std::erase_if(postedBoxes, [](const auto &posted) { return !posted->isVisible(); });
     auto widget = makeBox(box);
+    const auto tells = [&widget](const auto &posted) { return posted->text() == widget->text(); };
+    if (std::ranges::any_of(postedBoxes, tells))
+        return; // it stands on the screen already
     widget->setStandardButtons(QMessageBox::Ok);
     widget->show();
     postedBoxes.push_back(std::move(widget));

@@ -43,6 +43,7 @@ const std::array FaultOptions{
     FaultOption{"late-answer", &Faults::lateAnswer, "Antwort des Handreglers kommt 3 s zu spät."},
     FaultOption{"foreign-answer", &Faults::foreignPeerAfter, "Antwort eines fremden Geräts vor der eigenen."},
     FaultOption{"skip-program", &Faults::skippedProgram, "Seite quittieren und nicht programmieren."},
+    FaultOption{"skip-load", &Faults::skippedLoad, "Laden einer Seite quittieren und nicht tun."},
     FaultOption{"power-cut", &Faults::powerCut, "Stromausfall beim Programmieren einer Seite."},
 };
 

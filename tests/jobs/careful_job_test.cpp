@@ -344,6 +344,9 @@ TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
     };
     const Row rows[] = {{"one program not done", [](sim::Faults &faults) { faults.skippedProgram.nth = 1; },
                             RecordState::Done, true, false},
+        {"one load not done", [](sim::Faults &faults) { faults.skippedLoad.nth = 1; }, RecordState::Done, true,
+            false},
+        {"no load done", always(&sim::Faults::skippedLoad), RecordState::Untouched, false, false},
         {"no program done", always(&sim::Faults::skippedProgram), RecordState::Differs, false, true},
         {"power cut", [](sim::Faults &faults) { faults.powerCut.nth = 1; }, RecordState::Doubtful, false, true},
         {"done once and then never answered",
@@ -352,12 +355,17 @@ TEST_F(CarefulJobs, ThePageResultIsSaidAsItIs)
                 events.after(10'000, [this] { afterNextProgram([this] { handheld().cutPower(events.nowUs); }); });
             },
             RecordState::Doubtful, false, true},
+        {"a neighbour is another one behind the chip's back",
+            [this](sim::Faults &) {
+                whenExecuted(0x60, 2, [this] { flash().setBytes(LocoRecordAddress(12), recordBytes(12, 5)); });
+            },
+            RecordState::Done, true, false},
         {"nothing loaded",
             [this](sim::Faults &) { whenProgress(QStringLiteral("Schreibe Lok 11"), [this] { deafen(); }); },
             RecordState::Untouched, false, false},
         {"other content than the chip says, and then never loaded again",
             [this](sim::Faults &) {
-                whenExecuted(0x60, 1, [this] { flash().setBytes(LocoRecordAddress(11), recordBytes(11, 5)); });
+                whenExecuted(0x60, 2, [this] { flash().setBytes(LocoRecordAddress(11), recordBytes(11, 5)); });
                 whenExecuted(0x53, 2, [this] { deafen(); });
             },
             RecordState::Differs, false, true}};

@@ -58,7 +58,7 @@ protected:
     void expectFailure()
     {
         user.expect(QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:"));
-        EXPECT_EQ(SetupOrvanto1Interface().how(), End::NotOpened);
+        EXPECT_EQ(SetupOrvanto1Interface().how(), End::NoAnswer);
         EXPECT_FALSE(port.isOpen());
     }
 };

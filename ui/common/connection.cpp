@@ -17,6 +17,7 @@ Outcome OpenPort()
         TheAsk().hideProgress();
         if (WaitsMustEnd() || !AskForSelection())
             return Outcome(End::ProgramEnds);
+        TheAsk().showProgress(QStringLiteral("Suche Handregler!")); // it goes on with the new settings
     }
     return {};
 }
@@ -55,7 +56,16 @@ void ConnectHandheld()
     ShowHandheld({}); // whatever was there before may not be there now
     if (PortReady())
         ShowHandheld(FindHandheld().value);
+    TheAsk().hideProgress(); // of a further try
     TheDesktop().setMainWindowTitle(TitleWithHandheld());
+}
+
+void FollowService()
+{
+    OnServiceEnds([] {
+        ShowHandheld({});
+        TheDesktop().setMainWindowTitle(TitleWithHandheld());
+    });
 }
 
 bool HandheldConnected()

@@ -22,3 +22,7 @@ void ConnectHandheld();
 /// The connection guard of every handheld command: searches when no handheld has been found yet. False when there is
 /// still none.
 [[nodiscard]] bool HandheldConnected();
+
+/// From now on the title names a handheld only while it is in service: a lost port, new settings and the way back to normal
+/// operation take it away.
+void FollowService();

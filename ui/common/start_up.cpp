@@ -69,6 +69,7 @@ void Main()
     const BusyScope busy;
     TheMessages().dropAll(); // nothing to send, nothing awaited
     TheMessages().setDownloadAnswerCheck(nullptr);
+    FollowService();
     BuildZeichensatz();
     ScanCatalogues();
     while (!StartUpRound()) { }
