@@ -5,6 +5,7 @@
 #include "program/run_control.h"
 #include "ui/backup/backup_commands.h"
 #include "ui/backup/backup_viewer.h"
+#include "ui/common/click_guard.h"
 #include "ui/common/command.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
@@ -92,6 +93,7 @@ MainWindow::MainWindow()
     connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });
     resize(sizeHint().boundedTo(RoomForWindow(*screen())));
     connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
+    new ClickGuard(this);
     FollowCatalogue();
     setAcceptDrops(true);
 }

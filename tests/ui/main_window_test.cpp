@@ -129,6 +129,76 @@ TEST_F(MainWindowTest, DeleteWorksWithoutHandheldInMemoryOnly)
     EXPECT_EQ(flashBytes(192, 21), QByteArray(21, '\xFF'));
 }
 
+TEST_F(MainWindowTest, AnEmptyRecordStaysEmptyWhenWhatWasTypedIsTakenBack)
+{
+    const auto type = [this](int key, Qt::KeyboardModifiers held, const char *text) {
+        QKeyEvent press(QEvent::KeyPress, key, held, QString::fromUtf8(text));
+        QApplication::sendEvent(field("LoknameTxt"), &press);
+    };
+    field("AdrTxt")->setText(QStringLiteral("5000"));
+    click("LeseLokDatensatzBut");
+    type(Qt::Key_X, Qt::NoModifier, "x");
+    EXPECT_EQ(LokName(), QStringLiteral("X-LEER-"));
+    const QString empty = QStringLiteral("Der Lokdatensatz ist leer!\nEs wird nichts geschrieben!");
+    const int programs = executed(0x83);
+    for (const bool byField : {false, true}) { // by the record's undo, and by the field's own, as its menu does
+        if (byField) {
+            type(Qt::Key_X, Qt::NoModifier, "x");
+            field("LoknameTxt")->undo();
+        } else {
+            type(Qt::Key_Z, Qt::ControlModifier, "");
+        }
+        EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
+        user.expect(empty, QStringLiteral("Achtung"));
+        click("SchreibeLokDatensatzBut");
+    }
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const LocoRecord read = CurrentLoco.record;
+    Q_EMIT functions()->cellActed(5, 3);
+    type(Qt::Key_X, Qt::NoModifier, "x");
+    type(Qt::Key_Z, Qt::ControlModifier, "");
+    EXPECT_NE(CurrentLoco.record, read) << "first what was typed";
+    type(Qt::Key_Z, Qt::ControlModifier, "");
+    EXPECT_EQ(CurrentLoco.record, read);
+    EXPECT_EQ(executed(0x83), programs);
+}
+
+TEST_F(MainWindowTest, TheSecondHalfOfADoubleClickStaysWithTheWindowThatClosed)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    const QString name = LokName();
+    QPushButton *deleteBut = button("ResetLokdatenBut");
+    const QPoint place = deleteBut->mapToGlobal(deleteBut->rect().center());
+    const auto mouse = [&place](QWidget *target, std::initializer_list<QEvent::Type> types) {
+        for (const QEvent::Type type : types) {
+            const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+            QMouseEvent event(type, target->rect().center(), QPointF(place), Qt::LeftButton, held, Qt::NoModifier);
+            QApplication::sendEvent(target, &event);
+        }
+    };
+    const auto press = QEvent::MouseButtonPress;
+    const auto release = QEvent::MouseButtonRelease;
+    for (const int pause : {180'000, 1'000'000}) {
+        events.after(300'000, [&] {
+            for (QWidget *picker : QApplication::topLevelWidgets()) {
+                if (picker->objectName() != u"LokSymWin" || !picker->isVisible())
+                    continue;
+                mouse(picker->findChild<QWidget *>(QStringLiteral("LokSymTab"))
+                          ->findChild<QWidget *>(QStringLiteral("qt_scrollarea_viewport")),
+                    {press, release});
+            }
+        });
+        events.after(300'000 + pause, [&] {
+            mouse(deleteBut, {pause < 500'000 ? QEvent::MouseButtonDblClick : press, release});
+        });
+        mouse(window().findChild<QWidget *>(QStringLiteral("LokSymPic")), {press, release});
+        events.run(1.5);
+        EXPECT_EQ(LokName() == name, pause < 500'000) << pause;
+    }
+}
+
 TEST_F(MainWindowTest, NumberFieldsFollowTheirRules)
 {
     const QAction *startImage = window().findChild<QAction *>(QStringLiteral("StartBildMenu"));
@@ -155,6 +225,11 @@ TEST_F(MainWindowTest, NumberFieldsFollowTheirRules)
     for (const Row &row : rows) {
         field(row.field)->setText(QString::fromUtf8(row.typed));
         EXPECT_EQ(field(row.field)->text(), QString::fromUtf8(row.shown)) << row.typed;
+        if (QByteArray(row.field) == "AdrTxt") {
+            const bool none = field("AdrTxt")->text() == u"??";
+            EXPECT_EQ(field("AdrTxt")->selectedText(), none ? QStringLiteral("??") : QString());
+            EXPECT_EQ(field("AdrTxt")->toolTip(), none ? QStringLiteral("1 bis 9999") : QString());
+        }
         if (row.button != nullptr) {
             EXPECT_EQ(button(row.button)->isEnabled(), row.enabled) << row.typed;
         }
@@ -367,6 +442,8 @@ TEST_F(MainWindowTest, ARecordReadWithATimeoutIsMarkedAndWrittenOnlyOnPurpose)
     click("SchreibeLokDatensatzBut"); // without a question
     window().findChild<QAction *>(QStringLiteral("LokEinfuegen"))->trigger();
     EXPECT_FALSE(doubt->isHidden()) << "what was copied is as doubtful as before";
+    click("ResetLokdatenBut");
+    EXPECT_TRUE(doubt->isHidden()) << "after a deletion all of the record is known";
 }
 
 TEST_F(MainWindowTest, TheNameFieldTellsWhatTheHandheldDoesNotHave)

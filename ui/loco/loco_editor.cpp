@@ -20,6 +20,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -90,7 +91,9 @@ LocoEditor::LocoEditor(QWidget *parent)
     buildLayout();
     connectControls();
     buildContextMenu();
+    shownName = ShownName(record);
     clearShownRecord();
+    markAddress();
 }
 
 void LocoEditor::buildGrid()
@@ -176,6 +179,7 @@ void LocoEditor::connectControls()
 {
     connect(adrTxt, &QLineEdit::textChanged, this, &LocoEditor::addressChanged);
     connect(loknameTxt, &QLineEdit::textChanged, this, &LocoEditor::nameChanged);
+    loknameTxt->installEventFilter(this);
     connect(multiUniChk, &QCheckBox::toggled, this,
         [this](bool checked) { change([this, checked] { record.multiUni = checked ? 1 : 0; }); });
     lokSymPic->makeClickable();
@@ -254,12 +258,37 @@ void LocoEditor::nameChanged(const QString &text)
 {
     const State before = state();
     const bool wasEmpty = IsEmptyName(record.name);
-    record.name = UpperLatin1(text);
-    CurrentLoco.nothingToWrite = false;
-    if (wasEmpty)
+    // A text that is back at what was shown, for example undone, stands for the record as it was: "-leer-" is no name.
+    const bool asShown = text == shownName;
+    record.name = asShown ? shownLoco.record.name : UpperLatin1(text);
+    CurrentLoco.nothingToWrite = asShown && shownLoco.nothingToWrite;
+    if (IsEmptyName(record.name))
+        clearShownRecord();
+    else if (wasEmpty)
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
     markName();
     history.note(before, NameStep);
+}
+
+/// A field without an address reads and writes record 0, which is no loco.
+void LocoEditor::markAddress()
+{
+    const bool isAddress = Val(adrTxt->text()) >= FirstLoco;
+    MarkField(adrTxt, isAddress ? QString() : QStringLiteral("%1 bis %2").arg(FirstLoco).arg(LastLoco));
+}
+
+bool LocoEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != loknameTxt || event->type() != QEvent::KeyPress)
+        return QGroupBox::eventFilter(watched, event);
+    auto *key = static_cast<QKeyEvent *>(event);
+    if (key->matches(QKeySequence::Undo))
+        undo();
+    else if (key->matches(QKeySequence::Redo) || key->keyCombination() == (Qt::CTRL | Qt::Key_Y))
+        redo();
+    else
+        return QGroupBox::eventFilter(watched, event);
+    return true;
 }
 
 /// Characters that the handheld does not have become blanks when the name is written.
@@ -288,8 +317,11 @@ void LocoEditor::addressChanged()
     clearShownRecord();
     history.stack().clear();
     record.multiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
-    if (Val(adrTxt->text()) > LastLoco)
+    if (Val(adrTxt->text()) > LastLoco) {
         adrTxt->setText(QStringLiteral("??"));
+        adrTxt->selectAll(); // the next digit replaces it
+    }
+    markAddress();
     if (adrTxt->text() == AccessCode())
         Q_EMIT startImageUnlocked();
     explainWrite();
@@ -314,7 +346,9 @@ void LocoEditor::showName()
 {
     const QSignalBlocker blocker(loknameTxt);
     // The record's filling blanks would only be in the way of typing.
-    loknameTxt->setText(ShownName(record));
+    shownName = ShownName(record);
+    shownLoco = CurrentLoco;
+    loknameTxt->setText(shownName);
     loknameTxt->setCursorPosition(0);
     markName();
 }
@@ -423,7 +457,10 @@ void LocoEditor::deleteRecord()
     if (!command.ok())
         return;
     const LocoRecord erased{EmptyName(NameLength + 1), {}, {}, 0, 0};
-    change([&erased] { CurrentLoco = {erased, false}; });
+    change([this, &erased] {
+        CurrentLoco = {erased, false};
+        setComplete(true); // all of it is known now
+    });
     if (!HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
         showRecord();
         return;
@@ -473,9 +510,10 @@ void LocoEditor::paste(bool functionsOnly)
         record.multiUni = copied.record.multiUni;
         setComplete(copiedComplete && (complete || !functionsOnly)); // a doubt goes with what is copied
     });
-    if (!functionsOnly)
-        showName();
-    showMemory();
+    if (functionsOnly)
+        showMemory();
+    else
+        showRecord();
 }
 
 void LocoEditor::spreadFunctions()

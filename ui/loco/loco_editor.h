@@ -31,6 +31,10 @@ public:
     /// Gives the address field the focus, with its text selected.
     void focusAddress();
 
+protected:
+    /// Ctrl+Z and Ctrl+Y in the name field go on to the steps of the record.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 Q_SIGNALS:
     /// The access code was typed into the address field.
     void startImageUnlocked();
@@ -64,6 +68,7 @@ private:
     void setComplete(bool isComplete);
     void addressChanged();
     void nameChanged(const QString &text);
+    void markAddress();
     void markName();
     void explainWrite();
     void clearShownRecord();
@@ -92,6 +97,8 @@ private:
     QPushButton *writeBut;
     QPushButton *deleteBut;
     QLabel *doubtLbl;
+    QString shownName; // of the record as it was shown last, and what the record said then
+    ShownLoco shownLoco;
     bool complete = true; // false after a read with a time-out or a damaged answer
     ShownLoco copied;     // by the context menu; valid when something was copied
     bool copiedComplete = true;

@@ -111,6 +111,8 @@ void PixelCanvas::mouseMoveEvent(QMouseEvent *event)
 
 void PixelCanvas::paintAt(QPointF position, Qt::MouseButtons mouseButtons)
 {
+    if (!rect().contains(position.toPoint())) // dragged out of the window
+        return;
     const QPointF twips = position * TwipsPerPixel;
     const int number = CellAt(picture.geometry(), twips.x(), twips.y());
     if (number == 0)

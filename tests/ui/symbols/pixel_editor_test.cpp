@@ -145,6 +145,16 @@ TEST_F(PixelEditing, AStrokeIsOneStep)
     click("EditFktSymBut");
 }
 
+TEST_F(PixelEditing, AStrokeThatLeavesTheWindowPaintsNothingThere)
+{
+    edit("EditFktSymBut", [this] {
+        stroke(0, -6, 5);
+        EXPECT_EQ(blackCells(), 1);
+        stroke(2, -6, 5);
+        EXPECT_EQ(blackCells(), 3);
+    });
+}
+
 TEST_F(PixelEditing, ShiftingMirroringAndInvertingAreStepsOfTheirOwn)
 {
     edit("EditFktSymBut", [this] {
