@@ -38,7 +38,7 @@ struct Patience {
     bool goesOn = true;       // after a time-out, with the remaining steps
     int sequences = 1;        // tries of a whole page sequence; not after a page that could not be loaded
     bool verifies = false;    // the chip compares page and buffer after each load and program (3 messages more each)
-    bool keepsRest = false;   // pages that the agreed commands do not load first are loaded too: their other bytes stay
+    bool keepsRest = false; // pages that the agreed commands do not load first are loaded too: their other bytes stay
 
     static const Patience Agreed;   // a single command of the user
     static const Patience Job;      // a job whose time-outs are told: gives up before a page is in doubt
