@@ -306,6 +306,25 @@ TEST_F(Messages, OneMessageIsDispatchedATickAndAFullRingKeepsTheNewest)
     EXPECT_GT(events.ticks - before, 30);
 }
 
+/// A damaged answer is asked for again; the true one of the first question is then neither taken nor a wonder.
+TEST_F(Messages, TheRepetitionOfAQuestionIsNoSecondHandheld)
+{
+    handheld().settings.present = true;
+    handheld().state.spiBuffer.at(0) = 99;
+    sim::Bytes damaged(31, 0);
+    for (const auto &[index, value] : {std::pair(0, 0xE5), {1, 0x1F}, {2, 8}, {3, 0x66}, {4, 0x33}, {6, 11}})
+        damaged.at(static_cast<size_t>(index)) = static_cast<quint8>(value);
+    layout().bus.onEnd = [&, seen = 0](const sim::BusMessage &message) mutable {
+        if (message.sender == sim::Sender::Pc && ++seen == 1)
+            layout().inject(damaged);
+    };
+    const auto answer = ExchangeForReadBack(readBack(0));
+    EXPECT_TRUE(answer.ok());
+    EXPECT_EQ(answer.value.at(0), 99);
+    EXPECT_TRUE(OnlyOneAnswers(1));
+    layout().bus.onEnd = nullptr;
+}
+
 TEST_F(Messages, OtherPeerTransfersAreNoReadBack)
 {
     sim::Bytes answer(30, 0);

@@ -222,3 +222,20 @@ TEST_F(Downloads, AFailedSecondEntryRequestLeavesTheModeAgain)
     EXPECT_EQ(layout().station.requests.back().at(25), 0x10);
     expectHandheldUsable();
 }
+
+/// An answer that comes before the request is on the bus answers an older one, at every request.
+TEST_F(Downloads, AnAnswerBeforeTheRequestIsNotBelieved)
+{
+    const Download right = DownloadLocos();
+    const auto requests = static_cast<int>(layout().station.requests.size());
+    for (int nth = 1; nth <= requests; ++nth) {
+        strike(&sim::Faults::foreignPeerBefore, nth);
+        const Download download = DownloadLocos();
+        EXPECT_EQ(download.status, 0) << nth;
+        ASSERT_EQ(download.locos.size(), right.locos.size()) << nth;
+        for (size_t i = 0; i < right.locos.size(); ++i) {
+            EXPECT_EQ(download.locos.at(i).address, right.locos.at(i).address) << nth;
+            EXPECT_EQ(download.locos.at(i).modes, right.locos.at(i).modes) << nth;
+        }
+    }
+}
