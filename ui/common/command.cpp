@@ -2,6 +2,11 @@
 
 #include "ui/common/connection.h"
 
+Command::~Command()
+{
+    TellConnectionChange();
+}
+
 bool Command::connected() const
 {
     return ok() && HandheldConnected();

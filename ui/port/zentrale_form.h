@@ -32,6 +32,7 @@ protected:
 
     /// Cancel: nothing is taken over, also while OK still works.
     void leave() override;
+    void goOnWithout();
 
 private:
     QWidget *makeOptions();
@@ -54,6 +55,7 @@ private:
     QLabel *hint;
     QPushButton *okButton;
     QPushButton *cancelButton;
-    bool working = false;   // OK sends a found handheld back before it takes anything over
-    bool cancelled = false; // meanwhile
+    QPushButton *withoutButton; // only while somebody waits for the handheld
+    bool working = false;       // OK sends a found handheld back before it takes anything over
+    bool cancelled = false;     // meanwhile
 };

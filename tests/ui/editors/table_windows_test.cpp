@@ -15,7 +15,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -24,13 +23,6 @@
 
 namespace
 {
-
-void Mouse(QEvent::Type type, QWidget *widget, QPoint at)
-{
-    const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
 
 void Press(QWidget *widget, Qt::Key key)
 {
