@@ -12,7 +12,12 @@ extern QString HandheldDate;    // day.month.year without padding, for example "
 extern QString HandheldType;    // five characters, for example "51201"
 extern QString HandheldKind;    // "Funk-HR", "Digital-Set" or empty
 
-/// Answer of the selection window: 0 = still open, 1 = OK (try the new settings), -1 = Cancel (end the program).
+/// Answer of the selection window: open still, OK (try the new settings), Cancel (end the program), or go on without a
+/// handheld.
+constexpr int SelectionOpen = 0;
+constexpr int SelectionRetry = 1;
+constexpr int SelectionCancelled = -1;
+constexpr int SelectionWithout = 2;
 extern int SelectionAnswer;
 
 /// True while the program waits for SelectionAnswer; only then does Cancel end the program.

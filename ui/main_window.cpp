@@ -7,6 +7,8 @@
 #include "ui/backup/backup_viewer.h"
 #include "ui/common/click_guard.h"
 #include "ui/common/command.h"
+#include "ui/common/connection.h"
+#include "ui/common/deeds.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/compare/compare_commands.h"
@@ -17,10 +19,12 @@
 #include "ui/info_zeichensatz.h"
 #include "ui/loco/loco_editor.h"
 #include "ui/option_commands.h"
+#include "ui/status_line.h"
 #include "ui/symbols/pixel_editor.h"
 #include "ui/symbols/start_image.h"
 #include "ui/symbols/symbol_editor.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/roomy_scroll_area.h"
 #include "ui/widgets/window_place.h"
 
 #include <QAction>
@@ -73,23 +77,12 @@ MainWindow::MainWindow()
     : helpWin(std::make_unique<HelpWin>())
     , guideWin(std::make_unique<GuideWin>())
     , infoZeichensatz(std::make_unique<InfoZeichensatz>())
+    , status(new StatusLine(this))
 {
     setObjectName(QStringLiteral("VeskaWin"));
     setWindowTitle(QStringLiteral("V E S K A  II  T O O L"));
-    auto *area = new QWidget(this);
-    locoEditor = new LocoEditor(area);
-    auto *symbols = new QVBoxLayout;
-    for (const SymbolEditorLook *look : {&LokSymbolLook(), &FktSymbolLook(), &MagSymbolLook()})
-        symbols->addWidget(new SymbolEditor(*look, area));
-    symbols->insertWidget(1, NamedLine(QStringLiteral("Line3"), area));
-    symbols->insertWidget(3, NamedLine(QStringLiteral("Line4"), area));
-    symbols->addStretch();
-    auto *layout = new QHBoxLayout(area);
-    // A larger window has blank space beside and below: all keeps its size and place.
-    layout->addWidget(locoEditor, 0, Qt::AlignTop);
-    layout->addLayout(symbols);
-    layout->addStretch(1);
-    setCentralWidget(area);
+    buildContents();
+    setStatusBar(status);
     menuItems = BuildMenuBar(this, menuActions());
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
     startImage->setVisible(false);
@@ -98,13 +91,43 @@ MainWindow::MainWindow()
     connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
     new ClickGuard(this);
     FollowCatalogue();
+    OnDeed([this](const QString &what) { status->showDeed(what); });
+    OnConnectionChange([this] { status->showConnection(); });
     setAcceptDrops(true);
+}
+
+/// On a small screen the right column scrolls by itself, then the whole.
+void MainWindow::buildContents()
+{
+    auto *area = new QWidget;
+    locoEditor = new LocoEditor(area);
+    auto *column = new QWidget;
+    auto *symbols = new QVBoxLayout(column);
+    symbols->setContentsMargins(0, 0, 0, 0);
+    for (const SymbolEditorLook *look : {&LokSymbolLook(), &FktSymbolLook(), &MagSymbolLook()}) {
+        symbolEditors += new SymbolEditor(*look, column);
+        symbols->addWidget(symbolEditors.constLast());
+    }
+    SymbolEditor::AlignButtons(symbolEditors);
+    symbols->insertWidget(1, NamedLine(QStringLiteral("Line3"), column));
+    symbols->insertWidget(3, NamedLine(QStringLiteral("Line4"), column));
+    symbols->addStretch();
+    auto *scroller = new RoomyScrollArea(column, area);
+    scroller->keepWidth();
+    auto *layout = new QHBoxLayout(area);
+    // A larger window has blank space beside and below: all keeps its size and place.
+    layout->addWidget(locoEditor, 0, Qt::AlignTop);
+    layout->addWidget(scroller);
+    layout->addStretch(1);
+    setCentralWidget(new RoomyScrollArea(area, this));
 }
 
 MainWindow::~MainWindow()
 {
     // Windows and pictures go before the application object does.
     OnCatalogueChange(nullptr);
+    OnDeed(nullptr);
+    OnConnectionChange(nullptr);
     ResetEditors();
     ResetPickers();
     ResetPixelEditor();
@@ -147,6 +170,7 @@ void MainWindow::setLokDataMenuVisible(bool visible)
 void MainWindow::updateLokDataMenu()
 {
     setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+    status->showConnection();
 }
 
 void MainWindow::openGivenFile(const QString &fileName)
@@ -177,10 +201,20 @@ void MainWindow::enable(bool enabled)
         locoEditor->focusAddress();
 }
 
-/// Close box and menu item: what has been changed in a table and not written is asked about first.
+/// What has been changed and not written, by name.
+QStringList MainWindow::unwritten() const
+{
+    QStringList names{locoEditor->unwritten()};
+    for (const SymbolEditor *editor : symbolEditors)
+        names += editor->unwritten();
+    names.removeAll(QString());
+    return names + UnwrittenTables();
+}
+
+/// Close box and menu item: what has been changed and not written is asked about first.
 void MainWindow::end()
 {
-    const QStringList unwritten = Busy() ? QStringList() : UnwrittenTables();
+    const QStringList unwritten = Busy() ? QStringList() : this->unwritten();
     if (unwritten.isEmpty()) {
         Q_EMIT endAsked();
         return;

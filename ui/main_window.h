@@ -3,6 +3,7 @@
 
 #include "ui/menu_bar.h"
 
+#include <QList>
 #include <QMainWindow>
 
 #include <memory>
@@ -14,6 +15,8 @@ class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
 class LocoEditor;
+class StatusLine;
+class SymbolEditor;
 
 class MainWindow : public QMainWindow
 {
@@ -37,6 +40,8 @@ public:
     /// Lets the user work in the window; the address field has the focus unless another field got it.
     void enable(bool enabled);
 
+    [[nodiscard]] StatusLine &statusLine() { return *status; }
+
 Q_SIGNALS:
     /// The user wants to choose port and interface kind.
     void portWindowAsked();
@@ -56,15 +61,19 @@ protected:
 
 private:
     [[nodiscard]] MenuActions menuActions();
+    void buildContents();
+    [[nodiscard]] QStringList unwritten() const;
     void end();
 
     QSize appearedSize; // a size that the user did not choose is not kept
     bool askingToEnd = false;
-    LocoEditor *locoEditor;
+    LocoEditor *locoEditor = nullptr;
+    QList<SymbolEditor *> symbolEditors;
     MenuItems menuItems;
     std::unique_ptr<HelpWin> helpWin;
     std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
+    StatusLine *status;
 };
 
 } // namespace hr::ui

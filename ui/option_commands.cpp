@@ -8,6 +8,7 @@
 #include "program/branding.h"
 #include "shown/record.h"
 #include "ui/common/command.h"
+#include "ui/common/deeds.h"
 #include "ui/common/progress.h"
 
 #include <QCoreApplication>
@@ -32,8 +33,12 @@ QString PublisherLine()
 void ReturnToOperatingMode()
 {
     const Command command;
-    if (!command.ok() || !HandreglerGefunden || SendHandheldBackNoWait().ok())
+    if (!command.ok() || !HandreglerGefunden)
         return;
+    if (SendHandheldBackNoWait().ok()) {
+        NoteDeed(QStringLiteral("Handregler in den Bedienmodus zurückgeschickt"));
+        return;
+    }
     TheAsk().showBox({QStringLiteral("Der Handregler konnte nicht zurückgeschickt werden.\r"
                                      "Das wird beim Beenden des Programms noch einmal versucht."),
         QStringLiteral("Achtung!"), BoxIcon::Critical});
@@ -66,7 +71,10 @@ void AskAndClearSwitchOffTime()
     const auto mayWrite = [&command] {
         return command.mayWriteDoubtful(QStringLiteral("die Seite mit den Einstellungen"));
     };
-    if (!ClearSwitchOffTime(SpiBuf, mayWrite).brokenOff())
+    const Outcome written = ClearSwitchOffTime(SpiBuf, mayWrite);
+    if (written.ok())
+        NoteDeed(QStringLiteral("Abschaltzeit auf Null gesetzt"));
+    if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
 

@@ -4,9 +4,11 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
+#include "ui/common/connection.h"
 #include "ui/compare/compare_commands.h"
 #include "ui/main_window.h"
 #include "ui/port/zentrale_form.h"
+#include "ui/status_line.h"
 #include "ui/widgets/progress_window.h"
 
 #include <QAbstractButton>
@@ -246,8 +248,12 @@ QWidget *QtFrontend::front()
 
 void QtFrontend::showAmount(const Amount &amount)
 {
-    if (!BoxesAreSilent())
-        progress->showAmount(static_cast<int>(amount.done), static_cast<int>(amount.all), amount.secondsLeft);
+    if (BoxesAreSilent())
+        return;
+    const auto done = static_cast<int>(amount.done);
+    const auto all = static_cast<int>(amount.all);
+    progress->showAmount(done, all, amount.secondsLeft);
+    mainWindow->statusLine().showAmount(done, all);
 }
 
 /// During a job over many records: asks whether to stop after the current record.
@@ -280,6 +286,7 @@ void QtFrontend::endProgram()
 void QtFrontend::hideProgress()
 {
     progress->hide();
+    mainWindow->statusLine().hideAmount();
 }
 
 void QtFrontend::showSelectionWindow()
@@ -325,6 +332,7 @@ void QtFrontend::setMainWindowTitle(const QString &title)
 void QtFrontend::setLokDataMenuVisible(bool visible)
 {
     mainWindow->setLokDataMenuVisible(visible);
+    TellConnectionChange();
 }
 
 void QtFrontend::raiseWaitingWindow()

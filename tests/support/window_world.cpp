@@ -14,10 +14,13 @@
 #include "ui/editors/editor_windows.h"
 #include "ui/qt_frontend.h"
 #include "ui/symbols/pixel_editor.h"
+#include "ui/widgets/grid.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 
 namespace hr::tests
@@ -35,6 +38,20 @@ void CopyFolder(const QString &from, const QString &to)
 }
 
 } // namespace
+
+void Mouse(QEvent::Type type, QWidget *widget, QPoint at, Qt::KeyboardModifiers held)
+{
+    const auto buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton, buttons, held);
+    QApplication::sendEvent(widget, &event);
+}
+
+void ClickCell(Grid *grid, int row, int column, Qt::KeyboardModifiers held)
+{
+    const QPoint centre = grid->visualItemRect(grid->item(row, column)).center();
+    Mouse(QEvent::MouseButtonPress, grid->viewport(), centre, held);
+    Mouse(QEvent::MouseButtonRelease, grid->viewport(), centre, held);
+}
 
 QString ScriptedUser::openFileName(const QString &boxTitle, const QString &filter)
 {

@@ -6,6 +6,9 @@
 #include "ui/common/desktop.h"
 #include "ui/main_window.h"
 
+#include <QEvent>
+#include <QPoint>
+
 #include <memory>
 
 class QAction;
@@ -14,11 +17,18 @@ class QPushButton;
 
 namespace hr::ui
 {
+class Grid;
 class QtFrontend;
-}
+} // namespace hr::ui
 
 namespace hr::tests
 {
+
+/// A real mouse event at a place of a widget.
+void Mouse(QEvent::Type type, QWidget *widget, QPoint at, Qt::KeyboardModifiers held = Qt::NoModifier);
+
+/// A click on a cell that is to be seen.
+void ClickCell(Grid *grid, int row, int column, Qt::KeyboardModifiers held = Qt::NoModifier);
 
 /// The scripted user in front of windows: file dialogs, selection window, main window.
 class ScriptedUser : public ScriptedAsk, public Desktop

@@ -7,9 +7,12 @@
 #include "program/run_control.h"
 #include "shown/record.h"
 #include "tests/support/window_world.h"
+#include "ui/common/connection.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/guide_win.h"
 #include "ui/widgets/grid.h"
+#include "ui/widgets/picture_box.h"
+#include "ui/widgets/row_names.h"
 
 #include <QAction>
 #include <QApplication>
@@ -34,6 +37,7 @@ class MainWindowTest : public WindowWorld
 {
 protected:
     Grid *functions() { return window().findChild<Grid *>(QStringLiteral("FktTab")); }
+    QLabel *label(const char *name) { return window().findChild<QLabel *>(QLatin1String(name)); }
     QCheckBox *multiUni() { return window().findChild<QCheckBox *>(QStringLiteral("MultiUniChk")); }
 
     void read(const char *address)
@@ -200,6 +204,102 @@ TEST_F(MainWindowTest, TheSecondHalfOfADoubleClickStaysWithTheWindowThatClosed)
         events.run(1.5);
         EXPECT_EQ(LokName() == name, pause < 500'000) << pause;
     }
+}
+
+TEST_F(MainWindowTest, WhatIsChangedAndNotWrittenIsMarkedAndNamedAtTheEnd)
+{
+    const auto marked = [this](const char *name) { return !label(name)->isHidden(); };
+    const auto undo = [this] { window().findChild<QAction *>(QStringLiteral("UndoAction"))->trigger(); };
+    window().show();
+    EXPECT_FALSE(marked("GeaendertLbl")) << "nothing at the start";
+    read("3");
+    ClickCell(functions(), 5, 3, Qt::ControlModifier); // marks nothing here: a plain click
+    EXPECT_TRUE(marked("GeaendertLbl"));
+    undo();
+    EXPECT_FALSE(marked("GeaendertLbl"));
+    click("ResetLokdatenBut");
+    EXPECT_FALSE(marked("GeaendertLbl")) << "the handheld holds what is shown: nothing";
+    EXPECT_TRUE(label("LetzteTatLbl")->text().startsWith(u"Lok 3 gelöscht, Strg+Z zeigt sie wieder, 10:0"));
+    undo();
+    EXPECT_TRUE(marked("GeaendertLbl"));
+    EXPECT_EQ(label("WohinLbl")->text(), QStringLiteral("Lok 3 fehlt im Handregler"));
+
+    field("LokSymNrTxt")->setText(QStringLiteral("5"));
+    events.after(300'000, [] {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() != u"Pixeledit" || !widget->isVisible())
+                continue;
+            widget->findChild<QAction *>(QStringLiteral("InvertAction"))->trigger();
+            widget->close();
+        }
+    });
+    click("EditLokSymBut");
+    EXPECT_TRUE(marked("SchreibeLoksymbolButGeaendertLbl"));
+    for (const char *answer : {"Nein", "Ja"}) {
+        user.expect(QStringLiteral("Diese Änderungen sind nicht in den Handregler geschrieben:\rLokdatensatz 3\r%1\r"
+                                   "Soll das Programm trotzdem beendet werden?")
+                        .arg(SymbolWords(SymbolKind::Loco, 5, 0)),
+            QStringLiteral("Beenden?"), QString::fromUtf8(answer));
+        window().close();
+        events.run(1);
+        EXPECT_FALSE(user.defaultYes);
+    }
+    EXPECT_EQ(CurrentRunState(), RunState::Ending);
+}
+
+TEST_F(MainWindowTest, AWriteThatFailedLeavesTheMarkAndASureOneShowsWhatTheHandheldHolds)
+{
+    read("24");
+    const QString there = field("LoknameTxt")->text();
+    read("8");
+    field("AdrTxt")->setText(QStringLiteral("24"));
+    EXPECT_EQ(label("WohinLbl")->text(), QStringLiteral("schreibt Lok 8 unter 24 (dort steht: %1)").arg(there));
+    EXPECT_TRUE(label("GeaendertLbl")->isHidden()) << "a typed address changes nothing";
+    const QByteArray before = flashBytes(24 * 64, 64);
+    user.acceptAnyBox();
+    strike(&sim::Faults::missedRequest, 3);
+    click("SchreibeLokDatensatzBut");
+    EXPECT_FALSE(label("GeaendertLbl")->isHidden());
+    layout().faults.set({});
+    click("SchreibeLokDatensatzBut");
+    EXPECT_TRUE(label("GeaendertLbl")->isHidden());
+    EXPECT_TRUE(label("WohinLbl")->text().isEmpty());
+    EXPECT_NE(flashBytes(24 * 64, 64), before);
+    EXPECT_EQ(functions()->text(5, 3), QString::number(FktModus.at(5))) << "the grid was blank under the new address";
+    auto *names = window().findChild<RowNames *>(QStringLiteral("FktNamen"));
+    EXPECT_EQ(names->name(5), SymbolName(SymbolKind::Function, FktSymbol.at(5)));
+
+    field("FunksymTxt")->setText(QStringLiteral("14"));
+    EXPECT_EQ(button("SchreibeFktSymBut")->toolTip(), QStringLiteral("frei sind 164 bis 255"));
+    click("LeseFktSymBut");
+    field("FunksymTxt")->setText(QStringLiteral("164"));
+    EXPECT_TRUE(button("SchreibeFktSymBut")->toolTip().isEmpty());
+    EXPECT_EQ(label("SchreibeFktSymButWasLbl")->text(), QStringLiteral("geschrieben wird: Bild von 14 ON"));
+    user.expect(QStringLiteral("Kurzbeschreibung:"), QStringLiteral("Symbol Daten sichern"), QStringLiteral("Neu"));
+    click("SchreibeFktSymBut");
+    EXPECT_TRUE(label("SchreibeFktSymButWasLbl")->text().isEmpty());
+    EXPECT_TRUE(window().findChild<PictureBox *>(QStringLiteral("LokFktPic"))->showsPicture());
+}
+
+TEST_F(MainWindowTest, TheStatusLineTellsWhereOneStands)
+{
+    FollowService();
+    TellConnectionChange();
+    const auto connection = [this] { return label("VerbindungLbl")->text().section(QStringLiteral(", "), 1); };
+    EXPECT_EQ(connection(), QStringLiteral("Orvanto 2: verbunden"));
+    trigger("Opt_VeskaNormalModus");
+    EXPECT_EQ(connection(), QStringLiteral("Orvanto 2: im Bedienmodus"));
+    click("LeseLokDatensatzBut");
+    EXPECT_EQ(connection(), QStringLiteral("Orvanto 2: verbunden"));
+    user.acceptAnyBox();
+    port.hangUp();
+    events.run(0.1);
+    EXPECT_EQ(connection(), QStringLiteral("Orvanto 2: kein Handregler"));
+    UseSettings({{QStringLiteral("Demo"), false}, InterfaceDirect});
+    TellConnectionChange();
+    EXPECT_EQ(label("VerbindungLbl")->text(),
+        QStringLiteral("Demo: nachgebildeter Handregler, nichts wird gesendet (kein Handregler)"));
+    EXPECT_TRUE(label("VerbindungLbl")->autoFillBackground()) << "marked by its colour";
 }
 
 TEST_F(MainWindowTest, NumberFieldsFollowTheirRules)

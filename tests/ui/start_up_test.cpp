@@ -58,6 +58,22 @@ TEST_F(StartUp, SearchesAgainAfterEachConfirmedSelection)
     EXPECT_EQ(user.progress, (QStringList{QStringLiteral("Suche Handregler!"), QStringLiteral("Suche Handregler!")}));
 }
 
+TEST_F(StartUp, TheUserGoesOnWithoutAHandheldAndTheNextCommandLooksAgain)
+{
+    expectWarning();
+    user.onSelection = [] { SelectionAnswer = SelectionWithout; };
+    Main();
+    EXPECT_EQ(CurrentRunState(), RunState::Running);
+    EXPECT_TRUE(user.mainEnabled);
+    UseSettings({{QStringLiteral("3"), false}, InterfaceDirect});
+    port.refuseOpens(1);
+    user.expect(notOpened, fault);
+    EXPECT_FALSE(HandheldConnected());
+    EXPECT_EQ(user.selections, 2);
+    EXPECT_EQ(CurrentRunState(), RunState::Running);
+    EXPECT_TRUE(HandheldConnected());
+}
+
 TEST_F(StartUp, TheTitleIsOneLineWhateverTheHandheldIs)
 {
     ShowHandheld({QStringLiteral("1.2"), QStringLiteral("1.1.1"), QStringLiteral("5\x01\r\n\x7F") + QChar(0x85), {}});

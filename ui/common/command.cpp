@@ -5,6 +5,11 @@
 namespace hr::ui
 {
 
+Command::~Command()
+{
+    TellConnectionChange();
+}
+
 bool Command::connected() const
 {
     return ok() && HandheldConnected();

@@ -14,6 +14,12 @@ namespace hr::ui
 class Command
 {
 public:
+    Command() = default;
+    /// Whatever it did to the connection is shown.
+    ~Command();
+    Command(const Command &) = delete;
+    Command &operator=(const Command &) = delete;
+
     /// False when another command runs (its window is brought forward) or the program ends: return at once then.
     [[nodiscard]] bool ok() const { return busy.ok(); }
 

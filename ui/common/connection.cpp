@@ -10,6 +10,30 @@
 namespace hr::ui
 {
 
+namespace
+{
+bool sentBack = false; // the handheld was in service last and is in its operating mode again
+std::function<void()> changed;
+} // namespace
+
+Service PresentService()
+{
+    if (HandreglerGefunden)
+        return Service::Connected;
+    return sentBack && Comm().isOpen() ? Service::OperatingMode : Service::NoHandheld;
+}
+
+void OnConnectionChange(std::function<void()> show)
+{
+    changed = std::move(show);
+}
+
+void TellConnectionChange()
+{
+    if (changed)
+        changed();
+}
+
 Outcome OpenPort()
 {
     if (Comm().isOpen()) {
@@ -18,25 +42,31 @@ Outcome OpenPort()
     }
     while (!OpenLink().ok()) {
         TheAsk().hideProgress();
-        if (WaitsMustEnd() || !AskForSelection())
+        if (WaitsMustEnd())
             return Outcome(End::ProgramEnds);
+        const Selected selected = AskForSelection();
+        if (selected != Selected::TryAgain)
+            return Outcome(selected == Selected::EndProgram ? End::ProgramEnds : End::NotOpened);
         TheAsk().showProgress(QStringLiteral("Suche Handregler!")); // it goes on with the new settings
     }
     return {};
 }
 
-bool AskForSelection()
+Selected AskForSelection()
 {
-    SelectionAnswer = 0;
+    SelectionAnswer = SelectionOpen;
     SelectionAwaited = true;
     TheDesktop().showSelectionWindow();
-    const bool answered = PumpUntil([] { return SelectionAnswer != 0; });
+    const bool answered = PumpUntil([] { return SelectionAnswer != SelectionOpen; });
     SelectionAwaited = false;
     TheDesktop().hideSelectionWindow();
-    if (answered && SelectionAnswer == 1)
-        return true;
+    TellConnectionChange();
+    if (answered && SelectionAnswer == SelectionRetry)
+        return Selected::TryAgain;
+    if (answered && SelectionAnswer == SelectionWithout)
+        return Selected::WithoutHandheld;
     RequestEnd();
-    return false;
+    return Selected::EndProgram;
 }
 
 bool PortReady()
@@ -57,17 +87,22 @@ void ConnectHandheld()
     if (WaitsMustEnd())
         return;
     ShowHandheld({}); // whatever was there before may not be there now
+    sentBack = false;
     if (PortReady())
         ShowHandheld(FindHandheld().value);
     TheAsk().hideProgress(); // of a further try
+    sentBack = false;        // one that gave no sure answer was sent back, but nobody knows what is there
     TheDesktop().setMainWindowTitle(TitleWithHandheld());
+    TellConnectionChange();
 }
 
 void FollowService()
 {
     OnServiceEnds([] {
+        sentBack = Comm().isOpen();
         ShowHandheld({});
         TheDesktop().setMainWindowTitle(TitleWithHandheld());
+        TellConnectionChange();
     });
 }
 

@@ -3,15 +3,28 @@
 
 #include "program/outcome.h"
 
+#include <functional>
+
 namespace hr::ui
 {
 
 /// Toggles the link. Open port: closes it. Otherwise opens it; a failure shows its box and then the selection window,
-/// until an attempt succeeds. ProgramEnds when the user gives up there.
+/// until an attempt succeeds. ProgramEnds when the user gives up there, NotOpened when he goes on without a handheld.
 Outcome OpenPort();
 
-/// Shows the selection window and waits for it. False when the program is to end.
-[[nodiscard]] bool AskForSelection();
+/// What the user wants when no handheld was found.
+enum class Selected { TryAgain, WithoutHandheld, EndProgram };
+
+/// Shows the selection window and waits for it.
+[[nodiscard]] Selected AskForSelection();
+
+/// How the handheld is to be reached, and whether it is in service.
+enum class Service { NoHandheld, Connected, OperatingMode };
+[[nodiscard]] Service PresentService();
+
+/// Called when port, interface or service may have changed.
+void OnConnectionChange(std::function<void()> show);
+void TellConnectionChange();
 
 /// Opens the port when it is closed. False when it stays closed: "ComPort konnte nicht geöffnet werden!" has been
 /// shown then, except when no interface kind has been chosen yet or the program ends.

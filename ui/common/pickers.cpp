@@ -170,6 +170,8 @@ void SymbolPicker::buildGrid()
     grid->setAccessibleName(look.caption);
     grid->setSelectionMode(QAbstractItemView::SingleSelection);
     grid->setSelectionBehavior(QAbstractItemView::SelectRows);
+    grid->letRowsDecide();
+    grid->takePlainClicks();
     grid->setHorizontalHeaderLabels(look.headings);
     grid->verticalHeader()->setDefaultSectionSize(look.rowHeight);
     grid->setColumnWidth(0, NumberColumnWidth);

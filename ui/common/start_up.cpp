@@ -62,7 +62,14 @@ bool StartUpRound()
     if (WaitsMustEnd() || HandreglerGefunden)
         return true;
     WaitSeconds(BeforeSelectionSeconds);
-    return WaitsMustEnd() || !AskForSelection();
+    if (WaitsMustEnd())
+        return true;
+    const Selected selected = AskForSelection();
+    if (selected == Selected::WithoutHandheld) {
+        TheDesktop().setMainWindowEnabled(true);
+        TheDesktop().raiseMainWindow();
+    }
+    return selected != Selected::TryAgain;
 }
 
 } // namespace

@@ -37,6 +37,7 @@ quint8 &EntryOfRow(int row)
 AssignmentEditor::AssignmentEditor() : BlockEditor(Look(), MagSymZuordLoaded)
 {
     grid->selectRows();
+    grid->letRowsDecide();
     grid->setCurrentCell(0, RedColumn);
     NamedAction(QStringLiteral("SymbolAction"), QStringLiteral("Symbol für die markierten Zeilen wählen"), {}, grid,
         [this] { Q_EMIT grid->cellActed(grid->currentRow(), grid->currentColumn()); });

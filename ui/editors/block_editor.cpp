@@ -3,6 +3,7 @@
 #include "platform/world.h"
 #include "shown/catalogue.h"
 #include "ui/common/command.h"
+#include "ui/common/deeds.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/editors/cell_input.h"
@@ -41,7 +42,7 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , writeBut(NamedButton(look.writeName, look.writeCaption, this))
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
-    , changedLbl(NamedLabel(QStringLiteral("GeaendertLbl"), QStringLiteral("geändert, nicht geschrieben"), this))
+    , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
     , unreadLbl(NamedLabel(QStringLiteral("NichtGelesenLbl"),
           QStringLiteral("Noch nicht gelesen – beim Lesen gehen Änderungen verloren"), this))
 {
@@ -147,6 +148,8 @@ void BlockEditor::read(const Command &command)
     written = entries();
     writeFailed = false;
     complete = outcome.ok();
+    if (complete)
+        NoteDeed(windowTitle() + QStringLiteral(": gelesen"));
     updateMarks();
 }
 
@@ -156,8 +159,10 @@ void BlockEditor::write(const Command &command)
     if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
         return;
     writeFailed = !write().ok(); // every failure has been told by then
-    if (!writeFailed)
+    if (!writeFailed) {
         written = entries();
+        NoteDeed(windowTitle() + QStringLiteral(": geschrieben"));
+    }
     updateMarks();
 }
 

@@ -218,8 +218,8 @@ void BlockEditor::fillDown()
         const std::vector<int> rows = grid->markedRows();
         for (const int column : grid->markedColumns()) {
             const QString value = cellText(rows.front(), column);
-            for (const int row : rows) {
-                if (QString fault = layCell(row, column, value); !fault.isEmpty())
+            for (size_t i = 1; i < rows.size(); ++i) { // the first one is where it comes from
+                if (QString fault = layCell(rows.at(i), column, value); !fault.isEmpty())
                     return fault;
             }
         }

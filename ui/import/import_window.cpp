@@ -227,7 +227,7 @@ void ImportWindow::fitWidth()
         StartHeight);
 }
 
-/// A second click on the same head turns the order round. The selected locos stay selected.
+/// A second click on the same head turns the order round. The selected locos stay selected, and the current one current.
 void ImportWindow::sortBy(int column)
 {
     const Command command; // rows may not move under a picker that changes one of them
@@ -237,22 +237,32 @@ void ImportWindow::sortBy(int column)
     }
     sortOrder = column == sortColumn && sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
     sortColumn = column;
-    std::vector<std::pair<DownloadedLoco, bool>> rows; // with: is selected
+    struct Row {
+        DownloadedLoco loco;
+        bool selected;
+        bool current;
+    };
+    std::vector<Row> rows;
     for (int row = 0; row < grid->rowCount(); ++row)
-        rows.emplace_back(locos.at(static_cast<size_t>(row)), grid->selectionModel()->isRowSelected(row));
-    std::ranges::stable_sort(rows, [this](const auto &one, const auto &other) {
-        const auto &first = sortOrder == Qt::AscendingOrder ? one : other;
-        const auto &second = sortOrder == Qt::AscendingOrder ? other : one;
-        return SortKey(first.first, sortColumn) < SortKey(second.first, sortColumn);
+        rows.push_back({locos.at(static_cast<size_t>(row)), grid->selectionModel()->isRowSelected(row),
+            row == grid->currentRow()});
+    std::ranges::stable_sort(rows, [this](const Row &one, const Row &other) {
+        const Row &first = sortOrder == Qt::AscendingOrder ? one : other;
+        const Row &second = sortOrder == Qt::AscendingOrder ? other : one;
+        return SortKey(first.loco, sortColumn) < SortKey(second.loco, sortColumn);
     });
+    const int currentColumn = grid->currentColumn();
     grid->clearSelection();
     for (int row = 0; row < grid->rowCount(); ++row) {
-        const auto &[loco, selected] = rows.at(static_cast<size_t>(row));
+        const auto &[loco, selected, current] = rows.at(static_cast<size_t>(row));
         locos.at(static_cast<size_t>(row)) = loco;
         fillRow(row);
         if (selected)
             grid->selectionModel()->select(
                 grid->model()->index(row, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        if (current)
+            grid->selectionModel()->setCurrentIndex(
+                grid->model()->index(row, currentColumn), QItemSelectionModel::NoUpdate);
     }
     grid->horizontalHeader()->setSortIndicator(sortColumn, sortOrder);
     filterRows();

@@ -2,17 +2,20 @@
 
 #include "handheld/backup/number_list.h"
 #include "handheld/flash_map.h"
+#include "handheld/known_locos.h"
 #include "handheld/text_encoding.h"
 #include "jobs/spread.h"
 #include "link/open_link.h"
 #include "platform/text.h"
 #include "ui/common/command.h"
+#include "ui/common/deeds.h"
 #include "ui/common/pickers.h"
 #include "ui/common/progress.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/widgets/build_controls.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/picture_box.h"
+#include "ui/widgets/row_names.h"
 #include "ui/widgets/window_keys.h"
 
 #include <QAction>
@@ -39,7 +42,7 @@ constexpr int RowHeight = 20;
 constexpr int HeadGap = 4;
 constexpr int CellMargin = 4;
 constexpr int SmallestFont = 7; // pixels
-constexpr int LeastRowsShown = 8;
+constexpr int LeastRowsShown = 5;
 constexpr int LocoPictureWidth = 49;
 constexpr int LocoPictureHeight = 17;
 constexpr int NameFieldCharacters = 24;
@@ -53,6 +56,11 @@ QString NoSymbolOfF0()
 QString AccessCode()
 {
     return QStringLiteral("Rupo");
+}
+
+QString AddressRange()
+{
+    return QStringLiteral("%1 bis %2").arg(FirstLoco).arg(LastLoco);
 }
 
 /// The columns and rows have their given sizes: a large font is made to fit them.
@@ -82,6 +90,8 @@ LocoEditor::LocoEditor(QWidget *parent)
     , writeBut(NamedButton(QStringLiteral("SchreibeLokDatensatzBut"), QStringLiteral("Schreibe Lokdatensatz"), this))
     , deleteBut(NamedButton(QStringLiteral("ResetLokdatenBut"), QStringLiteral("Lokdatensatz löschen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
+    , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
+    , whereLbl(NamedRemark(QStringLiteral("WohinLbl"), this))
     , search(fktTab)
     , history([this] { return state(); }, [this](const State &kept) { restore(kept); })
 {
@@ -96,7 +106,7 @@ LocoEditor::LocoEditor(QWidget *parent)
     buildContextMenu();
     shownName = ShownName(record);
     clearShownRecord();
-    markAddress();
+    adrTxt->setToolTip(AddressRange()); // a fault only when something was typed, or is to be done with it
 }
 
 void LocoEditor::buildGrid()
@@ -105,12 +115,15 @@ void LocoEditor::buildGrid()
     fktTab->setObjectName(QStringLiteral("FktTab"));
     fktTab->setAccessibleName(QStringLiteral("Funktionen"));
     fktTab->horizontalHeader()->hide();
+    fktTab->takePlainClicks();
     for (size_t i = 0; i < ColumnWidths.size(); ++i)
         fktTab->setColumnWidth(static_cast<int>(i), ColumnWidths.at(i));
     for (int row = 0; row < FunctionCount; ++row)
         fktTab->setRowHeight(row, RowHeight);
     fktTab->hugColumns();
     fktTab->setMinimumHeight(RowHeight * LeastRowsShown);
+    names = new RowNames(fktTab, this);
+    names->setObjectName(QStringLiteral("FktNamen"));
 }
 
 /// The grid with its column heads: the first ends where its column ends, the last begins where its column begins.
@@ -133,10 +146,12 @@ QWidget *LocoEditor::buildGridWithHeads()
     heads->setSpacing(0);
     for (QLabel *label : {funktion, symbole, tastfunktion})
         heads->addWidget(label);
+    heads->addStretch();
     auto *gridRow = new QHBoxLayout;
     gridRow->addSpacing(side - ColumnWidths.at(HeadColumn) + (middle - columns) / 2);
     gridRow->addWidget(fktTab);
-    gridRow->addStretch();
+    gridRow->addSpacing(HeadGap);
+    gridRow->addWidget(names, 1);
     auto *layout = new QVBoxLayout(area);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(heads);
@@ -144,13 +159,25 @@ QWidget *LocoEditor::buildGridWithHeads()
     return area;
 }
 
-QHBoxLayout *LocoEditor::buildButtons()
+/// The buttons, and below them what is to be known before one is pressed; its place is kept, so that none moves.
+QVBoxLayout *LocoEditor::buildButtons()
 {
     auto *row = new QHBoxLayout;
+    SameWidth({readBut, writeBut, deleteBut});
     for (QPushButton *button : {readBut, writeBut, deleteBut})
         row->addWidget(button);
     row->addStretch();
-    return row;
+    auto *marks = new QHBoxLayout;
+    for (QLabel *label : {changedLbl, doubtLbl}) {
+        KeepPlace(label);
+        marks->addWidget(label);
+    }
+    marks->addStretch();
+    auto *all = new QVBoxLayout;
+    all->addLayout(row);
+    all->addLayout(marks);
+    all->addWidget(whereLbl);
+    return all;
 }
 
 void LocoEditor::buildLayout()
@@ -171,11 +198,10 @@ void LocoEditor::buildLayout()
     layout->addLayout(fields);
     layout->addWidget(NamedLine(QStringLiteral("Line1"), this));
     auto *gridArea = buildGridWithHeads();
-    layout->addWidget(gridArea, 1, Qt::AlignHCenter);
+    layout->addWidget(gridArea, 1);
     layout->addWidget(NamedLine(QStringLiteral("Line2"), this));
     layout->addWidget(multiUniChk);
     layout->addLayout(buildButtons());
-    layout->addWidget(doubtLbl);
 }
 
 void LocoEditor::connectControls()
@@ -213,6 +239,19 @@ LocoEditor::Shown LocoEditor::shownNow() const
     return {adrTxt->text(), CurrentLoco, complete};
 }
 
+int LocoEditor::address() const
+{
+    return Val(adrTxt->text());
+}
+
+QString LocoEditor::unwritten() const
+{
+    if (!held.differsFrom(CurrentLoco, address()))
+        return {};
+    const int number = address() > 0 ? address() : held.address;
+    return number > 0 ? QStringLiteral("Lokdatensatz %1").arg(number) : QStringLiteral("Lokdatensatz");
+}
+
 LocoEditor::State LocoEditor::state() const
 {
     return {CurrentLoco, complete};
@@ -223,7 +262,7 @@ void LocoEditor::restore(const State &kept)
     CurrentLoco = kept.loco;
     setComplete(kept.complete);
     showRecord();
-    explainWrite();
+    explain();
 }
 
 /// Changes the record in memory as one step.
@@ -232,6 +271,7 @@ void LocoEditor::change(const std::function<void()> &work)
     const State before = state();
     work();
     history.note(before);
+    explain();
 }
 
 /// In the name field first what has been typed there, character by character.
@@ -271,13 +311,13 @@ void LocoEditor::nameChanged(const QString &text)
         showMemory(); // the fields behind an empty record are written with the name: nothing may be hidden
     markName();
     history.note(before, NameStep);
+    explain();
 }
 
 /// A field without an address reads and writes record 0, which is no loco.
 void LocoEditor::markAddress()
 {
-    const bool isAddress = Val(adrTxt->text()) >= FirstLoco;
-    MarkField(adrTxt, isAddress ? QString() : QStringLiteral("%1 bis %2").arg(FirstLoco).arg(LastLoco));
+    MarkField(adrTxt, address() >= FirstLoco ? QString() : AddressRange());
 }
 
 bool LocoEditor::eventFilter(QObject *watched, QEvent *event)
@@ -305,14 +345,34 @@ void LocoEditor::markName()
                                 .arg(unknown));
 }
 
-/// Says which loco goes under which address when that is not what was read.
-void LocoEditor::explainWrite()
+/// What a write would do when it is not what was read: which loco goes under which address, and what it overwrites or
+/// adds.
+QString LocoEditor::whereItGoes() const
 {
-    const int address = Val(adrTxt->text());
-    const bool copies = readAddress > 0 && address != readAddress && !CurrentLoco.nothingToWrite;
-    writeBut->setToolTip(copies
-            ? QStringLiteral("Schreibt die gelesene Lok %1 unter die Adresse %2").arg(readAddress).arg(address)
+    if (CurrentLoco.nothingToWrite || address() < FirstLoco)
+        return {};
+    if (address() == held.address) // after a deletion, or where none has been, the handheld does not have it
+        return IsEmptyName(held.loco.record.name) && !IsEmptyName(record.name)
+            ? QStringLiteral("Lok %1 fehlt im Handregler").arg(held.address)
+            : QString();
+    const QString what =
+        held.address > 0 ? QStringLiteral("Lok %1").arg(held.address) : QStringLiteral("die neue Lok");
+    const QString text = QStringLiteral("schreibt %1 unter %2").arg(what).arg(address());
+    if (!IsKnownLoco(address()))
+        return text;
+    const QString name = KnownLocoName(address());
+    return text + QStringLiteral(" (dort steht: %1)").arg(name.isEmpty() ? QStringLiteral("eine Lok") : name);
+}
+
+/// Shows what stands between memory and handheld.
+void LocoEditor::explain()
+{
+    const QString where = whereItGoes();
+    whereLbl->setText(where);
+    writeBut->setToolTip(held.address > 0 && address() != held.address && !where.isEmpty()
+            ? QStringLiteral("Schreibt die gelesene Lok %1 unter die Adresse %2").arg(held.address).arg(address())
             : QString());
+    changedLbl->setVisible(held.differsFrom(CurrentLoco, address()));
 }
 
 void LocoEditor::addressChanged()
@@ -320,14 +380,14 @@ void LocoEditor::addressChanged()
     clearShownRecord();
     history.stack().clear();
     record.multiUni = 0; // what the unticked box shows; the other fields stay for a write under the new address
-    if (Val(adrTxt->text()) > LastLoco) {
+    if (address() > LastLoco) {
         adrTxt->setText(QStringLiteral("??"));
         adrTxt->selectAll(); // the next digit replaces it
     }
     markAddress();
     if (adrTxt->text() == AccessCode())
         Q_EMIT startImageUnlocked();
-    explainWrite();
+    explain();
 }
 
 void LocoEditor::clearShownRecord()
@@ -340,6 +400,7 @@ void LocoEditor::clearShownRecord()
             fktTab->setWords(row, column, row == 0 ? NoSymbolOfF0() : QString(), QString());
         }
         fktTab->setText(row, MomentaryColumn, QString());
+        names->setName(row, QString());
     }
     const QSignalBlocker blocker(multiUniChk);
     multiUniChk->setChecked(false);
@@ -370,9 +431,11 @@ void LocoEditor::showFunctionSymbols(int row)
     const int number = record.symbols.at(static_cast<size_t>(row));
     ShowSymbol(fktTab, row, OnColumn, SymbolKind::Function, number, HalfOn);
     ShowSymbol(fktTab, row, OffColumn, SymbolKind::Function, number, HalfOff);
+    names->setName(row, SymbolName(SymbolKind::Function, number));
     if (row == 0) { // shown when it was picked, but the handheld keeps none
         for (const int column : {OnColumn, OffColumn})
             fktTab->setWords(row, column, NoSymbolOfF0(), NoSymbolOfF0());
+        names->setName(row, QString());
     }
 }
 
@@ -410,6 +473,7 @@ void LocoEditor::setComplete(bool isComplete)
 void LocoEditor::readRecord()
 {
     const CommandOn command([this] { return adrTxt->text(); });
+    markAddress();
     if (!command.connected())
         return;
     const Progress progress(QStringLiteral("Lese Lokdatensatz"));
@@ -418,19 +482,22 @@ void LocoEditor::readRecord()
         return; // half a record must not be shown, nor written later
     history.stack().clear();
     setComplete(read.ok());
-    readAddress = Val(command.shown);
+    held = {Val(command.shown), CurrentLoco, true};
     showRecord();
     if (adrTxt->text() != command.shown) {
         clearShownRecord();  // the user typed on: the record shown does not belong to that address
         record.multiUni = 0; // what the unticked box shows
     }
-    explainWrite();
+    explain();
+    if (read.ok())
+        NoteDeed(QStringLiteral("Lok %1 gelesen").arg(held.address));
     WaitSeconds(StandardDelaySeconds);
 }
 
 void LocoEditor::writeRecord()
 {
     const CommandOn command([this] { return shownNow(); });
+    markAddress();
     if (!command.connected())
         return;
     LocoRecord written = command.shown.loco.record;
@@ -445,13 +512,29 @@ void LocoEditor::writeRecord()
     written.name = FitLocoName(written.name);
     if (record.name == command.shown.loco.record.name) // otherwise the user has typed on
         record.name = written.name;
-    if (WriteLocoRecord(Val(command.shown.address), written).brokenOff())
-        return;
-    if (record.name == written.name && !IsEmptyName(written.name)) {
-        record.name = AsStored(written.name, NameLength);
-        showName();
+    const Outcome outcome = WriteLocoRecord(Val(command.shown.address), written);
+    showWritten(written, Val(command.shown.address), outcome);
+    if (outcome.ok())
+        NoteDeed(QStringLiteral("Lok %1 geschrieben").arg(held.address));
+    if (!outcome.brokenOff())
+        WaitSeconds(StandardDelaySeconds);
+}
+
+/// After a write the window shows what the handheld holds, unless the user has typed on.
+void LocoEditor::showWritten(const LocoRecord &written, int writtenAddress, const Outcome &outcome)
+{
+    const bool same = record.name == written.name;
+    held = {writtenAddress, {written, false}, outcome.ok()};
+    if (!IsEmptyName(written.name))
+        held.loco.record.name = AsStored(written.name, NameLength);
+    if (!outcome.brokenOff() && same && !IsEmptyName(written.name)) {
+        record.name = held.loco.record.name;
+        if (CurrentLoco == held.loco && address() == writtenAddress)
+            showRecord();
+        else
+            showName();
     }
-    WaitSeconds(StandardDelaySeconds);
+    explain();
 }
 
 void LocoEditor::deleteRecord()
@@ -459,6 +542,7 @@ void LocoEditor::deleteRecord()
     const CommandOn command([this] { return adrTxt->text(); });
     if (!command.ok())
         return;
+    markAddress();
     const LocoRecord erased{EmptyName(NameLength + 1), {}, {}, 0, 0};
     change([this, &erased] {
         CurrentLoco = {erased, false};
@@ -470,7 +554,11 @@ void LocoEditor::deleteRecord()
     }
     const Progress progress(QStringLiteral("Lösche Lokdatensatz"));
     const Outcome written = WriteLocoRecord(Val(command.shown), erased);
+    held = {Val(command.shown), {erased, false}, written.ok()};
     showRecord();
+    explain();
+    if (written.ok()) // it was not asked about: here is the way back
+        NoteDeed(QStringLiteral("Lok %1 gelöscht, Strg+Z zeigt sie wieder").arg(held.address));
     if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }

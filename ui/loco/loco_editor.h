@@ -6,21 +6,23 @@
 
 #include "shown/record.h"
 #include "ui/common/type_search.h"
+#include "ui/loco/held_loco.h"
 #include "ui/widgets/snapshot_history.h"
 
 #include <QGroupBox>
 
 class QCheckBox;
-class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QVBoxLayout;
 
 namespace hr::ui
 {
 
 class Grid;
 class PictureBox;
+class RowNames;
 
 class LocoEditor : public QGroupBox
 {
@@ -35,6 +37,9 @@ public:
     /// Gives the address field the focus, with its text selected.
     void focusAddress();
 
+    /// The record's name for a question when it was changed and not written; empty when it was not.
+    [[nodiscard]] QString unwritten() const;
+
 protected:
     /// Ctrl+Z and Ctrl+Y in the name field go on to the steps of the record.
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -46,7 +51,7 @@ Q_SIGNALS:
 private:
     void buildGrid();
     QWidget *buildGridWithHeads();
-    QHBoxLayout *buildButtons();
+    QVBoxLayout *buildButtons();
     void buildLayout();
     void connectControls();
     /// What the write button writes: the address and the record in memory.
@@ -56,6 +61,8 @@ private:
         bool complete;
     };
     [[nodiscard]] Shown shownNow() const;
+    [[nodiscard]] int address() const;
+    void showWritten(const LocoRecord &written, int writtenAddress, const Outcome &outcome);
 
     /// What can be undone.
     struct State {
@@ -74,7 +81,8 @@ private:
     void nameChanged(const QString &text);
     void markAddress();
     void markName();
-    void explainWrite();
+    void explain();
+    [[nodiscard]] QString whereItGoes() const;
     void clearShownRecord();
     void showName();
     void showLocoSymbol();
@@ -96,11 +104,14 @@ private:
     QLineEdit *loknameTxt;
     PictureBox *lokSymPic;
     Grid *fktTab;
+    RowNames *names = nullptr; // of the functions' symbols, beside the grid
     QCheckBox *multiUniChk;
     QPushButton *readBut;
     QPushButton *writeBut;
     QPushButton *deleteBut;
     QLabel *doubtLbl;
+    QLabel *changedLbl;
+    QLabel *whereLbl;  // which loco a write puts under which address, when it is not what was read
     QString shownName; // of the record as it was shown last, and what the record said then
     ShownLoco shownLoco;
     bool complete = true; // false after a read with a time-out or a damaged answer
@@ -109,7 +120,7 @@ private:
     bool hasCopy = false;
     TypeSearch search; // in the grid
     SnapshotHistory<State> history;
-    int readAddress = 0; // where the record in memory was read; 0 = nowhere
+    HeldLoco held;
 };
 
 } // namespace hr::ui

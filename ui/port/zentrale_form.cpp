@@ -43,6 +43,7 @@ ZentraleForm::ZentraleForm()
     , hint(NamedLabel(QStringLiteral("PortHinweis"), QString(), this))
     , okButton(NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this))
     , cancelButton(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
+    , withoutButton(NamedButton(QStringLiteral("OhneHandreglerBut"), QStringLiteral("Ohne Handregler weiter"), this))
 {
     setObjectName(QStringLiteral("ZentraleForm"));
     setWindowTitle(QStringLiteral("Auswahl der Zentrale"));
@@ -52,6 +53,7 @@ ZentraleForm::ZentraleForm()
         "Antwortet der Handregler dabei nicht sicher, geht es von selbst mit der gewohnten Geschwindigkeit weiter.\n"
         "Kommt das öfter vor, schalten Sie die schnelle Übertragung hier wieder aus."));
     auto *buttonRow = new QHBoxLayout;
+    buttonRow->addWidget(withoutButton);
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
     buttonRow->addWidget(cancelButton);
@@ -65,18 +67,21 @@ ZentraleForm::ZentraleForm()
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     QWidget *last = comPortNrTxt;
-    for (QWidget *control :
-        std::initializer_list<QWidget *>{iopt.at(0), iopt.at(1), iopt.at(2), okButton, cancelButton, schnellChk}) {
+    for (QWidget *control : std::initializer_list<QWidget *>{
+             iopt.at(0), iopt.at(1), iopt.at(2), okButton, cancelButton, withoutButton, schnellChk}) {
         setTabOrder(last, control);
         last = control;
     }
     connect(okButton, &QPushButton::clicked, this, &ZentraleForm::accept);
     connect(cancelButton, &QPushButton::clicked, this, &ZentraleForm::leave);
+    connect(withoutButton, &QPushButton::clicked, this, &ZentraleForm::goOnWithout);
     connect(comPortNrTxt, &QLineEdit::textEdited, this, &ZentraleForm::portChanged);
     setDefaultButton(okButton);
     AltKey(comPortNrTxt, Qt::Key_C);
     AltKey(okButton, Qt::Key_O);
     AltKey(cancelButton, Qt::Key_A);
+    AltKey(withoutButton, Qt::Key_W);
+    withoutButton->setToolTip(QStringLiteral("Dateien, Vergleiche und Symbole lassen sich auch so bearbeiten."));
     showWorking(false);
 }
 
@@ -174,6 +179,7 @@ void ZentraleForm::load()
                              "woran das Interface angeschlossen ist und welches es ist.")
             : QStringLiteral("Woran ist das Interface angeschlossen, und welches ist es?"));
     cancelButton->setToolTip(SelectionAwaited ? QStringLiteral("beendet das Programm") : QString());
+    withoutButton->setVisible(SelectionAwaited);
     comPortNrTxt->setText(PortNumber.text.isEmpty() ? likelyPort() : PortNumber.text);
     for (size_t i = 0; i < iopt.size(); ++i) {
         iopt.at(i)->setAutoExclusive(false); // so that none can be chosen while nothing is known
@@ -259,15 +265,23 @@ void ZentraleForm::takeSettings()
     Q_EMIT interfaceChosen();
     hide();
     WriteSettings(chosen);
-    SelectionAnswer = 1;
+    SelectionAnswer = SelectionRetry;
 }
 
 void ZentraleForm::leave()
 {
     cancelled = working;
     hide();
-    if (SelectionAwaited && SelectionAnswer == 0)
-        SelectionAnswer = -1;
+    if (SelectionAwaited && SelectionAnswer == SelectionOpen)
+        SelectionAnswer = SelectionCancelled;
+}
+
+/// As Cancel, but the program stays: the next command that needs the handheld looks for it again.
+void ZentraleForm::goOnWithout()
+{
+    if (SelectionAwaited && SelectionAnswer == SelectionOpen)
+        SelectionAnswer = SelectionWithout;
+    leave();
 }
 
 } // namespace hr::ui

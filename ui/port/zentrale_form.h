@@ -35,6 +35,7 @@ protected:
 
     /// Cancel: nothing is taken over, also while OK still works.
     void leave() override;
+    void goOnWithout();
 
 private:
     QWidget *makeOptions();
@@ -57,8 +58,9 @@ private:
     QLabel *hint;
     QPushButton *okButton;
     QPushButton *cancelButton;
-    bool working = false;   // OK sends a found handheld back before it takes anything over
-    bool cancelled = false; // meanwhile
+    QPushButton *withoutButton; // only while somebody waits for the handheld
+    bool working = false;       // OK sends a found handheld back before it takes anything over
+    bool cancelled = false;     // meanwhile
 };
 
 } // namespace hr::ui

@@ -3,6 +3,7 @@
 #include "handheld/symbol_storage.h"
 #include "shown/record.h"
 #include "ui/common/command.h"
+#include "ui/common/deeds.h"
 #include "ui/common/progress.h"
 #include "ui/symbols/pixel_editor.h"
 
@@ -44,7 +45,10 @@ void EditStartImage()
         return;
     const Progress progress(QStringLiteral("Schreibe Startbild"));
     LaySizeBytes(picture);
-    if (!WriteStartPicture(SpiBuf, picture, Patience::Agreed).outcome.brokenOff())
+    const Outcome written = WriteStartPicture(SpiBuf, picture, Patience::Agreed).outcome;
+    if (written.ok())
+        NoteDeed(QStringLiteral("Startbild geschrieben"));
+    if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
 

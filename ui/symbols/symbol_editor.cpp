@@ -7,6 +7,7 @@
 #include "shown/record.h"
 #include "symbols/bmp_file.h"
 #include "ui/common/command.h"
+#include "ui/common/deeds.h"
 #include "ui/common/pickers.h"
 #include "ui/common/progress.h"
 #include "ui/common/symbol_pictures.h"
@@ -162,7 +163,10 @@ SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
     , writeBut(NamedButton(look.writeButtonName, look.writeCaption, this))
     , editBut(NamedButton(look.editButtonName, look.editCaption, this))
     , doubtLbl(NamedDoubtLabel(look.writeButtonName + QStringLiteral("Lbl"), this))
+    , changedLbl(NamedChangedLabel(look.writeButtonName + QStringLiteral("GeaendertLbl"), this))
+    , whatLbl(NamedRemark(look.writeButtonName + QStringLiteral("WasLbl"), this))
     , picture(EmptyPicture(look.kind))
+    , held(picture)
 {
     setObjectName(look.frameName);
     buildLayout();
@@ -201,7 +205,10 @@ QWidget *SymbolEditor::buildHalves()
         auto *button = new QRadioButton(look.halves.at(i), frame);
         button->setObjectName(look.halvesName + QString::number(i));
         button->setChecked(i == 0);
-        connect(button, &QRadioButton::toggled, preview, [this] { preview->setPicture(QPixmap()); });
+        connect(button, &QRadioButton::toggled, preview, [this] {
+            preview->setPicture(QPixmap());
+            explain();
+        });
         halves += button;
         layout->insertWidget(look.secondHalfFirst ? 0 : i, button);
     }
@@ -220,10 +227,25 @@ void SymbolEditor::buildLayout()
     buttons->addWidget(readBut, 0, 0);
     buttons->addWidget(writeBut, 0, 1);
     buttons->addWidget(editBut, 1, 0);
-    buttons->addWidget(doubtLbl, 1, 1);
+    auto *marks = new QVBoxLayout;
+    marks->setSpacing(0);
+    for (QLabel *mark : {doubtLbl, changedLbl}) {
+        KeepPlace(mark);
+        marks->addWidget(mark);
+    }
+    buttons->addLayout(marks, 1, 1);
+    buttons->addWidget(whatLbl, 2, 0, 1, 2);
     buttons->setColumnStretch(2, 1); // they keep their size in a wide window
     layout->addLayout(buttons);
     orderTabs();
+}
+
+void SymbolEditor::AlignButtons(const QList<SymbolEditor *> &editors)
+{
+    QList<QPushButton *> buttons;
+    for (const SymbolEditor *editor : editors)
+        buttons << editor->readBut << editor->writeBut << editor->editBut;
+    SameWidth(buttons);
 }
 
 /// As the eye reads: number, halves, buttons.
@@ -257,6 +279,7 @@ void SymbolEditor::numberChanged()
         preview->setPicture(QPixmap());
     if (number > look.highestNumber)
         numberTxt->setText(QStringLiteral("??"));
+    explain();
 }
 
 void SymbolEditor::connectControls()
@@ -276,7 +299,46 @@ SymbolEditor::Shown SymbolEditor::shownNow() const
 void SymbolEditor::showPreview()
 {
     static_cast<void>(SaveBmp(RowsOf(picture), picture.geometry, QString())); // told once; the preview needs no file
+    showPicture();
+}
+
+void SymbolEditor::showPicture()
+{
     preview->setPicture(QPixmap::fromImage(ImageOf(picture)));
+}
+
+SymbolEditor::Source SymbolEditor::sourceNow() const
+{
+    return {Val(numberTxt->text()), chosenHalf()};
+}
+
+QString SymbolEditor::unwritten() const
+{
+    const bool drawn = RowsOf(picture) != RowsOf(held);
+    return drawn || !sure ? SymbolWords(look.kind, sourceNow().number, sourceNow().half) : QString();
+}
+
+/// What a write would take, when it is not the picture of the symbol that is chosen.
+QString SymbolEditor::whatGoes() const
+{
+    if (source.number < 0 || source == sourceNow())
+        return {};
+    QString half;
+    if (!halves.isEmpty())
+        half = u' ' + halves.at(source.half)->text();
+    return QStringLiteral("geschrieben wird: Bild von %1%2").arg(source.number).arg(half);
+}
+
+/// Shows what stands between picture and handheld, and why nothing can be written.
+void SymbolEditor::explain()
+{
+    whatLbl->setText(whatGoes());
+    changedLbl->setVisible(!unwritten().isEmpty());
+    const QString reason = writeBut->isEnabled()
+        ? QString()
+        : QStringLiteral("frei sind %1 bis %2").arg(look.lastFixedNumber + 1).arg(look.highestNumber);
+    writeBut->setToolTip(reason);
+    writeBut->setAccessibleDescription(reason);
 }
 
 void SymbolEditor::readSymbol()
@@ -290,8 +352,14 @@ void SymbolEditor::readSymbol()
     if (read.outcome.brokenOff())
         return; // the picture shown before stays the one to be written
     picture = read.value;
+    held = picture;
+    sure = true;
+    source = {asked.number, asked.half};
     complete = read.ok();
     doubtLbl->setVisible(!complete);
+    explain();
+    if (read.ok())
+        NoteDeed(SymbolWords(look.kind, asked.number, asked.half) + QStringLiteral(" gelesen"));
     showPreview();
     if (Val(numberTxt->text()) != asked.number)
         preview->setPicture(QPixmap()); // the user typed on: the picture does not belong to that number
@@ -304,6 +372,9 @@ void SymbolEditor::editSymbol()
     if (!command.ok())
         return;
     picture = EditPicture(picture);
+    if (source.number < 0)
+        source = sourceNow();
+    explain();
     showPreview();
 }
 
@@ -348,8 +419,24 @@ void SymbolEditor::writeSymbol()
         return;
     const Outcome written =
         WritePicture(SpiBuf, look.kind, shown.number, shown.half, shown.picture, Patience::Agreed).outcome;
+    showWritten(shown, written);
+    if (written.ok())
+        NoteDeed(SymbolWords(look.kind, shown.number, shown.half) + QStringLiteral(" geschrieben"));
     if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
+}
+
+/// After a write the preview shows what the handheld holds, unless the user has gone on to another symbol.
+void SymbolEditor::showWritten(const Shown &shown, const Outcome &written)
+{
+    held = shown.picture;
+    sure = written.ok();
+    if (RowsOf(picture) == RowsOf(held)) {
+        source = {shown.number, shown.half};
+        if (source == sourceNow())
+            showPicture();
+    }
+    explain();
 }
 
 void SymbolEditor::pickNumber()

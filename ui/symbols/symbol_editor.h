@@ -55,6 +55,12 @@ class SymbolEditor : public QGroupBox
 public:
     SymbolEditor(const SymbolEditorLook &look, QWidget *parent);
 
+    /// The symbol's name for a question when its picture was drawn and not written; empty when it was not.
+    [[nodiscard]] QString unwritten() const;
+
+    /// Editors that stand below each other have their buttons in the same columns.
+    static void AlignButtons(const QList<SymbolEditor *> &editors);
+
 protected:
     /// Double-click and F4 in the number field open the picker.
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -71,6 +77,9 @@ private:
     void writeSymbol();
     void pickNumber();
     void showPreview();
+    void showPicture();
+    void explain();
+    [[nodiscard]] QString whatGoes() const;
     [[nodiscard]] int chosenHalf() const;
 
     /// What a command of this editor works on.
@@ -81,6 +90,7 @@ private:
         bool complete;
     };
     [[nodiscard]] Shown shownNow() const;
+    void showWritten(const Shown &shown, const Outcome &written);
     [[nodiscard]] bool saveToCatalogue(const Shown &shown, const QString &description) const;
 
     const SymbolEditorLook &look;
@@ -89,9 +99,22 @@ private:
     QPushButton *readBut;
     QPushButton *writeBut;
     QPushButton *editBut;
-    QLabel *doubtLbl; // beside the write button
+    QLabel *doubtLbl;   // beside the edit button
+    QLabel *changedLbl; // below it
+    QLabel *whatLbl;    // which picture a write takes, when it is not the number's that is typed
     QList<QRadioButton *> halves;
-    Picture picture;      // what the preview shows and the write button writes
+    Picture picture; // what the preview shows and the write button writes
+
+    /// Which symbol the picture was read from, written to or drawn for last; number -1: none.
+    struct Source {
+        int number = -1;
+        int half = 0;
+        bool operator==(const Source &) const = default;
+    };
+    [[nodiscard]] Source sourceNow() const;
+    Source source;
+    Picture held;         // what the handheld holds of it, as far as this window knows
+    bool sure = true;     // false after a write that failed: any of it may be there
     bool complete = true; // false after a read with a time-out or a damaged answer
 };
 

@@ -15,6 +15,8 @@ namespace hr::ui
 namespace
 {
 
+constexpr int TextRoom = 12; // beside a button's caption
+
 /// Enter presses the button that has the focus, in every window.
 class EnterButton : public QPushButton
 {
@@ -111,6 +113,37 @@ QLabel *NamedDoubtLabel(const QString &name, QWidget *parent)
     auto *label = NamedLabel(name, QStringLiteral("nicht vollständig gelesen"), parent);
     label->hide();
     return label;
+}
+
+QLabel *NamedChangedLabel(const QString &name, QWidget *parent)
+{
+    auto *label = NamedLabel(name, QStringLiteral("geändert, nicht geschrieben"), parent);
+    label->hide();
+    return label;
+}
+
+QLabel *NamedRemark(const QString &name, QWidget *parent)
+{
+    auto *label = NamedLabel(name, QString(), parent);
+    label->setMinimumHeight(label->fontMetrics().height());
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+void SameWidth(const QList<QPushButton *> &buttons)
+{
+    int width = 0;
+    for (const QPushButton *button : buttons)
+        width = qMax(width, button->sizeHint().width() + TextRoom);
+    for (QPushButton *button : buttons)
+        button->setMinimumWidth(width);
+}
+
+void KeepPlace(QWidget *control)
+{
+    QSizePolicy policy = control->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    control->setSizePolicy(policy);
 }
 
 } // namespace hr::ui

@@ -4,6 +4,7 @@
 #include "platform/rooms.h"
 
 #include <QKeySequence>
+#include <QList>
 #include <QString>
 
 #include <functional>
@@ -45,5 +46,17 @@ void MarkField(QLineEdit *field, const QString &fault);
 
 /// A line that says that what is shown was not read completely; hidden until it is needed.
 QLabel *NamedDoubtLabel(const QString &name, QWidget *parent);
+
+/// The same for what the user has changed and not written.
+QLabel *NamedChangedLabel(const QString &name, QWidget *parent);
+
+/// An empty line for a remark that comes and goes: it keeps its height, and never makes its window wider.
+QLabel *NamedRemark(const QString &name, QWidget *parent);
+
+/// Buttons of one group get the width of the widest.
+void SameWidth(const QList<QPushButton *> &buttons);
+
+/// Keeps a control's place while it is hidden, so that nothing moves when it appears.
+void KeepPlace(QWidget *control);
 
 } // namespace hr::ui

@@ -223,7 +223,13 @@ void Grid::mousePressEvent(QMouseEvent *event)
     if (leavesInput())
         return;
     pressed = indexAt(event->position().toPoint());
-    QTableWidget::mousePressEvent(event);
+    if (!plainClicks) {
+        QTableWidget::mousePressEvent(event);
+        return;
+    }
+    QMouseEvent plain(event->type(), event->position(), event->scenePosition(), event->globalPosition(),
+        event->button(), event->buttons(), Qt::NoModifier);
+    QTableWidget::mousePressEvent(&plain);
 }
 
 void Grid::mouseMoveEvent(QMouseEvent *event)
@@ -240,11 +246,12 @@ void Grid::mouseReleaseEvent(QMouseEvent *event)
     QTableWidget::mouseReleaseEvent(event);
     const QModelIndex under = indexAt(event->position().toPoint());
     const QModelIndex began = std::exchange(pressed, QPersistentModelIndex());
-    const bool marks = (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
+    const bool marks = !plainClicks && (event->modifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) != 0;
     if (event->button() != Qt::LeftButton || !began.isValid() || marks || collapseSelection(began))
         return;
-    if (under == began) // a press that was dragged away means nothing
-        Q_EMIT cellActed(under.row(), under.column());
+    // A press that was dragged away means nothing.
+    if (under == began || (rowDecides && under.isValid() && under.row() == began.row()))
+        Q_EMIT cellActed(began.row(), began.column());
 }
 
 void Grid::mouseDoubleClickEvent(QMouseEvent *event)

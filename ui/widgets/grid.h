@@ -42,6 +42,12 @@ public:
     /// Whole rows may be selected, also several; otherwise a selection of several cells collapses to the current one.
     void selectRows();
 
+    /// A click means its row, whatever column it began or ended in.
+    void letRowsDecide() { rowDecides = true; }
+
+    /// Shift and Ctrl with a click mark nothing here: it is a plain click.
+    void takePlainClicks() { plainClicks = true; }
+
     /// The rows with a marked cell, ascending, and the columns from the first to the last one; without a mark the
     /// current cell.
     [[nodiscard]] std::vector<int> markedRows() const;
@@ -60,8 +66,8 @@ public:
     [[nodiscard]] bool inputIsOpen() const;
 
 Q_SIGNALS:
-    /// The user acted on a cell: a click without Shift and Ctrl (these only mark cells), or Enter or Space on the
-    /// current cell.
+    /// The user acted on a cell: a click (Shift and Ctrl only mark cells, see takePlainClicks), or Enter or Space on
+    /// the current cell.
     void cellActed(int row, int column);
     /// F2 on the current cell.
     void inputAsked(int row, int column);
@@ -89,6 +95,8 @@ private:
     QLineEdit *input;
     QPersistentModelIndex inputCell;
     bool severalRows = false;
+    bool rowDecides = false;
+    bool plainClicks = false;
     bool hugsColumns = false;
     bool pressLeftInput = false;   // until the button is released
     QPersistentModelIndex pressed; // the cell on which the mouse button went down

@@ -23,6 +23,7 @@ public:
 
     /// Shows a picture in the middle; a null picture clears the box.
     void setPicture(const QPixmap &picture);
+    [[nodiscard]] bool showsPicture() const { return !picture.isNull(); }
 
 Q_SIGNALS:
     void clicked();

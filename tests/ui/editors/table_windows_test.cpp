@@ -15,7 +15,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QScrollBar>
 
@@ -27,13 +26,6 @@ namespace hr::tests
 
 namespace
 {
-
-void Mouse(QEvent::Type type, QWidget *widget, QPoint at)
-{
-    const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, at, widget->mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-    QApplication::sendEvent(widget, &event);
-}
 
 void Press(QWidget *widget, Qt::Key key)
 {

@@ -110,6 +110,7 @@ TEST_F(Import, RowsAreSortedAndMarkedWhereTheHandheldHasTheLoco)
             addresses += grid->text(row, 0).toInt();
             EXPECT_EQ(grid->selectionModel()->isRowSelected(row), addresses.last() == 3);
             EXPECT_EQ(known(row), addresses.last() == 3);
+            EXPECT_EQ(row == grid->currentRow(), addresses.last() == 3) << "F2 and F4 mean the selected loco";
         }
         EXPECT_TRUE(descending ? std::is_sorted(addresses.rbegin(), addresses.rend())
                                : std::is_sorted(addresses.begin(), addresses.end()));

@@ -139,6 +139,26 @@ TEST_F(Pickers, OnlySymbolsWithPicturesOnDemand)
     pick([this] { EXPECT_TRUE(usedOnly()->isChecked()); });
 }
 
+TEST_F(Pickers, AClickMeansItsRowWhateverKeyIsHeldAndWhereverItEndsInTheRow)
+{
+    const auto drag = [this](int from, int to, Qt::KeyboardModifiers held) {
+        const auto centre = [this](int column) { return grid()->visualItemRect(grid()->item(5, column)).center(); };
+        Mouse(QEvent::MouseButtonPress, grid()->viewport(), centre(from), held);
+        Mouse(QEvent::MouseButtonRelease, grid()->viewport(), centre(to), held);
+    };
+    for (const auto held : {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier}) {
+        EXPECT_EQ(pick([&] { drag(1, 1, held); }), 5) << held;
+        EXPECT_EQ(pick([&] { drag(0, 2, held); }), 5) << held;
+        EXPECT_EQ(pick([&] { // into another row: no click
+            const QPoint first = grid()->visualItemRect(grid()->item(5, 1)).center();
+            const QPoint second = grid()->visualItemRect(grid()->item(6, 1)).center();
+            Mouse(QEvent::MouseButtonPress, grid()->viewport(), first, held);
+            Mouse(QEvent::MouseButtonRelease, grid()->viewport(), second, held);
+        }),
+            NothingChosen);
+    }
+}
+
 TEST_F(Pickers, TheLastUsedSymbolsAreOnTop)
 {
     pick([this] { EXPECT_TRUE(shownRecent().isEmpty()); });
