@@ -30,3 +30,13 @@ QString PortDevice(const QString &portText)
     return QStringLiteral("/dev/ttyS%1").arg(number - 1);
 #endif
 }
+
+QString PortPath(const QString &portText)
+{
+    const QString device = PortDevice(portText);
+#ifdef Q_OS_WIN
+    return device;
+#else
+    return device.isEmpty() || device.startsWith(u'/') ? device : QStringLiteral("/dev/") + device;
+#endif
+}

@@ -170,10 +170,9 @@ void SymbolPicker::buildGrid()
     grid->letRowsDecide();
     grid->takePlainClicks();
     grid->setHorizontalHeaderLabels(look.headings);
-    grid->verticalHeader()->setDefaultSectionSize(look.rowHeight);
-    grid->setColumnWidth(0, NumberColumnWidth);
-    for (int column = 1; column <= look.pictureColumns; ++column)
-        grid->setColumnWidth(column, look.pictureColumnWidth);
+    std::vector<int> widths(static_cast<size_t>(look.pictureColumns) + 1, look.pictureColumnWidth);
+    widths.front() = NumberColumnWidth;
+    grid->measure(widths, look.rowHeight);
     for (int row = 0; row < look.rows; ++row)
         fillRow(row);
     fitDescription();

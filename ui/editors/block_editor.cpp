@@ -23,7 +23,6 @@
 namespace
 {
 constexpr int RowHeight = 24;
-constexpr int RowMargin = 6; // around the text, where the font is larger than usual
 constexpr int WindowHeight = 600;
 constexpr int ScreenMargin = 80; // room for the window's frame and a task bar
 constexpr int LeastRowsShown = 6;
@@ -69,11 +68,7 @@ void BlockEditor::buildGrid(const BlockEditorLook &look)
     grid->setObjectName(look.gridName);
     grid->setAccessibleName(look.caption);
     grid->setHorizontalHeaderLabels(look.headings);
-    grid->verticalHeader()->setDefaultSectionSize(qMax(RowHeight, fontMetrics().height() + RowMargin));
-    for (int i = 0; i < grid->columnCount(); ++i) {
-        const int width = look.columnWidths.at(static_cast<size_t>(i));
-        grid->setColumnWidth(i, qMax(width, grid->horizontalHeader()->sectionSizeHint(i)));
-    }
+    grid->measure(look.columnWidths, RowHeight);
     for (int row = 0; row < look.rows; ++row)
         grid->setText(row, 0, QString::number(row + 1));
     grid->setMinimumHeight(RowHeight * LeastRowsShown);

@@ -1,6 +1,7 @@
 #include "ui/widgets/grid.h"
 
 #include "ui/widgets/crisp_picture.h"
+#include "ui/widgets/picture_delegate.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -16,6 +17,7 @@ namespace
 {
 
 constexpr int TextMargin = 1; // narrow columns need all their width for the text
+constexpr int RowMargin = 6;  // around the text, where the font is larger than usual
 
 /// Paints pictures in the middle of the cell, and centred texts without Qt's wide margins.
 class CentredPictures : public QStyledItemDelegate
@@ -29,7 +31,7 @@ public:
         const auto picture = index.data(Grid::PictureRole).value<QPixmap>();
         if (picture.isNull())
             return;
-        DrawCrisp(*painter, option.rect, picture, option.palette);
+        DrawCrisp(*painter, option.rect, picture, InkOf(option));
     }
 
 private:
@@ -42,8 +44,7 @@ private:
         cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
         if (text.isEmpty())
             return;
-        const bool selected = (cell.state & QStyle::State_Selected) != 0;
-        painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+        painter->setPen(InkOf(cell));
         const QRect area = cell.rect.adjusted(TextMargin, 0, -TextMargin, 0);
         painter->drawText(area, Qt::AlignCenter, cell.fontMetrics.elidedText(text, Qt::ElideRight, area.width()));
     }
@@ -69,6 +70,15 @@ Grid::Grid(int rows, int columns, QWidget *parent)
     input->setAlignment(Qt::AlignCenter);
     input->hide();
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::placeInput);
+}
+
+void Grid::measure(const std::vector<int> &columnWidths, int rowHeight)
+{
+    verticalHeader()->setDefaultSectionSize(qMax(rowHeight, fontMetrics().height() + RowMargin));
+    for (size_t i = 0; i < columnWidths.size(); ++i) {
+        const auto column = static_cast<int>(i);
+        setColumnWidth(column, qMax(columnWidths.at(i), horizontalHeader()->sectionSizeHint(column)));
+    }
 }
 
 void Grid::hugColumns()

@@ -28,6 +28,9 @@ public:
     /// Says in words what a cell's picture shows: to those who point at it, and to screen readers.
     void setWords(int row, int column, const QString &toolTip, const QString &spoken);
 
+    /// Columns and rows of these sizes, or larger ones where the font needs them.
+    void measure(const std::vector<int> &columnWidths, int rowHeight);
+
     /// Makes the grid so wide that all columns and the vertical scroll bar fit.
     void fixWidthToColumns();
 

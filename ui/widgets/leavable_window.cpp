@@ -23,6 +23,8 @@ void LeavableWindow::presentBeside(const QRect &place)
             resize(size().boundedTo(room)); // whatever its contents would like
         if (!place.isEmpty())
             move(PositionBeside(size(), place, on->availableGeometry()));
+        else if (const QWidget *front = FrontWindow(this))
+            PlaceOver(*this, front->frameGeometry());
         presentedSize = size();
     }
     show();

@@ -3,6 +3,9 @@
 
 #include <QStyledItemDelegate>
 
+/// The colour of a cell's text, which its picture has too.
+QColor InkOf(const QStyleOptionViewItem &cell);
+
 class PictureDelegate : public QStyledItemDelegate
 {
 public:
