@@ -29,4 +29,5 @@ private:
     static bool takeAddress(int row, int address);
     void takeDesignation(int row, const QString &text);
     void pickSymbol(int row);
+    void showLooks() override;
 };

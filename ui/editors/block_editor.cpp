@@ -16,6 +16,7 @@
 #include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -39,14 +40,18 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
     , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
-    , unreadLbl(NamedLabel(QStringLiteral("NichtGelesenLbl"),
-          QStringLiteral("Noch nicht gelesen – beim Lesen gehen Änderungen verloren"), this))
+    , menus(new QMenuBar(this))
+    , unreadLbl(
+          NamedLabel(QStringLiteral("NichtGelesenLbl"), QStringLiteral("Beim Lesen gehen Änderungen verloren"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
     buildGrid(look);
     buildLayout();
     addEdits();
+    QMenu *edits = menus->addMenu(QStringLiteral("Bearbeiten"));
+    edits->addActions(grid->actions()); // the same as under the right mouse button
+    AltKey(edits, Qt::Key_B);
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
     connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
     connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
@@ -79,6 +84,7 @@ void BlockEditor::buildGrid(const BlockEditorLook &look)
 void BlockEditor::buildLayout()
 {
     auto *buttons = new QHBoxLayout;
+    SameWidth({readBut, writeBut});
     buttons->addWidget(readBut);
     buttons->addWidget(writeBut);
     buttons->addWidget(changedLbl);
@@ -86,6 +92,7 @@ void BlockEditor::buildLayout()
     buttons->addStretch();
     buttons->addWidget(cancelBut);
     auto *layout = new QVBoxLayout(this);
+    layout->setMenuBar(menus);
     layout->addWidget(unreadLbl, 0, Qt::AlignHCenter);
     layout->addWidget(grid, 1, Qt::AlignHCenter);
     layout->addLayout(buttons);
@@ -97,6 +104,8 @@ void BlockEditor::showEvent(QShowEvent *event)
         written = entries();
     updateMarks();
     QWidget::showEvent(event);
+    if (!tableLoaded)
+        readBut->setFocus();
 }
 
 void BlockEditor::hideEvent(QHideEvent *event)
@@ -135,6 +144,8 @@ void BlockEditor::read(const Command &command)
     const Outcome outcome = readTable();
     if (outcome.brokenOff())
         return;
+    if (!tableLoaded && readBut->hasFocus())
+        grid->setFocus();
     tableLoaded = true;
     history.stack().clear();
     written = entries();
@@ -186,6 +197,9 @@ void BlockEditor::updateMarks()
 {
     writeBut->setEnabled(tableLoaded);
     unreadLbl->setVisible(!tableLoaded);
+    grid->veil(tableLoaded ? QString() : QStringLiteral("Noch nicht gelesen"));
+    setDefaultButton(tableLoaded ? nullptr : readBut);
+    showLooks();
     changedLbl->setVisible(hasUnwrittenChanges());
     doubtLbl->setVisible(!complete);
 }
@@ -196,9 +210,21 @@ void BlockEditor::showSymbol(int row)
     ShowSymbol(grid, row, redColumn() + 1, SymbolKind::Accessory, symbolOf(row), HalfOn);
 }
 
-int BlockEditor::pickAccessorySymbol(int present)
+void BlockEditor::addEdit(QAction *action)
 {
-    const int chosen = PickSymbol(SymbolKind::Accessory, present);
+    menus->actions().constFirst()->menu()->addAction(action);
+}
+
+void BlockEditor::showRefused(int row, int column, const QString &allowed, const QString &kept)
+{
+    grid->setText(row, column, QStringLiteral("ERR!"));
+    const QString words = QStringLiteral("erlaubt sind %1, gespeichert bleibt %2").arg(allowed, kept);
+    grid->setWords(row, column, words, QStringLiteral("ERR!, ") + words);
+}
+
+int BlockEditor::pickAccessorySymbol(int present, const QString &purpose)
+{
+    const int chosen = PickSymbol(SymbolKind::Accessory, present, purpose);
     activateWindow(); // the picker has no owner: without this the main window may come forward
     return chosen;
 }

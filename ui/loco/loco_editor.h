@@ -13,6 +13,7 @@
 
 class Grid;
 class PictureBox;
+class QAction;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -114,7 +115,8 @@ private:
     ShownLoco copied;     // by the context menu; valid when something was copied
     bool copiedComplete = true;
     bool hasCopy = false;
-    TypeSearch search; // in the grid
+    QList<QAction *> pastes; // grey until something was copied
+    TypeSearch search;       // in the grid
     SnapshotHistory<State> history;
     HeldLoco held;
 };

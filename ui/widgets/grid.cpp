@@ -17,7 +17,8 @@ namespace
 {
 
 constexpr int TextMargin = 1; // narrow columns need all their width for the text
-constexpr int RowMargin = 6;  // around the text, where the font is larger than usual
+constexpr int VeilDensity = 170;
+constexpr int RowMargin = 6; // around the text, where the font is larger than usual
 
 /// Paints pictures in the middle of the cell, and centred texts without Qt's wide margins.
 class CentredPictures : public QStyledItemDelegate
@@ -72,6 +73,33 @@ Grid::Grid(int rows, int columns, QWidget *parent)
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::placeInput);
 }
 
+void Grid::setPale(int row, int column, bool pale)
+{
+    const QVariant colour = pale ? QVariant(QBrush(palette().color(QPalette::PlaceholderText))) : QVariant();
+    if (cellItem(row, column)->data(Qt::ForegroundRole) != colour)
+        cellItem(row, column)->setData(Qt::ForegroundRole, colour);
+}
+
+void Grid::veil(const QString &text)
+{
+    veilText = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+}
+
+void Grid::paintEvent(QPaintEvent *event)
+{
+    QTableWidget::paintEvent(event);
+    if (veilText.isEmpty())
+        return;
+    QPainter painter(viewport());
+    QColor grey = palette().color(QPalette::Window);
+    grey.setAlpha(VeilDensity);
+    painter.fillRect(viewport()->rect(), grey);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter, veilText);
+}
+
 void Grid::measure(const std::vector<int> &columnWidths, int rowHeight)
 {
     verticalHeader()->setDefaultSectionSize(qMax(rowHeight, fontMetrics().height() + RowMargin));
@@ -123,7 +151,10 @@ QTableWidgetItem *Grid::cellItem(int row, int column)
 
 void Grid::setText(int row, int column, const QString &text)
 {
-    cellItem(row, column)->setText(text);
+    QTableWidgetItem *cell = cellItem(row, column);
+    cell->setText(text);
+    if (!cell->toolTip().isEmpty())
+        setWords(row, column, QString(), QString());
 }
 
 QString Grid::text(int row, int column) const

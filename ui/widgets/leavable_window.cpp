@@ -34,8 +34,11 @@ void LeavableWindow::presentBeside(const QRect &place)
 
 void LeavableWindow::setDefaultButton(QPushButton *button)
 {
+    if (defaultButton != nullptr)
+        defaultButton->setDefault(false);
     defaultButton = button;
-    button->setDefault(true); // its frame shows it
+    if (defaultButton != nullptr)
+        defaultButton->setDefault(true); // its frame shows it
 }
 
 void LeavableWindow::leave()

@@ -20,7 +20,7 @@ public:
     /// nowhere in particular).
     void presentBeside(const QRect &place);
 
-    /// Enter presses this button wherever nothing else takes it.
+    /// Enter presses this button wherever nothing else takes it; none with null.
     void setDefaultButton(QPushButton *button);
 
 protected:
