@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::platform
+{
+
 namespace
 {
 constexpr int HighestPortNumber = 9999;
@@ -40,3 +43,5 @@ QString PortPath(const QString &portText)
     return device.isEmpty() || device.startsWith(u'/') ? device : QStringLiteral("/dev/") + device;
 #endif
 }
+
+} // namespace hr::platform

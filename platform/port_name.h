@@ -1,7 +1,12 @@
 // From the text in the port field to a device of this machine.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::platform
+{
 
 /// True when the text (blanks around it and case ignored) names the built-in simulated handheld, "Demo".
 bool IsDemoPort(const QString &portText);
@@ -13,3 +18,5 @@ QString PortDevice(const QString &portText);
 
 /// The same with its folder, as it is told to the user: "/dev/ttyUSB0" for "ttyUSB0" on Linux, "COM3" on Windows.
 QString PortPath(const QString &portText);
+
+} // namespace hr::platform

@@ -6,7 +6,7 @@
 
 #include <random>
 
-namespace sim
+namespace hr::sim
 {
 
 /// One kind of fault: strikes at the nth occasion (1 = the next one, 0 = never) and at each occasion with the given
@@ -97,4 +97,4 @@ private:
     std::mt19937 dice{1};
 };
 
-} // namespace sim
+} // namespace hr::sim

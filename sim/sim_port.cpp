@@ -1,6 +1,6 @@
 #include "sim/sim_port.h"
 
-namespace sim
+namespace hr::sim
 {
 
 SimPort::SimPort(Events &clock, InterfaceKind kind) : events(clock), model(clock)
@@ -165,4 +165,4 @@ void SimPort::hangUp()
     });
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -39,6 +39,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 /// A menu command that opens a window: it only needs that no other command runs.
@@ -259,3 +262,5 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->ignore();
     end();
 }
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
@@ -72,3 +75,5 @@ private:
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
     StatusLine *status;
 };
+
+} // namespace hr::ui

@@ -14,6 +14,9 @@
 #include <QCoreApplication>
 #include <QDir>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -103,3 +106,5 @@ void ShowProgramInfo()
         lines << QStringLiteral("Ihre Daten liegen in ") + QDir::toNativeSeparators(DataFolder()) << blankLine;
     TheAsk().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
 }
+
+} // namespace hr::ui

@@ -26,6 +26,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -358,3 +361,5 @@ void QtFrontend::hideAllWindows()
     for (QWidget *window : QApplication::topLevelWidgets())
         window->hide();
 }
+
+} // namespace hr::ui

@@ -11,6 +11,9 @@
 #include <QPalette>
 #include <QProgressBar>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -119,3 +122,5 @@ void StatusLine::hideAmount()
 {
     bar->hide();
 }
+
+} // namespace hr::ui

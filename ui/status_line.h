@@ -2,10 +2,15 @@
 // when, and how far a running job has come.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStatusBar>
 
 class QLabel;
 class QProgressBar;
+
+namespace hr::ui
+{
 
 class StatusLine : public QStatusBar
 {
@@ -29,3 +34,5 @@ private:
     QLabel *deedLbl;
     QProgressBar *bar;
 };
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -244,3 +247,5 @@ void QtSerialPort::reportHangUp()
     if (onHangUp)
         onHangUp();
 }
+
+} // namespace hr::platform

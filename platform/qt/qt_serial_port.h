@@ -8,6 +8,9 @@
 
 #include <optional>
 
+namespace hr::platform
+{
+
 class QtSerialPort : public SerialPort
 {
 public:
@@ -58,3 +61,5 @@ private:
     PortFault openFault = PortFault::None;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };
+
+} // namespace hr::platform

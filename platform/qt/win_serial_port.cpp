@@ -14,6 +14,9 @@
 
 #include <setupapi.h>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -476,3 +479,5 @@ void WinSerialPort::handleLoss()
             onHangUp();
     });
 }
+
+} // namespace hr::platform

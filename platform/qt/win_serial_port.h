@@ -7,6 +7,9 @@
 #include <memory>
 #include <optional>
 
+namespace hr::platform
+{
+
 class WinSerialPort : public SerialPort
 {
 public:
@@ -59,3 +62,5 @@ private:
     bool hungUp = false;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };
+
+} // namespace hr::platform

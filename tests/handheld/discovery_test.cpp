@@ -5,6 +5,9 @@
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class Discovery : public VirtualWorld
 {
 protected:
@@ -117,3 +120,5 @@ TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
         }
     }
 }
+
+} // namespace hr::tests

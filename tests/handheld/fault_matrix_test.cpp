@@ -12,6 +12,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -362,3 +365,5 @@ TEST_P(PageLoad, AHandheldThatComesBackLoadsThePageFirst)
         EXPECT_TRUE(neighboursUnharmed(target)) << seconds;
     }
 }
+
+} // namespace hr::tests

@@ -6,6 +6,9 @@
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -417,3 +420,5 @@ TEST_F(Messages, HighBitsTravelInTheCollectors)
     UnpackHighBits(packed);
     EXPECT_EQ(DataOf(packed), DataOf(plain));
 }
+
+} // namespace hr::tests

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 TEST(LocoLists, ACellSaysAllOfItsFieldAndAMissingColumnNothing)
 {
     BuildZeichensatz();
@@ -22,3 +25,5 @@ TEST(LocoLists, ACellSaysAllOfItsFieldAndAMissingColumnNothing)
         EXPECT_EQ(applied.multiUni, 1);
     }
 }
+
+} // namespace hr::tests

@@ -23,6 +23,9 @@
 #include <QMouseEvent>
 #include <QPushButton>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -163,3 +166,5 @@ void WindowWorld::trigger(const char *name)
 {
     action(name)->trigger();
 }
+
+} // namespace hr::tests

@@ -11,11 +11,18 @@
 
 #include <memory>
 
-class Grid;
 class QAction;
 class QLineEdit;
 class QPushButton;
+
+namespace hr::ui
+{
+class Grid;
 class QtFrontend;
+} // namespace hr::ui
+
+namespace hr::tests
+{
 
 /// A real mouse event at a place of a widget.
 void Mouse(QEvent::Type type, QWidget *widget, QPoint at, Qt::KeyboardModifiers held = Qt::NoModifier);
@@ -86,3 +93,5 @@ protected:
 private:
     std::unique_ptr<MainWindow> mainWindow;
 };
+
+} // namespace hr::tests

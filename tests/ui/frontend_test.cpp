@@ -20,6 +20,9 @@
 
 #include <algorithm>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -274,3 +277,5 @@ TEST_F(RealFrontend, LongJobsShowHowFarTheyAreAndClosingTheMainWindowAsksFirst)
     frontend->hideProgress();
     EXPECT_EQ(progress->windowTitle(), QStringLiteral("Fortschritt:"));
 }
+
+} // namespace hr::tests

@@ -30,6 +30,9 @@
 #include <QShortcut>
 #include <QTextBrowser>
 
+namespace hr::tests
+{
+
 class MainWindowTest : public WindowWorld
 {
 protected:
@@ -757,3 +760,5 @@ TEST_F(MainWindowTest, F1OpensTheGuideAtTheChapterOfTheWindow)
         widget->close();
     }
 }
+
+} // namespace hr::tests

@@ -2,6 +2,9 @@
 
 #include "ui/common/connection.h"
 
+namespace hr::ui
+{
+
 Command::~Command()
 {
     TellConnectionChange();
@@ -26,3 +29,5 @@ bool Command::mayWriteDoubtful(const QString &what) const
             QStringLiteral("Achtung!"), BoxIcon::Critical},
         false);
 }
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 #include "shown/connection.h"
 #include "ui/common/desktop.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 bool sentBack = false; // the handheld was in service last and is in its operating mode again
@@ -109,3 +112,5 @@ bool HandheldConnected()
         ConnectHandheld();
     return HandreglerGefunden && !WaitsMustEnd();
 }
+
+} // namespace hr::ui

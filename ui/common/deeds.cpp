@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 std::function<void(const QString &)> shows;
@@ -17,3 +20,5 @@ void OnDeed(std::function<void(const QString &)> show)
 {
     shows = std::move(show);
 }
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 #include <QDialog>
 #include <QWindow>
 
+namespace hr::ui
+{
+
 namespace
 {
 Desktop *installed = nullptr;
@@ -55,3 +58,5 @@ QWidget *WaitedFor()
 {
     return waitingWindows.empty() ? nullptr : waitingWindows.back();
 }
+
+} // namespace hr::ui

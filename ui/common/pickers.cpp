@@ -25,6 +25,9 @@
 #include <array>
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -347,3 +350,5 @@ void ResetPickers()
     for (auto &picker : pickers)
         picker.reset();
 }
+
+} // namespace hr::ui

@@ -11,6 +11,9 @@
 #include "ui/common/desktop.h"
 #include "ui/common/progress.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -81,3 +84,5 @@ void Main()
     ScanCatalogues();
     while (!StartUpRound()) { }
 }
+
+} // namespace hr::ui

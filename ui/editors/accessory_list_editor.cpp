@@ -12,6 +12,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -182,3 +185,5 @@ void AccessoryListEditor::pickSymbol(int row)
     setSymbol(row, chosen);
     showSymbol(row);
 }
+
+} // namespace hr::ui

@@ -6,6 +6,9 @@
 
 #include "ui/editors/block_editor.h"
 
+namespace hr::ui
+{
+
 class AccessoryListEditor : public BlockEditor
 {
     Q_OBJECT
@@ -31,3 +34,5 @@ private:
     void pickSymbol(int row);
     void showLooks() override;
 };
+
+} // namespace hr::ui

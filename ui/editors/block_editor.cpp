@@ -21,6 +21,9 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int RowHeight = 24;
@@ -228,3 +231,5 @@ int BlockEditor::pickAccessorySymbol(int present, const QString &purpose)
     activateWindow(); // the picker has no owner: without this the main window may come forward
     return chosen;
 }
+
+} // namespace hr::ui

@@ -18,13 +18,17 @@
 #include <optional>
 #include <vector>
 
-class CellInput;
-class Command;
-class Grid;
 class QAction;
 class QLabel;
 class QMenuBar;
 class QPushButton;
+
+namespace hr::ui
+{
+
+class CellInput;
+class Command;
+class Grid;
 
 /// What a table window is called and how its grid looks.
 struct BlockEditorLook {
@@ -153,3 +157,5 @@ private:
     QMenuBar *menus;
     QLabel *unreadLbl; // above the grid
 };
+
+} // namespace hr::ui

@@ -12,6 +12,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -224,3 +227,5 @@ void BlockEditor::fillDown()
         return {};
     });
 }
+
+} // namespace hr::ui

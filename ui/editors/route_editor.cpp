@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -147,3 +150,5 @@ bool RouteEditor::takeAddress(int row, int address)
     SetFeedback(row, address);
     return true;
 }
+
+} // namespace hr::ui

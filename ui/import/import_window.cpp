@@ -31,6 +31,9 @@
 #include <memory>
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -397,3 +400,5 @@ void ResetImportWindow()
 {
     importWindow.reset();
 }
+
+} // namespace hr::ui

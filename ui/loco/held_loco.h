@@ -3,6 +3,9 @@
 
 #include "shown/record.h"
 
+namespace hr::ui
+{
+
 struct HeldLoco {
     int address = 0; // where it was read or written last; 0 = nowhere yet
     ShownLoco loco = CurrentLoco;
@@ -17,3 +20,5 @@ struct HeldLoco {
         return !sure || !(compared == loco);
     }
 };
+
+} // namespace hr::ui

@@ -30,6 +30,9 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -663,3 +666,5 @@ void LocoEditor::pickLocoSymbol()
     change([this, chosen] { record.locoSymbol = chosen; });
     showLocoSymbol();
 }
+
+} // namespace hr::ui

@@ -11,14 +11,18 @@
 
 #include <QGroupBox>
 
-class Grid;
-class PictureBox;
 class QAction;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QVBoxLayout;
+
+namespace hr::ui
+{
+
+class Grid;
+class PictureBox;
 class RowNames;
 
 class LocoEditor : public QGroupBox
@@ -120,3 +124,5 @@ private:
     SnapshotHistory<State> history;
     HeldLoco held;
 };
+
+} // namespace hr::ui

@@ -27,6 +27,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -311,3 +314,5 @@ void ZentraleForm::goOnWithout()
         SelectionAnswer = SelectionWithout;
     leave();
 }
+
+} // namespace hr::ui

@@ -27,6 +27,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -376,3 +379,5 @@ void ResetPixelEditor()
 {
     theEditor.reset();
 }
+
+} // namespace hr::ui

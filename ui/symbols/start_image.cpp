@@ -7,6 +7,9 @@
 #include "ui/common/progress.h"
 #include "ui/symbols/pixel_editor.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -48,3 +51,5 @@ void EditStartImage()
     if (!written.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
+
+} // namespace hr::ui

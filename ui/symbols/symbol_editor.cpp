@@ -31,6 +31,9 @@
 
 #include <array>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -456,3 +459,5 @@ bool SymbolEditor::eventFilter(QObject *watched, QEvent *event)
     TheEvents().post([this] { pickNumber(); });
     return true;
 }
+
+} // namespace hr::ui

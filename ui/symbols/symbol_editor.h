@@ -6,11 +6,15 @@
 #include <QGroupBox>
 #include <QStringList>
 
-class PictureBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
+
+namespace hr::ui
+{
+
+class PictureBox;
 
 /// What one kind of symbol editor is called and how it behaves.
 struct SymbolEditorLook {
@@ -113,3 +117,5 @@ private:
     bool sure = true;     // false after a write that failed: any of it may be there
     bool complete = true; // false after a read with a time-out or a damaged answer
 };
+
+} // namespace hr::ui

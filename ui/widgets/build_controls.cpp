@@ -13,6 +13,9 @@
 #include <QPushButton>
 #include <QUndoStack>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -162,3 +165,5 @@ void KeepPlace(QWidget *control)
     policy.setRetainSizeWhenHidden(true);
     control->setSizePolicy(policy);
 }
+
+} // namespace hr::ui

@@ -1,13 +1,14 @@
 // Small helpers with which the windows build their controls: every control gets its agreed name.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QKeySequence>
 #include <QList>
 #include <QString>
 
 #include <functional>
 
-class PictureBox;
 class QAction;
 class QFrame;
 class QLabel;
@@ -15,6 +16,11 @@ class QLineEdit;
 class QPushButton;
 class QUndoStack;
 class QWidget;
+
+namespace hr::ui
+{
+
+class PictureBox;
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent);
 QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent);
@@ -58,3 +64,5 @@ void SameWidth(const QList<QPushButton *> &buttons);
 
 /// Keeps a control's place while it is hidden, so that nothing moves when it appears.
 void KeepPlace(QWidget *control);
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -60,3 +63,5 @@ void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, con
         toDevice.inverted().mapRect(QRectF(place)), InColour(picture.toImage(), ink).scaled(natural * factor));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
 }
+
+} // namespace hr::ui

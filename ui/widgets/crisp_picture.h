@@ -2,12 +2,17 @@
 // that nothing is blurred and no line is thicker than its neighbour.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QSize>
 
 class QColor;
 class QPainter;
 class QPixmap;
 class QRect;
+
+namespace hr::ui
+{
 
 /// How many device pixels a pixel of a picture takes at a scale (1.0 and more): the nearest whole number, at least 1.
 int CrispFactor(double scale);
@@ -19,3 +24,5 @@ QSize CrispRoom(QSize pixels, double scale);
 /// Paints a picture in the middle of an area (logical pixels), smaller where it has no room otherwise: its black pixels
 /// in the colour of a text, the white ones not at all.
 void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QColor &ink);
+
+} // namespace hr::ui

@@ -13,6 +13,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -333,3 +336,5 @@ void Grid::keyPressEvent(QKeyEvent *event)
             QTableWidget::keyPressEvent(event);
     }
 }
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int MarkMargin = 4;
@@ -36,3 +39,5 @@ void PictureDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setPen(InkOf(cell));
     painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);
 }
+
+} // namespace hr::ui

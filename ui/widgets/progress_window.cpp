@@ -10,6 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -119,3 +122,5 @@ void ProgressWindow::hideEvent(QHideEvent *event)
     showHint(QString());
     QWidget::hideEvent(event);
 }
+
+} // namespace hr::ui

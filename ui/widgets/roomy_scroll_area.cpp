@@ -3,6 +3,9 @@
 #include <QEvent>
 #include <QScrollBar>
 
+namespace hr::ui
+{
+
 RoomyScrollArea::RoomyScrollArea(QWidget *contents, QWidget *parent) : QScrollArea(parent)
 {
     setFrameShape(QFrame::NoFrame);
@@ -42,3 +45,5 @@ bool RoomyScrollArea::eventFilter(QObject *watched, QEvent *event)
         fitWidth();
     return handled;
 }
+
+} // namespace hr::ui

@@ -1,7 +1,12 @@
 // Scrolls its contents where the screen has too little room for them, and wants as much room as they do.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QScrollArea>
+
+namespace hr::ui
+{
 
 class RoomyScrollArea : public QScrollArea
 {
@@ -24,3 +29,5 @@ private:
 
     bool keepsWidth = false;
 };
+
+} // namespace hr::ui

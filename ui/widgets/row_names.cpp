@@ -7,6 +7,9 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int WantedCharacters = 22;
@@ -47,3 +50,5 @@ void RowNames::wheelEvent(QWheelEvent *event)
 {
     QCoreApplication::sendEvent(grid->verticalScrollBar(), event);
 }
+
+} // namespace hr::ui

@@ -1,8 +1,13 @@
 // Words beside the rows of a grid, each in the height of its row and scrolling with it.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStringList>
 #include <QWidget>
+
+namespace hr::ui
+{
 
 class Grid;
 
@@ -28,3 +33,5 @@ private:
     const Grid *grid;
     QStringList names;
 };
+
+} // namespace hr::ui

@@ -10,6 +10,9 @@
 
 #include <array>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -128,3 +131,5 @@ void KeepSize(const QWidget &window)
         QSettings(sizesFile, QSettings::IniFormat).setValue(KeyOf(window), size);
     }
 }
+
+} // namespace hr::ui

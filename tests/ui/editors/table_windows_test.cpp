@@ -21,6 +21,9 @@
 #include <algorithm>
 #include <array>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -504,3 +507,5 @@ TEST_F(TableWindows, SymbolsArePastedAndPickedForSeveralRows)
     EXPECT_EQ(MagZuordDaten.at(9), 7);
     EXPECT_EQ(row(9), "|#");
 }
+
+} // namespace hr::tests

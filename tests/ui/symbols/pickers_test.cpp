@@ -13,6 +13,9 @@
 #include <QLabel>
 #include <QLineEdit>
 
+namespace hr::tests
+{
+
 class Pickers : public WindowWorld
 {
 protected:
@@ -216,3 +219,5 @@ TEST_F(Pickers, TheLastUsedSymbolsAreOnTop)
         },
         0, SymbolKind::Loco);
 }
+
+} // namespace hr::tests
