@@ -34,4 +34,14 @@ QString PortDevice(const QString &portText)
 #endif
 }
 
+QString PortPath(const QString &portText)
+{
+    const QString device = PortDevice(portText);
+#ifdef Q_OS_WIN
+    return device;
+#else
+    return device.isEmpty() || device.startsWith(u'/') ? device : QStringLiteral("/dev/") + device;
+#endif
+}
+
 } // namespace hr::platform

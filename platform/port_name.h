@@ -16,4 +16,7 @@ bool IsDemoPort(const QString &portText);
 /// An empty text, the number 0 and numbers above 9999 give an empty name, which no device has.
 QString PortDevice(const QString &portText);
 
+/// The same with its folder, as it is told to the user: "/dev/ttyUSB0" for "ttyUSB0" on Linux, "COM3" on Windows.
+QString PortPath(const QString &portText);
+
 } // namespace hr::platform

@@ -22,6 +22,9 @@ struct PortEntry {
     bool pluggedIn = false; // an adapter that somebody has plugged in, not a line of the board
 };
 
+/// Why a port was not opened.
+enum class PortFault { None, NotThere, NotAllowed, InUse, Other };
+
 class SerialPort
 {
 public:
@@ -41,6 +44,9 @@ public:
     /// closed then. Bytes that waited in the device before are discarded. Lines that the device does not have
     /// (modem lines of a pseudo-terminal) are no failure.
     virtual bool open() = 0;
+
+    /// Why the last open() failed; None when it did not.
+    [[nodiscard]] virtual PortFault fault() const = 0;
 
     /// Closes the device; no effect on a closed port.
     virtual void close() = 0;

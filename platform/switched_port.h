@@ -16,6 +16,7 @@ public:
     void setPortName(const QString &portText) override;
     void setSettings(const QString &settings) override;
     bool open() override;
+    [[nodiscard]] PortFault fault() const override { return active->fault(); }
     void close() override;
     [[nodiscard]] bool isOpen() const override;
     void setHandshake(Handshake handshake) override;

@@ -41,7 +41,11 @@ bool SimPort::open()
     const bool refused = opensRefused > 0;
     if (refused)
         --opensRefused;
-    if (opened || refused || !present)
+    if (!present)
+        openFault = PortFault::NotThere;
+    else
+        openFault = opened || refused ? PortFault::InUse : PortFault::None;
+    if (openFault != PortFault::None)
         return false;
     prepareOpen(line);
     applyLine();

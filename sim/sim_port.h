@@ -21,6 +21,7 @@ public:
     void setPortName(const QString &portText) override;
     void setSettings(const QString &settings) override;
     bool open() override;
+    [[nodiscard]] PortFault fault() const override { return openFault; }
     void close() override;
     [[nodiscard]] bool isOpen() const override { return opened; }
     void setHandshake(Handshake wanted) override;
@@ -69,6 +70,7 @@ private:
     int inputLength = 0;
     int threshold = 0;
     int opensRefused = 0;
+    PortFault openFault = PortFault::None;
     int openings = 0; // so that a late loss never closes a newer opening
     bool opened = false;
     bool present = true;

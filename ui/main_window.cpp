@@ -31,6 +31,8 @@
 #include <QCloseEvent>
 #include <QDropEvent>
 #include <QHBoxLayout>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -84,6 +86,8 @@ MainWindow::MainWindow()
     buildContents();
     setStatusBar(status);
     menuItems = BuildMenuBar(this, menuActions());
+    menuBar()->actions().constLast()->menu()->addSeparator();
+    menuBar()->actions().constLast()->menu()->addActions(locoEditor->actions());
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
     startImage->setVisible(false);
     connect(locoEditor, &LocoEditor::startImageUnlocked, startImage, [startImage] { startImage->setVisible(true); });

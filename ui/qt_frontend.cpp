@@ -10,6 +10,7 @@
 #include "ui/port/zentrale_form.h"
 #include "ui/status_line.h"
 #include "ui/widgets/progress_window.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -19,6 +20,7 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QWindow>
 
@@ -34,7 +36,8 @@ constexpr qsizetype MostBoxLines = 25;
 constexpr qint64 HintUs = 2'000'000;
 constexpr int TitleButtons = 160; // logical pixels beside a box's title
 constexpr int TextMargins = 16;
-constexpr int LongestLine = 80;      // characters; longer lines, such as lists of addresses, are broken
+constexpr int LongestLine = 110; // characters; longer lines, such as lists of addresses, are broken
+constexpr int LeastInputWidth = 360;
 constexpr int BoxSurroundings = 200; // icon, margins, frame
 
 QMessageBox::Icon QtIcon(BoxIcon icon)
@@ -49,11 +52,11 @@ QMessageBox::Icon QtIcon(BoxIcon icon)
     }
 }
 
-void BelongTo(QDialog &dialog, const QWidget *front)
+/// The style's pictures on buttons say nothing that their captions do not.
+void TakeIconsAway(const QDialog &dialog)
 {
-    dialog.winId(); // makes the window that is told
-    if (front != nullptr && front->windowHandle() != nullptr)
-        dialog.windowHandle()->setTransientParent(front->windowHandle());
+    for (QPushButton *button : dialog.findChildren<QPushButton *>())
+        button->setIcon(QIcon());
 }
 
 /// A box is as wide as its title needs, beside the buttons of its frame, and as the lines of its text: it breaks none
@@ -120,18 +123,22 @@ void QtFrontend::showBox(const BoxText &box)
         return;
     const auto widget = makeBox(box);
     widget->setStandardButtons(QMessageBox::Ok);
+    TakeIconsAway(*widget);
     WaitForDialog(*widget);
 }
 
 void QtFrontend::postBox(const BoxText &box)
 {
     std::erase_if(postedBoxes, [](const auto &posted) { return !posted->isVisible(); });
+    const QRect over = front()->frameGeometry();
     auto widget = makeBox(box);
     const auto tells = [&widget](const auto &posted) { return posted->text() == widget->text(); };
     if (std::ranges::any_of(postedBoxes, tells))
         return; // it stands on the screen already
     widget->setStandardButtons(QMessageBox::Ok);
+    TakeIconsAway(*widget);
     widget->show();
+    PlaceOver(*widget, over);
     postedBoxes.push_back(std::move(widget));
 }
 
@@ -145,6 +152,7 @@ bool QtFrontend::askYesNo(const BoxText &box, bool defaultYes)
     widget->button(QMessageBox::No)->setText(QStringLiteral("&Nein"));
     widget->setDefaultButton(defaultYes ? QMessageBox::Yes : QMessageBox::No);
     widget->setEscapeButton(QMessageBox::No);
+    TakeIconsAway(*widget);
     WaitForDialog(*widget);
     return widget->clickedButton() == widget->button(QMessageBox::Yes);
 }
@@ -159,6 +167,8 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
     dialog.setLabelText(prompt);
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
+    dialog.setMinimumWidth(qMax(LeastInputWidth, dialog.fontMetrics().horizontalAdvance(title) + TitleButtons));
+    TakeIconsAway(dialog);
     BelongTo(dialog, front());
     WaitForDialog(dialog);
     return dialog.result() == QDialog::Accepted ? dialog.textValue() : QString();
@@ -224,13 +234,7 @@ void QtFrontend::showProgress(const QString &text)
 {
     if (BoxesAreSilent())
         return;
-    const bool appears = !progress->isVisible();
-    const QWidget *behind = front();
-    progress->showText(text, JobCanBeStopped());
-    if (!appears)
-        return;
-    progress->adjustSize();
-    progress->move(behind->frameGeometry().center() - progress->rect().center());
+    progress->showText(text, JobCanBeStopped(), *front());
 }
 
 /// The window that the user works in, also when the progress window has just gone and none is active: a box over another

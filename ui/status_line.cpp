@@ -50,7 +50,7 @@ QString StateName()
 
 QString ConnectionText()
 {
-    const QString device = PortDevice(PortNumber.text);
+    const QString device = PortPath(PortNumber.text);
     if (device.isEmpty())
         return QStringLiteral("kein Anschluss gewählt: ") + StateName();
     if (!IsDemoPort(PortNumber.text))

@@ -2,6 +2,7 @@
 
 #include "platform/port_name.h"
 
+#include <QFileInfo>
 #include <QSerialPortInfo>
 
 #include <algorithm>
@@ -23,6 +24,18 @@ bool IsLoss(QSerialPort::SerialPortError error)
 {
     return error == QSerialPort::ResourceError || error == QSerialPort::ReadError || error == QSerialPort::WriteError
         || error == QSerialPort::DeviceNotFoundError || error == QSerialPort::PermissionError;
+}
+
+/// A device that this user may use and that is refused all the same has another user.
+PortFault FaultOf(QSerialPort::SerialPortError error, const QString &path)
+{
+    if (error == QSerialPort::DeviceNotFoundError)
+        return PortFault::NotThere;
+    if (error != QSerialPort::PermissionError)
+        return PortFault::Other;
+    const QFileInfo device(path);
+    return device.exists() && !(device.isReadable() && device.isWritable()) ? PortFault::NotAllowed
+                                                                            : PortFault::InUse;
 }
 
 } // namespace
@@ -63,13 +76,17 @@ void QtSerialPort::applySettings()
 
 bool QtSerialPort::open()
 {
+    openFault = PortFault::NotThere;
     if (port.portName().isEmpty())
         return false;
     applySettings();
     hungUp = false;
     ++opening;
-    if (!port.open(QIODevice::ReadWrite))
+    if (!port.open(QIODevice::ReadWrite)) {
+        openFault = FaultOf(port.error(), PortPath(port.portName()));
         return false;
+    }
+    openFault = PortFault::None;
     port.clear();
     hasCts = true;
     applyModemLines();

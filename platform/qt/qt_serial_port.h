@@ -22,6 +22,7 @@ public:
     void setPortName(const QString &portText) override;
     void setSettings(const QString &settings) override;
     bool open() override;
+    [[nodiscard]] PortFault fault() const override { return openFault; }
     void close() override;
     [[nodiscard]] bool isOpen() const override;
     void setHandshake(Handshake handshake) override;
@@ -57,6 +58,7 @@ private:
     std::optional<bool> rts;
     bool hasCts = false;
     bool hungUp = false;
+    PortFault openFault = PortFault::None;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };
 

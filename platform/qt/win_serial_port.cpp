@@ -243,6 +243,7 @@ void WinSerialPort::Device::write(const QByteArray &bytes)
 void WinSerialPort::Device::discardOutput()
 {
     queued.clear();
+    openFault = PortFault::None;
     PurgeComm(handle, PURGE_TXABORT | PURGE_TXCLEAR);
 }
 
@@ -294,12 +295,18 @@ bool WinSerialPort::applyLine()
 bool WinSerialPort::open()
 {
     close();
+    openFault = PortFault::NotThere;
     if (portDevice.isEmpty())
         return false;
     const HANDLE handle = CreateFileW(DevicePath(portDevice).c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
         OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        const bool inUse = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+        openFault = inUse ? PortFault::InUse : error == ERROR_FILE_NOT_FOUND ? PortFault::NotThere : PortFault::Other;
         return false;
+    }
+    openFault = PortFault::Other;
     hungUp = false;
     device = std::make_unique<Device>(handle);
     COMMTIMEOUTS timeouts{}; // none

@@ -21,6 +21,7 @@ public:
     void setPortName(const QString &portText) override;
     void setSettings(const QString &settings) override;
     bool open() override;
+    [[nodiscard]] PortFault fault() const override { return openFault; }
     void close() override;
     [[nodiscard]] bool isOpen() const override;
     void setHandshake(Handshake handshake) override;
@@ -57,6 +58,7 @@ private:
     int receiveThreshold = 1;
     std::optional<bool> dtr; // unset: the line stays as the system opens it
     std::optional<bool> rts;
+    PortFault openFault = PortFault::None;
     bool hungUp = false;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };

@@ -1,6 +1,7 @@
 #include "ui/qt_frontend.h"
 
 #include "link/open_link.h"
+#include "platform/port_name.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
 #include "shown/record.h"
@@ -15,6 +16,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -145,12 +147,40 @@ TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)
     EXPECT_EQ(CurrentRunState(), RunState::Running);
 }
 
+TEST_F(RealFrontend, APortThatFailsSaysWhyAndTheUserGoesOnWithoutIt)
+{
+    HandreglerGefunden = false;
+    ClosePort();
+    const QString full = PortPath(PortNumber.text);
+    for (const bool there : {true, false}) {
+        if (there)
+            port.refuseOpens(1);
+        else
+            port.hangUp();
+        later([] { BoxTitled(QStringLiteral("Fehler"))->button(QMessageBox::Ok)->click(); });
+        events.after(600'000, [&] {
+            const QString reason = selection()->findChild<QLabel *>(QStringLiteral("GrundLbl"))->text();
+            EXPECT_TRUE(reason.contains(full));
+            EXPECT_TRUE(
+                reason.contains(there ? QStringLiteral("anderes Programm") : QStringLiteral("gibt es nicht")));
+            in(selection(), "OhneHandreglerBut")->click();
+        });
+        click("LeseLokDatensatzBut");
+        EXPECT_EQ(CurrentRunState(), RunState::Running);
+        EXPECT_EQ(selection(), nullptr);
+    }
+    trigger("ZentraleMenu");
+    EXPECT_TRUE(in(selection(), "OhneHandreglerBut")->isHidden()) << "nobody waits for a handheld";
+    selection()->close();
+}
+
 TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
 {
     const StoppableJob job;
     frontend->showProgress(QStringLiteral("Lösche Lok 1"));
     QWidget *progress = topLevel("Fortschritt");
     ASSERT_NE(progress, nullptr);
+    EXPECT_EQ(progress->windowHandle()->transientParent(), window().windowHandle()) << "it never hides behind it";
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         progress->close();
         progress->close();
@@ -229,6 +259,7 @@ TEST_F(RealFrontend, LongJobsShowHowFarTheyAreAndClosingTheMainWindowAsksFirst)
         frontend->showAmount({3, 12, 100});
         EXPECT_TRUE(progress->windowFlags().testFlag(Qt::WindowCloseButtonHint));
         EXPECT_EQ(progress->windowTitle(), QStringLiteral("Fortschritt: 25 %"));
+        EXPECT_FALSE(window().findChild<QWidget *>(QStringLiteral("StatusBalken"))->isHidden());
         EXPECT_EQ(
             progress->findChild<QLabel *>(QStringLiteral("RestzeitLbl"))->text(), QStringLiteral("noch 2 Minuten"));
         frontend->raiseWaitingWindow(); // a second command

@@ -78,7 +78,11 @@ TEST_F(MainWindowTest, ControlsAndMenusCarryTheirNamesAndCaptions)
             QStringLiteral("Zentralen"), QStringLiteral(" Zentrale auswählen"),
             u' ' + TheBranding().lokDataMenuCaption, QStringLiteral("Info"), QStringLiteral(" Zeichensatz"),
             QStringLiteral(" Hilfe"), QStringLiteral(" Programminfo"), QStringLiteral("Werkzeuge"),
-            QStringLiteral(" Vergleichen…"), QStringLiteral(" Letzte Änderung zurücknehmen…")}
+            QStringLiteral(" Vergleichen…"), QStringLiteral(" Letzte Änderung zurücknehmen…"), QStringLiteral(" "),
+            QStringLiteral(" Rückgängig"), QStringLiteral(" Wiederholen"), QStringLiteral(" "),
+            QStringLiteral(" Lokdatensatz kopieren"), QStringLiteral(" Lokdatensatz einfügen"),
+            QStringLiteral(" Funktionen kopieren"), QStringLiteral(" Funktionen einfügen"),
+            QStringLiteral(" Funktionen auf andere Adressen übertragen…")}
                 .join(u'\n')));
 }
 
@@ -215,7 +219,10 @@ TEST_F(MainWindowTest, WhatIsChangedAndNotWrittenIsMarkedAndNamedAtTheEnd)
     read("3");
     ClickCell(functions(), 5, 3, Qt::ControlModifier); // marks nothing here: a plain click
     EXPECT_TRUE(marked("GeaendertLbl"));
+    const auto *undoAction = window().findChild<QAction *>(QStringLiteral("UndoAction"));
+    EXPECT_TRUE(undoAction->isEnabled());
     undo();
+    EXPECT_FALSE(undoAction->isEnabled()) << "grey while there is nothing to take back";
     EXPECT_FALSE(marked("GeaendertLbl"));
     click("ResetLokdatenBut");
     EXPECT_FALSE(marked("GeaendertLbl")) << "the handheld holds what is shown: nothing";

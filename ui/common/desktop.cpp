@@ -3,7 +3,10 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 
+#include "ui/widgets/window_place.h"
+
 #include <QDialog>
+#include <QWindow>
 
 namespace hr::ui
 {
@@ -44,6 +47,9 @@ void WaitForDialog(QDialog &dialog)
 {
     const WaitingWindow waiting(&dialog);
     dialog.show(); // where the system brings its own dialog, this waits until it is answered
+    // Only now it has its size.
+    if (dialog.windowHandle() != nullptr && dialog.windowHandle()->transientParent() != nullptr)
+        PlaceOver(dialog, dialog.windowHandle()->transientParent()->frameGeometry());
     static_cast<void>(PumpUntilAnswered([&dialog] { return !dialog.isVisible(); }));
     dialog.hide();
 }

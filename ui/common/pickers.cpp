@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -84,6 +85,7 @@ SymbolPicker::SymbolPicker(SymbolKind symbolKind)
     , grid(new Grid(LookOf(symbolKind).rows, static_cast<int>(LookOf(symbolKind).headings.size()), this))
     , searchTxt(NamedField(QStringLiteral("SuchTxt"), QStringLiteral("Suche"), this))
     , usedOnlyChk(new QCheckBox(QStringLiteral("nur belegte"), this))
+    , purposeLbl(NamedLabel(QStringLiteral("ZweckLbl"), QString(), this))
     , recentLbl(NamedLabel(QStringLiteral("ZuletztLbl"), QStringLiteral("Zuletzt:"), this))
 {
     setObjectName(LookOf(kind).windowName);
@@ -102,7 +104,7 @@ void SymbolPicker::buildSearch()
     searchTxt->setClearButtonEnabled(true);
     usedOnlyChk->setObjectName(QStringLiteral("NurBelegteChk"));
     connect(searchTxt, &QLineEdit::textChanged, this, &SymbolPicker::filterRows);
-    connect(searchTxt, &QLineEdit::returnPressed, this, &SymbolPicker::chooseOnlyRow);
+    connect(searchTxt, &QLineEdit::returnPressed, this, &SymbolPicker::chooseMarkedRow);
     connect(usedOnlyChk, &QCheckBox::toggled, this, &SymbolPicker::filterRows);
     SearchIn(searchTxt, grid);
     AltKey(searchTxt, Qt::Key_S);
@@ -143,6 +145,7 @@ void SymbolPicker::buildLayout()
     buttonRow->addStretch();
     buttonRow->addWidget(okButton);
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(purposeLbl);
     layout->addLayout(searchRow);
     layout->addLayout(recentRow);
     layout->addWidget(grid);
@@ -173,10 +176,9 @@ void SymbolPicker::buildGrid()
     grid->letRowsDecide();
     grid->takePlainClicks();
     grid->setHorizontalHeaderLabels(look.headings);
-    grid->verticalHeader()->setDefaultSectionSize(look.rowHeight);
-    grid->setColumnWidth(0, NumberColumnWidth);
-    for (int column = 1; column <= look.pictureColumns; ++column)
-        grid->setColumnWidth(column, look.pictureColumnWidth);
+    std::vector<int> widths(static_cast<size_t>(look.pictureColumns) + 1, look.pictureColumnWidth);
+    widths.front() = NumberColumnWidth;
+    grid->measure(widths, look.rowHeight);
     for (int row = 0; row < look.rows; ++row)
         fillRow(row);
     fitDescription();
@@ -247,39 +249,50 @@ bool SymbolPicker::isWanted(int number) const
     return found && (!usedOnlyChk->isChecked() || hasPicture(number));
 }
 
+/// How well a number fits what is sought, best first: itself, the whole name, the beginning of a word, anything else.
+int SymbolPicker::rank(int number) const
+{
+    const QString sought = searchTxt->text().trimmed();
+    const std::array fits{QString::number(number) == sought,
+        SymbolName(kind, number).compare(sought, Qt::CaseInsensitive) == 0, SymbolHasWord(kind, number, sought)};
+    return static_cast<int>(std::ranges::find(fits, true) - fits.begin());
+}
+
 /// The current row is always one that is seen, or none: Enter must never choose a hidden one.
 void SymbolPicker::filterRows()
 {
-    int first = -1;
+    int best = -1;
     for (int row = 0; row < grid->rowCount(); ++row) {
         const bool wanted = isWanted(row);
         grid->setRowHidden(row, !wanted);
-        if (wanted && first < 0)
-            first = row;
+        if (wanted && (best < 0 || rank(row) < rank(best)))
+            best = row;
     }
     const int current = grid->currentRow();
-    if (current < 0 || grid->isRowHidden(current))
-        grid->setCurrentCell(first, first < 0 ? -1 : 0);
+    if (current < 0 || grid->isRowHidden(current) || rank(best) < rank(current))
+        grid->setCurrentCell(best, best < 0 ? -1 : 0);
     if (grid->currentRow() >= 0)
         grid->scrollToItem(grid->item(grid->currentRow(), 0));
 }
 
-void SymbolPicker::chooseOnlyRow()
+void SymbolPicker::chooseMarkedRow()
 {
-    int only = -1;
-    for (int row = 0; row < grid->rowCount(); ++row) {
-        if (grid->isRowHidden(row))
-            continue;
-        if (only >= 0)
-            return;
-        only = row;
-    }
-    if (only >= 0)
-        choose(only);
+    if (grid->currentRow() >= 0)
+        choose(grid->currentRow());
 }
 
-void SymbolPicker::open(int presentNumber)
+void SymbolPicker::keyPressEvent(QKeyEvent *event)
 {
+    if (event->key() == Qt::Key_Escape && !searchTxt->text().isEmpty())
+        searchTxt->clear();
+    else
+        LeavableWindow::keyPressEvent(event);
+}
+
+void SymbolPicker::open(int presentNumber, const QString &purpose)
+{
+    purposeLbl->setText(purpose);
+    purposeLbl->setVisible(!purpose.isEmpty());
     searchTxt->clear();
     showRecent();
     filterRows();
@@ -310,12 +323,12 @@ void SymbolPicker::leave()
     hide();
 }
 
-int PickSymbol(SymbolKind kind, int presentNumber)
+int PickSymbol(SymbolKind kind, int presentNumber, const QString &purpose)
 {
     SymbolPicker &picker = PickerOf(kind);
     GewaehltesSymbol = -1;
     const WaitingWindow waiting(&picker);
-    picker.open(presentNumber);
+    picker.open(presentNumber, purpose);
     if (!PumpUntil([] { return GewaehltesSymbol != -1; }))
         GewaehltesSymbol = NothingChosen;
     picker.hide();

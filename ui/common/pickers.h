@@ -30,10 +30,13 @@ public:
     /// Writes the row of a symbol number from the catalogue anew.
     void refreshRow(int number);
 
-    /// Shows the window and scrolls to a number.
-    void open(int presentNumber);
+    /// Shows the window and scrolls to a number. `purpose` stands above the list: what the symbol is for.
+    void open(int presentNumber, const QString &purpose);
 
 protected:
+    /// The first Escape empties the search, the second leaves.
+    void keyPressEvent(QKeyEvent *event) override;
+
     /// Leaving means that nothing was chosen.
     void leave() override;
 
@@ -48,14 +51,16 @@ private:
     void showRecent();
     void filterRows();
     [[nodiscard]] bool isWanted(int number) const;
+    [[nodiscard]] int rank(int number) const;
     [[nodiscard]] bool hasPicture(int number) const;
-    void chooseOnlyRow();
+    void chooseMarkedRow();
     void choose(int row);
 
     SymbolKind kind;
     Grid *grid;
     QLineEdit *searchTxt;
     QCheckBox *usedOnlyChk;
+    QLabel *purposeLbl;
     QLabel *recentLbl;
     std::vector<PictureBox *> recentBoxes;
     std::vector<int> recent; // numbers, the last one first
@@ -63,7 +68,8 @@ private:
 
 /// Lets the user pick a symbol: shows the kind's picker and waits for GewaehltesSymbol. Returns the number, or
 /// NothingChosen after a cancel, the close box, Escape or the end of the program. The caller holds the busy scope.
-int PickSymbol(SymbolKind kind, int presentNumber);
+/// `purpose` says what the symbol is for: "für f3"; nothing where there is only one thing that it could be for.
+int PickSymbol(SymbolKind kind, int presentNumber, const QString &purpose = {});
 
 /// Writes a number's row anew after its file changed, with -1 all rows; no effect while the picker has never been
 /// opened.

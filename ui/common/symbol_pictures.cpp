@@ -112,7 +112,7 @@ QString SymbolToolTip(SymbolKind kind, int number, int handheldHalf)
     if (path.isEmpty())
         return words;
     const int width = GeometryOf(kind).width * ToolTipFactor;
-    return QStringLiteral("<p>%1</p><img src=\"%2\" width=\"%3\">")
+    return QStringLiteral("%1<br><img src=\"%2\" width=\"%3\">") // a paragraph of its own would leave an empty third
         .arg(words, QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded))
         .arg(width);
 }

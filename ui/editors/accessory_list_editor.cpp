@@ -109,7 +109,8 @@ void AccessoryListEditor::actOn(int row, int column)
     if (column == DesignationColumn)
         takeDesignation(row, *text);
     else if (!takeAddress(row, RoundedVal(*text)))
-        grid->setText(row, AddressColumn, QStringLiteral("ERR!"));
+        showRefused(row, AddressColumn, QStringLiteral("1 bis %1").arg(LastAccessoryAddress),
+            QString::number(PlaceOfRow(row).address));
 }
 
 /// False when the address is none; the place keeps its own then.
@@ -166,9 +167,19 @@ void AccessoryListEditor::takeDesignation(int row, const QString &text)
     LayPlaceOfRow(row, place);
 }
 
+/// A place that was never used shows the erased address.
+void AccessoryListEditor::showLooks()
+{
+    for (int row = 0; row < PlaceCount; ++row) {
+        const bool empty = PlaceOfRow(row).address == AccessoryPlace().address;
+        for (const int column : {AddressColumn, DesignationColumn})
+            grid->setPale(row, column, empty);
+    }
+}
+
 void AccessoryListEditor::pickSymbol(int row)
 {
-    const int chosen = pickAccessorySymbol(symbolOf(row));
+    const int chosen = pickAccessorySymbol(symbolOf(row), QStringLiteral("Symbol für Platz %1").arg(row + 1));
     if (chosen == NothingChosen)
         return;
     setSymbol(row, chosen);

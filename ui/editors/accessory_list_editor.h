@@ -32,6 +32,7 @@ private:
     static bool takeAddress(int row, int address);
     void takeDesignation(int row, const QString &text);
     void pickSymbol(int row);
+    void showLooks() override;
 };
 
 } // namespace hr::ui

@@ -39,8 +39,10 @@ AssignmentEditor::AssignmentEditor() : BlockEditor(Look(), MagSymZuordLoaded)
     grid->selectRows();
     grid->letRowsDecide();
     grid->setCurrentCell(0, RedColumn);
-    NamedAction(QStringLiteral("SymbolAction"), QStringLiteral("Symbol für die markierten Zeilen wählen"), {}, grid,
-        [this] { Q_EMIT grid->cellActed(grid->currentRow(), grid->currentColumn()); });
+    QAction *pick =
+        NamedAction(QStringLiteral("SymbolAction"), QStringLiteral("Symbol für die markierten Zeilen wählen"), {},
+            grid, [this] { Q_EMIT grid->cellActed(grid->currentRow(), grid->currentColumn()); });
+    addEdit(pick);
 }
 
 Outcome AssignmentEditor::readTable()
@@ -109,7 +111,9 @@ bool AssignmentEditor::takesInput(int /*column*/) const
 void AssignmentEditor::actOn(int row, int /*column*/)
 {
     const std::vector<int> rows = rowsToPickFor(row);
-    const int chosen = pickAccessorySymbol(EntryOfRow(row));
+    const QString purpose = rows.size() == 1 ? QStringLiteral("Symbol für Adresse %1").arg(row + 1)
+                                             : QStringLiteral("Symbol für %1 markierte Adressen").arg(rows.size());
+    const int chosen = pickAccessorySymbol(EntryOfRow(row), purpose);
     grid->setCurrentCell(row, RedColumn);
     for (const int marked : rows) { // they stay marked, whatever was clicked meanwhile
         grid->selectionModel()->select(

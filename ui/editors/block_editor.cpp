@@ -16,6 +16,7 @@
 #include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -26,7 +27,6 @@ namespace hr::ui
 namespace
 {
 constexpr int RowHeight = 24;
-constexpr int RowMargin = 6; // around the text, where the font is larger than usual
 constexpr int WindowHeight = 600;
 constexpr int ScreenMargin = 80; // room for the window's frame and a task bar
 constexpr int LeastRowsShown = 6;
@@ -43,14 +43,18 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , cancelBut(NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this))
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
     , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
-    , unreadLbl(NamedLabel(QStringLiteral("NichtGelesenLbl"),
-          QStringLiteral("Noch nicht gelesen – beim Lesen gehen Änderungen verloren"), this))
+    , menus(new QMenuBar(this))
+    , unreadLbl(
+          NamedLabel(QStringLiteral("NichtGelesenLbl"), QStringLiteral("Beim Lesen gehen Änderungen verloren"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
     buildGrid(look);
     buildLayout();
     addEdits();
+    QMenu *edits = menus->addMenu(QStringLiteral("Bearbeiten"));
+    edits->addActions(grid->actions()); // the same as under the right mouse button
+    AltKey(edits, Qt::Key_B);
     resize(sizeHint().width(), qMin(WindowHeight, screen()->availableSize().height() - ScreenMargin));
     connect(readBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::read); });
     connect(writeBut, &QPushButton::clicked, this, [this] { runCommand(&BlockEditor::write); });
@@ -72,11 +76,7 @@ void BlockEditor::buildGrid(const BlockEditorLook &look)
     grid->setObjectName(look.gridName);
     grid->setAccessibleName(look.caption);
     grid->setHorizontalHeaderLabels(look.headings);
-    grid->verticalHeader()->setDefaultSectionSize(qMax(RowHeight, fontMetrics().height() + RowMargin));
-    for (int i = 0; i < grid->columnCount(); ++i) {
-        const int width = look.columnWidths.at(static_cast<size_t>(i));
-        grid->setColumnWidth(i, qMax(width, grid->horizontalHeader()->sectionSizeHint(i)));
-    }
+    grid->measure(look.columnWidths, RowHeight);
     for (int row = 0; row < look.rows; ++row)
         grid->setText(row, 0, QString::number(row + 1));
     grid->setMinimumHeight(RowHeight * LeastRowsShown);
@@ -87,6 +87,7 @@ void BlockEditor::buildGrid(const BlockEditorLook &look)
 void BlockEditor::buildLayout()
 {
     auto *buttons = new QHBoxLayout;
+    SameWidth({readBut, writeBut});
     buttons->addWidget(readBut);
     buttons->addWidget(writeBut);
     buttons->addWidget(changedLbl);
@@ -94,6 +95,7 @@ void BlockEditor::buildLayout()
     buttons->addStretch();
     buttons->addWidget(cancelBut);
     auto *layout = new QVBoxLayout(this);
+    layout->setMenuBar(menus);
     layout->addWidget(unreadLbl, 0, Qt::AlignHCenter);
     layout->addWidget(grid, 1, Qt::AlignHCenter);
     layout->addLayout(buttons);
@@ -105,6 +107,8 @@ void BlockEditor::showEvent(QShowEvent *event)
         written = entries();
     updateMarks();
     QWidget::showEvent(event);
+    if (!tableLoaded)
+        readBut->setFocus();
 }
 
 void BlockEditor::hideEvent(QHideEvent *event)
@@ -143,6 +147,8 @@ void BlockEditor::read(const Command &command)
     const Outcome outcome = readTable();
     if (outcome.brokenOff())
         return;
+    if (!tableLoaded && readBut->hasFocus())
+        grid->setFocus();
     tableLoaded = true;
     history.stack().clear();
     written = entries();
@@ -194,6 +200,9 @@ void BlockEditor::updateMarks()
 {
     writeBut->setEnabled(tableLoaded);
     unreadLbl->setVisible(!tableLoaded);
+    grid->veil(tableLoaded ? QString() : QStringLiteral("Noch nicht gelesen"));
+    setDefaultButton(tableLoaded ? nullptr : readBut);
+    showLooks();
     changedLbl->setVisible(hasUnwrittenChanges());
     doubtLbl->setVisible(!complete);
 }
@@ -204,9 +213,21 @@ void BlockEditor::showSymbol(int row)
     ShowSymbol(grid, row, redColumn() + 1, SymbolKind::Accessory, symbolOf(row), HalfOn);
 }
 
-int BlockEditor::pickAccessorySymbol(int present)
+void BlockEditor::addEdit(QAction *action)
 {
-    const int chosen = PickSymbol(SymbolKind::Accessory, present);
+    menus->actions().constFirst()->menu()->addAction(action);
+}
+
+void BlockEditor::showRefused(int row, int column, const QString &allowed, const QString &kept)
+{
+    grid->setText(row, column, QStringLiteral("ERR!"));
+    const QString words = QStringLiteral("erlaubt sind %1, gespeichert bleibt %2").arg(allowed, kept);
+    grid->setWords(row, column, words, QStringLiteral("ERR!, ") + words);
+}
+
+int BlockEditor::pickAccessorySymbol(int present, const QString &purpose)
+{
+    const int chosen = PickSymbol(SymbolKind::Accessory, present, purpose);
     activateWindow(); // the picker has no owner: without this the main window may come forward
     return chosen;
 }

@@ -18,7 +18,9 @@
 #include <optional>
 #include <vector>
 
+class QAction;
 class QLabel;
+class QMenuBar;
 class QPushButton;
 
 namespace hr::ui
@@ -102,7 +104,16 @@ protected:
     void change(const std::function<void()> &work);
 
     /// Lets the user pick an accessory symbol; NothingChosen when none was. The present one is shown first.
-    int pickAccessorySymbol(int present);
+    int pickAccessorySymbol(int present, const QString &purpose);
+
+    /// Shows that a cell took an input for none, and in its tool tip which ones it takes and what it keeps.
+    void showRefused(int row, int column, const QString &allowed, const QString &kept);
+
+    /// A command of the grid that also stands in the menu "Bearbeiten".
+    void addEdit(QAction *action);
+
+    /// What is shown differently because of what it says, after every change.
+    virtual void showLooks() { }
 
     Grid *grid;
     CellInput *input;
@@ -143,7 +154,8 @@ private:
     QPushButton *cancelBut;
     QLabel *doubtLbl;
     QLabel *changedLbl; // beside the write button
-    QLabel *unreadLbl;  // above the grid
+    QMenuBar *menus;
+    QLabel *unreadLbl; // above the grid
 };
 
 } // namespace hr::ui

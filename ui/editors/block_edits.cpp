@@ -36,13 +36,14 @@ void BlockEditor::addEdits()
 {
     grid->setContextMenuPolicy(Qt::ActionsContextMenu);
     AddUndoActions(
-        grid, [this] { travel(&QUndoStack::undo); }, [this] { travel(&QUndoStack::redo); });
+        grid, history.stack(), [this] { travel(&QUndoStack::undo); }, [this] { travel(&QUndoStack::redo); });
     const auto add = [this](const char *name, const QString &caption, const QKeySequence &key, auto work) {
         QAction *action = NamedAction(QLatin1String(name), caption, key, grid, [this, work] { (this->*work)(); });
         action->setShortcutContext(Qt::WidgetShortcut); // in the text box the keys mean its own text
+        return action;
     };
     add("CopyAction", QStringLiteral("Markierte Zellen kopieren"), QKeySequence::Copy, &BlockEditor::copyCells);
-    add("PasteAction", QStringLiteral("Einfügen"), QKeySequence::Paste, &BlockEditor::pasteCells);
+    FollowClipboard(add("PasteAction", QStringLiteral("Einfügen"), QKeySequence::Paste, &BlockEditor::pasteCells));
     add("FillAction", QStringLiteral("Nach unten ausfüllen"), Qt::CTRL | Qt::Key_D, &BlockEditor::fillDown);
 }
 

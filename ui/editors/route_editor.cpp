@@ -134,8 +134,11 @@ bool RouteEditor::typeAddress(int row)
     const auto text = input->ask(row, AddressColumn);
     if (!text)
         return false;
-    const bool taken = takeAddress(row, Val(*text));
-    grid->setText(row, AddressColumn, taken ? *text : QStringLiteral("ERR!"));
+    if (takeAddress(row, Val(*text)))
+        grid->setText(row, AddressColumn, *text);
+    else
+        showRefused(row, AddressColumn, QStringLiteral("1 bis %1").arg(LastFeedbackAddress),
+            AddressText(RouteOfRow(row).feedback));
     return true;
 }
 

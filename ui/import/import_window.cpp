@@ -97,12 +97,11 @@ void ImportWindow::buildGrid()
     grid->horizontalHeader()->setSectionsClickable(true);
     grid->horizontalHeader()->setSortIndicatorShown(true);
     grid->horizontalHeader()->setToolTip(QStringLiteral("Klick: nach dieser Spalte sortieren"));
-    grid->verticalHeader()->setDefaultSectionSize(RowHeight);
-    for (int column = FirstFunctionColumn; column < ColumnCount; ++column)
-        grid->setColumnWidth(column, FunctionWidth);
-    grid->setColumnWidth(AddressColumn, AddressWidth);
-    grid->setColumnWidth(NameColumn, NameWidth);
-    grid->setColumnWidth(SymbolColumn, SymbolWidthPixels);
+    std::vector<int> widths(ColumnCount, FunctionWidth);
+    widths.at(AddressColumn) = AddressWidth;
+    widths.at(NameColumn) = NameWidth;
+    widths.at(SymbolColumn) = SymbolWidthPixels;
+    grid->measure(widths, RowHeight);
 }
 
 void ImportWindow::buildLayout()

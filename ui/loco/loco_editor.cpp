@@ -567,22 +567,26 @@ void LocoEditor::buildContextMenu()
 {
     setContextMenuPolicy(Qt::ActionsContextMenu);
     AddUndoActions(
-        this, [this] { undo(); }, [this] { redo(); });
+        this, history.stack(), [this] { undo(); }, [this] { redo(); });
     auto *line = new QAction(this);
     line->setSeparator(true);
     addAction(line);
     const auto add = [this](const char *name, const QString &caption, const std::function<void()> &work) {
-        NamedAction(QLatin1String(name), caption, {}, this, work);
+        return NamedAction(QLatin1String(name), caption, {}, this, work);
     };
     const auto copy = [this] {
         copied = CurrentLoco;
         copiedComplete = complete;
         hasCopy = true;
+        for (QAction *action : pastes)
+            action->setEnabled(true);
     };
     add("LokKopieren", QStringLiteral("Lokdatensatz kopieren"), copy);
-    add("LokEinfuegen", QStringLiteral("Lokdatensatz einfügen"), [this] { paste(false); });
+    pastes += add("LokEinfuegen", QStringLiteral("Lokdatensatz einfügen"), [this] { paste(false); });
     add("FunktionenKopieren", QStringLiteral("Funktionen kopieren"), copy);
-    add("FunktionenEinfuegen", QStringLiteral("Funktionen einfügen"), [this] { paste(true); });
+    pastes += add("FunktionenEinfuegen", QStringLiteral("Funktionen einfügen"), [this] { paste(true); });
+    for (QAction *action : pastes)
+        action->setEnabled(false);
     add("FunktionenUebertragen", QStringLiteral("Funktionen auf andere Adressen übertragen…"),
         [this] { spreadFunctions(); });
 }
@@ -641,11 +645,13 @@ void LocoEditor::actOnFunction(int row, int column)
         toggleMomentary(row);
         return;
     }
-    const int chosen = PickSymbol(SymbolKind::Function, record.symbols.at(static_cast<size_t>(row)));
+    const int chosen = PickSymbol(
+        SymbolKind::Function, record.symbols.at(static_cast<size_t>(row)), QStringLiteral("Symbol für f%1").arg(row));
     if (chosen == NothingChosen)
         return;
     change([this, row, chosen] { record.symbols.at(static_cast<size_t>(row)) = chosen; });
     showFunctionSymbols(row);
+    fktTab->setCurrentCell(qMin(row + 1, FunctionCount - 1), column); // on with the next one
 }
 
 void LocoEditor::pickLocoSymbol()
@@ -653,7 +659,8 @@ void LocoEditor::pickLocoSymbol()
     const Command command;
     if (!command.ok())
         return;
-    const int chosen = PickSymbol(SymbolKind::Loco, record.locoSymbol);
+    const QString purpose = address() > 0 ? QStringLiteral("Symbol für Lok %1").arg(address()) : QString();
+    const int chosen = PickSymbol(SymbolKind::Loco, record.locoSymbol, purpose);
     if (chosen == NothingChosen)
         return;
     change([this, chosen] { record.locoSymbol = chosen; });

@@ -11,6 +11,7 @@
 
 #include <QGroupBox>
 
+class QAction;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
@@ -118,7 +119,8 @@ private:
     ShownLoco copied;     // by the context menu; valid when something was copied
     bool copiedComplete = true;
     bool hasCopy = false;
-    TypeSearch search; // in the grid
+    QList<QAction *> pastes; // grey until something was copied
+    TypeSearch search;       // in the grid
     SnapshotHistory<State> history;
     HeldLoco held;
 };

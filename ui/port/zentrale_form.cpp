@@ -32,8 +32,42 @@ namespace hr::ui
 
 namespace
 {
+
 constexpr int PortNameRole = Qt::UserRole + 1;
+
+/// Why the port could not be opened; empty when it was, or when nobody has tried.
+QString PortFaultText()
+{
+    const QString port = PortPath(PortNumber.text);
+    switch (Comm().fault()) {
+    case PortFault::None:
+        return {};
+    case PortFault::NotThere:
+        return port.isEmpty() ? QString() : QStringLiteral("Den Anschluss %1 gibt es nicht.\n").arg(port);
+    case PortFault::NotAllowed:
+        return QStringLiteral("Für den Anschluss %1 fehlt die Berechtigung:\n"
+                              "Der Benutzer muss zur Gruppe dialout gehören\n"
+                              "(sudo adduser NAME dialout, dann neu anmelden).\n")
+            .arg(port);
+    case PortFault::InUse:
+        return QStringLiteral("Den Anschluss %1 benutzt schon ein anderes Programm.\n").arg(port);
+    case PortFault::Other:
+        return QStringLiteral("Der Anschluss %1 lässt sich nicht öffnen.\n").arg(port);
+    }
+    Q_UNREACHABLE();
 }
+
+/// Why the window has come up, and what is to be done.
+QString Reason()
+{
+    if (!SelectionAwaited)
+        return QStringLiteral("Woran ist das Interface angeschlossen, und welches ist es?");
+    const QString fault = PortFaultText();
+    return (fault.isEmpty() ? QStringLiteral("Es wurde kein Handregler gefunden. ") : fault)
+        + QStringLiteral("Bitte wählen Sie,\nworan das Interface angeschlossen ist und welches es ist.");
+}
+
+} // namespace
 
 ZentraleForm::ZentraleForm()
     : LeavableWindow(nullptr, Qt::Dialog)
@@ -174,10 +208,7 @@ void ZentraleForm::offerPorts()
 
 void ZentraleForm::load()
 {
-    reasonLbl->setText(SelectionAwaited
-            ? QStringLiteral("Es wurde kein Handregler gefunden. Bitte wählen Sie,\n"
-                             "woran das Interface angeschlossen ist und welches es ist.")
-            : QStringLiteral("Woran ist das Interface angeschlossen, und welches ist es?"));
+    reasonLbl->setText(Reason());
     cancelButton->setToolTip(SelectionAwaited ? QStringLiteral("beendet das Programm") : QString());
     withoutButton->setVisible(SelectionAwaited);
     comPortNrTxt->setText(PortNumber.text.isEmpty() ? likelyPort() : PortNumber.text);

@@ -40,7 +40,7 @@ void PixelPreview::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::white);
-    DrawCrisp(painter, rect(), QPixmap::fromImage(ImageOf(picture.painted())), palette());
+    DrawCrisp(painter, rect(), QPixmap::fromImage(ImageOf(picture.painted())), Qt::black);
 }
 
 PixelCanvas::PixelCanvas(

@@ -234,12 +234,11 @@ void PixelEditor::showCell(const QRect &cell)
 
 Picture PixelEditor::edit(const Picture &wanted)
 {
-    const QRect clicked = ActedPlace();
     picture = EditedPicture(wanted);
     setUp();
     history.clear();
     PixelEditDone = 0;
-    presentBeside(clicked);
+    present();
     canvas->setFocus();
     if (!PumpUntil([this] { return PixelEditDone == 1; }))
         leave();

@@ -225,7 +225,7 @@ void SymbolEditor::buildLayout()
         layout->addWidget(buildHalves());
     auto *buttons = new QGridLayout;
     buttons->addWidget(readBut, 0, 0);
-    buttons->addWidget(writeBut, 0, 1);
+    buttons->addWidget(writeBut, 0, 1, Qt::AlignLeft); // as wide as the others
     buttons->addWidget(editBut, 1, 0);
     auto *marks = new QVBoxLayout;
     marks->setSpacing(0);

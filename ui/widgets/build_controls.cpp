@@ -3,11 +3,15 @@
 #include "ui/widgets/picture_box.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QPalette>
 #include <QPushButton>
+#include <QUndoStack>
 
 namespace hr::ui
 {
@@ -87,12 +91,28 @@ QAction *NamedAction(const QString &name, const QString &caption, const QKeySequ
     return action;
 }
 
-void AddUndoActions(QWidget *owner, const std::function<void()> &undo, const std::function<void()> &redo)
+void AddUndoActions(
+    QWidget *owner, const QUndoStack &steps, const std::function<void()> &undo, const std::function<void()> &redo)
 {
-    NamedAction(QStringLiteral("UndoAction"), QStringLiteral("Rückgängig"), Qt::CTRL | Qt::Key_Z, owner, undo);
+    auto *back =
+        NamedAction(QStringLiteral("UndoAction"), QStringLiteral("Rückgängig"), Qt::CTRL | Qt::Key_Z, owner, undo);
     auto *again =
         NamedAction(QStringLiteral("RedoAction"), QStringLiteral("Wiederholen"), Qt::CTRL | Qt::Key_Y, owner, redo);
     again->setShortcuts({again->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    back->setEnabled(steps.canUndo());
+    again->setEnabled(steps.canRedo());
+    QObject::connect(&steps, &QUndoStack::canUndoChanged, back, &QAction::setEnabled);
+    QObject::connect(&steps, &QUndoStack::canRedoChanged, again, &QAction::setEnabled);
+}
+
+void FollowClipboard(QAction *paste)
+{
+    const auto follow = [paste] {
+        const QMimeData *held = QGuiApplication::clipboard()->mimeData();
+        paste->setEnabled(held != nullptr && held->hasText());
+    };
+    QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, paste, follow);
+    follow();
 }
 
 void MarkField(QLineEdit *field, const QString &fault)

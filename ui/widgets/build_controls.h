@@ -14,6 +14,7 @@ class QFrame;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QUndoStack;
 class QWidget;
 
 namespace hr::ui
@@ -37,8 +38,13 @@ PictureBox *NamedPicture(const QString &name, const QString &accessibleName, int
 QAction *NamedAction(const QString &name, const QString &caption, const QKeySequence &key, QWidget *owner,
     const std::function<void()> &work);
 
-/// "Rückgängig" and "Wiederholen" (UndoAction, RedoAction) with their keys, valid in the owner's window.
-void AddUndoActions(QWidget *owner, const std::function<void()> &undo, const std::function<void()> &redo);
+/// "Rückgängig" and "Wiederholen" (UndoAction, RedoAction) with their keys, valid in the owner's window; grey while there is
+/// no such step.
+void AddUndoActions(
+    QWidget *owner, const QUndoStack &steps, const std::function<void()> &undo, const std::function<void()> &redo);
+
+/// A paste command is grey while the clipboard holds no text.
+void FollowClipboard(QAction *paste);
 
 /// Marks a field as wrong and names the fault to those who point at it or have it read aloud; an empty fault takes
 /// the mark away.

@@ -1,7 +1,7 @@
 #include "ui/widgets/crisp_picture.h"
 
+#include <QColor>
 #include <QPainter>
-#include <QPalette>
 #include <QPixmap>
 
 #include <algorithm>
@@ -13,23 +13,18 @@ namespace hr::ui
 namespace
 {
 
-constexpr int DarkMargin = 2; // pixels of the picture
-constexpr int HalfLight = 128;
-
-bool IsDark(const QPalette &palette)
+/// The picture in one colour, the more transparent the lighter it was.
+QImage InColour(const QImage &picture, const QColor &ink)
 {
-    return palette.color(QPalette::Base).lightness() < HalfLight;
-}
-
-bool IsEmpty(const QImage &image)
-{
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (qGray(image.pixel(x, y)) < HalfLight)
-                return false;
+    QImage coloured(picture.size(), QImage::Format_ARGB32);
+    constexpr int White = 255;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const int darkness = White - qGray(picture.pixel(x, y));
+            coloured.setPixel(x, y, qRgba(ink.red(), ink.green(), ink.blue(), darkness));
         }
     }
-    return true;
+    return coloured;
 }
 
 int FactorIn(QSize room, QSize picture, double scale)
@@ -52,12 +47,8 @@ QSize CrispRoom(QSize pixels, double scale)
         static_cast<int>(std::ceil(pixels.width() * grown)), static_cast<int>(std::ceil(pixels.height() * grown))};
 }
 
-void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QPalette &palette)
+void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QColor &ink)
 {
-    const QImage image = picture.toImage();
-    const bool dark = IsDark(palette);
-    if (dark && IsEmpty(image))
-        return;
     const double scale = painter.device()->devicePixelRatioF();
     // Everything is placed in device pixels: at a broken scale logical ones lie between them.
     const QTransform toDevice = painter.deviceTransform();
@@ -66,15 +57,10 @@ void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, con
     const int factor = FactorIn(room.size(), natural, scale);
     QRect place(QPoint(), natural * factor);
     place.moveTopLeft(room.center() - place.center());
-    const QTransform toLogical = toDevice.inverted();
-    if (dark) {
-        const int margin = DarkMargin * factor;
-        const QRect white = place.adjusted(-margin, -margin, margin, margin).intersected(room);
-        painter.fillRect(toLogical.mapRect(QRectF(white)), Qt::white);
-    }
     const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter.drawImage(toLogical.mapRect(QRectF(place)), image.scaled(natural * factor));
+    painter.drawImage(
+        toDevice.inverted().mapRect(QRectF(place)), InColour(picture.toImage(), ink).scaled(natural * factor));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
 }
 

@@ -6,8 +6,8 @@
 
 #include <QSize>
 
+class QColor;
 class QPainter;
-class QPalette;
 class QPixmap;
 class QRect;
 
@@ -21,9 +21,8 @@ int CrispFactor(double scale);
 /// scale; at least the same number of logical pixels.
 QSize CrispRoom(QSize pixels, double scale);
 
-/// Paints a picture in the middle of an area (logical pixels), smaller where it has no room otherwise. In a dark palette
-/// it gets a white margin of two of its pixels, as far as the area reaches, and an empty picture is not painted at all:
-/// as on a light one nothing is seen of it.
-void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QPalette &palette);
+/// Paints a picture in the middle of an area (logical pixels), smaller where it has no room otherwise: its black pixels
+/// in the colour of a text, the white ones not at all.
+void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QColor &ink);
 
 } // namespace hr::ui

@@ -1,6 +1,7 @@
 #include "ui/widgets/grid.h"
 
 #include "ui/widgets/crisp_picture.h"
+#include "ui/widgets/picture_delegate.h"
 
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -19,6 +20,8 @@ namespace
 {
 
 constexpr int TextMargin = 1; // narrow columns need all their width for the text
+constexpr int VeilDensity = 170;
+constexpr int RowMargin = 6; // around the text, where the font is larger than usual
 
 /// Paints pictures in the middle of the cell, and centred texts without Qt's wide margins.
 class CentredPictures : public QStyledItemDelegate
@@ -32,7 +35,7 @@ public:
         const auto picture = index.data(Grid::PictureRole).value<QPixmap>();
         if (picture.isNull())
             return;
-        DrawCrisp(*painter, option.rect, picture, option.palette);
+        DrawCrisp(*painter, option.rect, picture, InkOf(option));
     }
 
 private:
@@ -45,8 +48,7 @@ private:
         cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
         if (text.isEmpty())
             return;
-        const bool selected = (cell.state & QStyle::State_Selected) != 0;
-        painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+        painter->setPen(InkOf(cell));
         const QRect area = cell.rect.adjusted(TextMargin, 0, -TextMargin, 0);
         painter->drawText(area, Qt::AlignCenter, cell.fontMetrics.elidedText(text, Qt::ElideRight, area.width()));
     }
@@ -72,6 +74,42 @@ Grid::Grid(int rows, int columns, QWidget *parent)
     input->setAlignment(Qt::AlignCenter);
     input->hide();
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &Grid::placeInput);
+}
+
+void Grid::setPale(int row, int column, bool pale)
+{
+    const QVariant colour = pale ? QVariant(QBrush(palette().color(QPalette::PlaceholderText))) : QVariant();
+    if (cellItem(row, column)->data(Qt::ForegroundRole) != colour)
+        cellItem(row, column)->setData(Qt::ForegroundRole, colour);
+}
+
+void Grid::veil(const QString &text)
+{
+    veilText = text;
+    setAccessibleDescription(text);
+    viewport()->update();
+}
+
+void Grid::paintEvent(QPaintEvent *event)
+{
+    QTableWidget::paintEvent(event);
+    if (veilText.isEmpty())
+        return;
+    QPainter painter(viewport());
+    QColor grey = palette().color(QPalette::Window);
+    grey.setAlpha(VeilDensity);
+    painter.fillRect(viewport()->rect(), grey);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter, veilText);
+}
+
+void Grid::measure(const std::vector<int> &columnWidths, int rowHeight)
+{
+    verticalHeader()->setDefaultSectionSize(qMax(rowHeight, fontMetrics().height() + RowMargin));
+    for (size_t i = 0; i < columnWidths.size(); ++i) {
+        const auto column = static_cast<int>(i);
+        setColumnWidth(column, qMax(columnWidths.at(i), horizontalHeader()->sectionSizeHint(column)));
+    }
 }
 
 void Grid::hugColumns()
@@ -116,7 +154,10 @@ QTableWidgetItem *Grid::cellItem(int row, int column)
 
 void Grid::setText(int row, int column, const QString &text)
 {
-    cellItem(row, column)->setText(text);
+    QTableWidgetItem *cell = cellItem(row, column);
+    cell->setText(text);
+    if (!cell->toolTip().isEmpty())
+        setWords(row, column, QString(), QString());
 }
 
 QString Grid::text(int row, int column) const

@@ -24,6 +24,7 @@ public:
 
     Grid(int rows, int columns, QWidget *parent);
 
+    /// Also takes the words away that belonged to the text before.
     void setText(int row, int column, const QString &text);
     [[nodiscard]] QString text(int row, int column) const;
 
@@ -32,6 +33,15 @@ public:
 
     /// Says in words what a cell's picture shows: to those who point at it, and to screen readers.
     void setWords(int row, int column, const QString &toolTip, const QString &spoken);
+
+    /// A text that counts less than the others of its column.
+    void setPale(int row, int column, bool pale);
+
+    /// Greys the grid and lays a text over its middle; an empty one takes both away.
+    void veil(const QString &text);
+
+    /// Columns and rows of these sizes, or larger ones where the font needs them.
+    void measure(const std::vector<int> &columnWidths, int rowHeight);
 
     /// Makes the grid so wide that all columns and the vertical scroll bar fit.
     void fixWidthToColumns();
@@ -80,6 +90,7 @@ Q_SIGNALS:
 
 protected:
     void updateGeometries() override;
+    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -93,6 +104,7 @@ private:
     void placeInput();
 
     QLineEdit *input;
+    QString veilText;
     QPersistentModelIndex inputCell;
     bool severalRows = false;
     bool rowDecides = false;

@@ -26,6 +26,8 @@ void LeavableWindow::presentBeside(const QRect &place)
             resize(size().boundedTo(room)); // whatever its contents would like
         if (!place.isEmpty())
             move(PositionBeside(size(), place, on->availableGeometry()));
+        else if (const QWidget *front = FrontWindow(this))
+            PlaceOver(*this, front->frameGeometry());
         presentedSize = size();
     }
     show();
@@ -35,8 +37,11 @@ void LeavableWindow::presentBeside(const QRect &place)
 
 void LeavableWindow::setDefaultButton(QPushButton *button)
 {
+    if (defaultButton != nullptr)
+        defaultButton->setDefault(false);
     defaultButton = button;
-    button->setDefault(true); // its frame shows it
+    if (defaultButton != nullptr)
+        defaultButton->setDefault(true); // its frame shows it
 }
 
 void LeavableWindow::leave()

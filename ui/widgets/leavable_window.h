@@ -17,15 +17,15 @@ class LeavableWindow : public QWidget
 public:
     using QWidget::QWidget;
 
-    /// Shows the window and brings it forward. It has the size that the user gave it last, in this run or an earlier
-    /// one, but is never larger than the screen.
+    /// Shows the window and brings it forward; one that was hidden appears over the middle of the one in front. It has the
+    /// size that the user gave it last, in this run or an earlier one, but is never larger than the screen.
     void present();
 
     /// The same; a window that was hidden appears beside a place of the screen (logical pixels; an empty one means
     /// nowhere in particular).
     void presentBeside(const QRect &place);
 
-    /// Enter presses this button wherever nothing else takes it.
+    /// Enter presses this button wherever nothing else takes it; none with null.
     void setDefaultButton(QPushButton *button);
 
 protected:

@@ -51,7 +51,7 @@ void PictureBox::paintEvent(QPaintEvent *event)
     QLabel::paintEvent(event);
     QPainter painter(this);
     if (!picture.isNull())
-        DrawCrisp(painter, contentsRect(), picture, palette());
+        DrawCrisp(painter, contentsRect(), picture, palette().color(QPalette::Text));
     if (!hasFocus())
         return;
     painter.setPen(QPen(palette().color(QPalette::Highlight), 2));

@@ -16,6 +16,13 @@ namespace
 constexpr int MarkMargin = 4;
 } // namespace
 
+QColor InkOf(const QStyleOptionViewItem &cell)
+{
+    const bool selected = (cell.state & QStyle::State_Selected) != 0;
+    const auto group = (cell.state & QStyle::State_Enabled) != 0 ? QPalette::Active : QPalette::Disabled;
+    return cell.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text);
+}
+
 void PictureDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const auto picture = index.data(PictureRole).value<QPixmap>();
@@ -28,9 +35,8 @@ void PictureDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const QString mark = std::exchange(cell.text, QString());
     cell.widget->style()->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
     const int markWidth = mark.isEmpty() ? 0 : cell.fontMetrics.horizontalAdvance(mark) + MarkMargin;
-    DrawCrisp(*painter, cell.rect.adjusted(0, 0, -markWidth, 0), picture, cell.palette);
-    const bool selected = (cell.state & QStyle::State_Selected) != 0;
-    painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+    DrawCrisp(*painter, cell.rect.adjusted(0, 0, -markWidth, 0), picture, InkOf(cell));
+    painter->setPen(InkOf(cell));
     painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);
 }
 

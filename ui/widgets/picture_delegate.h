@@ -8,6 +8,9 @@
 namespace hr::ui
 {
 
+/// The colour of a cell's text, which its picture has too.
+QColor InkOf(const QStyleOptionViewItem &cell);
+
 class PictureDelegate : public QStyledItemDelegate
 {
 public:

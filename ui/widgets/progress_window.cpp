@@ -1,6 +1,7 @@
 #include "ui/widgets/progress_window.h"
 
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/window_place.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -27,7 +28,7 @@ QString TimeText(double seconds)
 {
     const int whole = static_cast<int>(seconds) + 1;
     if (whole < 60)
-        return QStringLiteral("noch %1 Sekunden").arg(whole);
+        return whole == 1 ? QStringLiteral("noch 1 Sekunde") : QStringLiteral("noch %1 Sekunden").arg(whole);
     const int minutes = (whole + 59) / 60;
     if (minutes < 60)
         return minutes == 1 ? QStringLiteral("noch 1 Minute") : QStringLiteral("noch %1 Minuten").arg(minutes);
@@ -64,12 +65,15 @@ ProgressWindow::ProgressWindow()
     layout->setSizeConstraint(QLayout::SetMinAndMaxSize);
 }
 
-void ProgressWindow::showText(const QString &text, bool closable)
+void ProgressWindow::showText(const QString &text, bool closable, const QWidget &front)
 {
     ausgabeLbl->setText(text);
     if (isVisible())
         return;
     setWindowFlag(Qt::WindowCloseButtonHint, closable);
+    adjustSize();
+    BelongTo(*this, &front); // so that it never hides behind it
+    PlaceOver(*this, front.frameGeometry());
     show();
     raise();
 }

@@ -22,9 +22,9 @@ class ProgressWindow : public QWidget
 public:
     ProgressWindow();
 
-    /// Shows the window with a text, or changes the text of the visible one. Only a window that may be closed has a
-    /// close box; that is settled when it appears.
-    void showText(const QString &text, bool closable);
+    /// Shows the window with a text over the one in front, or changes the text of the visible one. Only a window that may be
+    /// closed has a close box; that is settled when it appears.
+    void showText(const QString &text, bool closable, const QWidget &front);
 
     /// How far a long job has come (0 <= done <= all) and how many seconds are left (negative: not known). The window
     /// takes the focus the first time, so that Escape reaches it.

@@ -3,8 +3,10 @@
 #include "ui/widgets/grid.h"
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QScreen>
 #include <QSettings>
+#include <QWindow>
 
 #include <array>
 
@@ -75,6 +77,37 @@ QPoint PositionInMiddle(QSize inside, const QRect &screen)
 {
     const QSize left = (screen.size() - inside - FrameSize).expandedTo(QSize(0, 0));
     return screen.topLeft() + QPoint(left.width() / 2, left.height() / 2);
+}
+
+QWidget *FrontWindow(const QWidget *except)
+{
+    QWidget *active = QApplication::activeWindow();
+    if (active != nullptr && active != except)
+        return active;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window != except && window->isVisible() && qobject_cast<QMainWindow *>(window) != nullptr)
+            return window;
+    }
+    return nullptr;
+}
+
+void PlaceOver(QWidget &window, const QRect &front)
+{
+    const QRect room = ScreenOf(front)->availableGeometry();
+    const QSize size = window.size() + FrameSize;
+    QRect place(front.center() - QPoint(size.width() / 2, size.height() / 2), size);
+    place.moveRight(qMin(place.right(), room.right()));
+    place.moveBottom(qMin(place.bottom(), room.bottom()));
+    place.moveLeft(qMax(place.left(), room.left())); // where it is larger than the screen its title counts
+    place.moveTop(qMax(place.top(), room.top()));
+    window.move(place.topLeft());
+}
+
+void BelongTo(QWidget &window, const QWidget *front)
+{
+    window.winId(); // makes the window that is told
+    if (front != nullptr && front->windowHandle() != nullptr)
+        window.windowHandle()->setTransientParent(front->windowHandle());
 }
 
 void KeepWindowSizesIn(const QString &iniFile)

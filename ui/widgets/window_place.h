@@ -30,6 +30,15 @@ QPoint PositionBeside(QSize inside, const QRect &place, const QRect &screen);
 /// Where the frame of a window with this inside goes to be in the middle of the screen; its title is always on it.
 QPoint PositionInMiddle(QSize inside, const QRect &screen);
 
+/// The window that the user sees in front of the others, this one not counted: the active one, else the main window.
+QWidget *FrontWindow(const QWidget *except);
+
+/// Puts a window that is not shown yet over the middle of another one, wholly on its screen.
+void PlaceOver(QWidget &window, const QRect &front);
+
+/// Tells the window system over which window this one belongs.
+void BelongTo(QWidget &window, const QWidget *front);
+
 /// From now on sizes of windows are kept in this file, between runs too; an empty name ends it. A file that cannot be
 /// read or written means that windows open with the sizes that they were given.
 void KeepWindowSizesIn(const QString &iniFile);

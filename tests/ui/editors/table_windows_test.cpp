@@ -398,7 +398,18 @@ TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
         return !window->findChild<QLabel *>(QLatin1String(name))->isHidden();
     };
     EXPECT_TRUE(shown("NichtGelesenLbl"));
+    EXPECT_EQ(window->focusWidget(), button("LeseFSDatenBut"));
+    EXPECT_TRUE(button("LeseFSDatenBut")->isDefault());
+    EXPECT_EQ(grid->accessibleDescription(), QStringLiteral("Noch nicht gelesen"));
     button("LeseFSDatenBut")->click();
+    EXPECT_FALSE(button("LeseFSDatenBut")->isDefault());
+    EXPECT_EQ(window->focusWidget(), grid);
+    EXPECT_TRUE(grid->accessibleDescription().isEmpty());
+    type(3, 1, "4097");
+    EXPECT_EQ(grid->text(3, 1), QStringLiteral("ERR!"));
+    EXPECT_EQ(grid->item(3, 1)->toolTip(), QStringLiteral("erlaubt sind 1 bis 4096, gespeichert bleibt -"));
+    button("LeseFSDatenBut")->click();
+    EXPECT_TRUE(grid->item(3, 1)->toolTip().isEmpty());
     EXPECT_FALSE(shown("NichtGelesenLbl"));
     EXPECT_FALSE(shown("GeaendertLbl"));
     click(0, 3); // the route is "occupied" already

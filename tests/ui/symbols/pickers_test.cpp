@@ -1,4 +1,5 @@
 #include "shown/catalogue.h"
+#include "shown/record.h"
 #include "tests/support/window_world.h"
 #include "ui/common/pickers.h"
 #include "ui/common/symbol_pictures.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 
 namespace hr::tests
@@ -21,15 +23,20 @@ protected:
     int pick(const std::function<void()> &actions, int present = 0, SymbolKind kind = SymbolKind::Function)
     {
         events.after(300'000, [&] {
-            for (QWidget *widget : QApplication::topLevelWidgets()) {
-                if (widget->isVisible() && widget->findChild<QLineEdit *>(QStringLiteral("SuchTxt")) != nullptr)
-                    picker = widget;
-            }
+            findPicker();
             ASSERT_NE(picker, nullptr);
             actions();
             picker->close();
         });
         return PickSymbol(kind, present);
+    }
+
+    void findPicker()
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->isVisible() && widget->findChild<QLineEdit *>(QStringLiteral("SuchTxt")) != nullptr)
+                picker = widget;
+        }
     }
 
     Grid *grid() { return picker->findChild<Grid *>(); }
@@ -85,8 +92,13 @@ TEST_F(Pickers, SearchHidesRowsByNumberAndByDescription)
         EXPECT_TRUE(shownRows().contains(200));
         EXPECT_TRUE(shownRows().contains(201));
         EXPECT_FALSE(shownRows().contains(202));
-        type(search(), Qt::Key_Return);
-        EXPECT_TRUE(picker->isVisible()) << "more than one is left";
+        type(search(), Qt::Key_Escape);
+        EXPECT_TRUE(search()->text().isEmpty() && picker->isVisible()) << "the first one empties the search";
+        search()->setText(QStringLiteral("20"));
+        EXPECT_EQ(grid()->currentRow(), 20) << "an exact number before 200";
+        search()->setText(QStringLiteral("LAMPE"));
+        search()->setText(QStringLiteral("rauch"));
+        EXPECT_EQ(grid()->currentRow(), 10) << "the whole name before longer ones";
         type(search(), Qt::Key_Down);
         EXPECT_EQ(picker->focusWidget(), grid()) << "to what was found";
         search()->setText(QStringLiteral("bmp"));
@@ -94,6 +106,8 @@ TEST_F(Pickers, SearchHidesRowsByNumberAndByDescription)
         type(grid(), Qt::Key_Return);
         type(search(), Qt::Key_Return);
         EXPECT_TRUE(picker->isVisible()) << "a hidden row is never chosen";
+        search()->setText(QStringLiteral("rauch"));
+        type(grid(), Qt::Key_Down);
         search()->setText(QStringLiteral("rauchg"));
         EXPECT_EQ(grid()->currentRow(), 200);
         EXPECT_EQ(grid()->text(200, 0), u"200");
@@ -110,10 +124,34 @@ TEST_F(Pickers, SearchHidesRowsByNumberAndByDescription)
                               action->trigger();
                       }
                       EXPECT_EQ(picker->focusWidget(), search());
-                      type(search(), Qt::Key_Escape);
+                      type(search(), Qt::Key_Escape); // nothing to be emptied: it closes
                   },
                   7),
         NothingChosen);
+}
+
+TEST_F(Pickers, FunctionsAreAWordAndTwoEntersEach)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    Grid *functions = window().findChild<Grid *>(QStringLiteral("FktTab"));
+    functions->setCurrentCell(1, 1);
+    const std::pair<const char *, int> words[] = {{"horn", 16}, {"glocke", 18}, {"20", 20}};
+    for (const auto &[word, symbol] : words) {
+        const int row = functions->currentRow();
+        events.after(300'000, [&] {
+            findPicker();
+            ASSERT_NE(picker, nullptr);
+            EXPECT_EQ(picker->findChild<QLabel *>(QStringLiteral("ZweckLbl"))->text(),
+                QStringLiteral("Symbol für f%1").arg(row));
+            for (const char *letter = word; *letter != 0; ++letter)
+                type(picker->focusWidget(), Qt::Key_unknown, QString(QLatin1Char(*letter)));
+            type(search(), Qt::Key_Return);
+        });
+        type(functions, Qt::Key_Return);
+        EXPECT_EQ(FktSymbol.at(static_cast<size_t>(row)), symbol);
+        EXPECT_EQ(functions->currentRow(), row + 1);
+    }
 }
 
 TEST_F(Pickers, OnlySymbolsWithPicturesOnDemand)
