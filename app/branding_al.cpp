@@ -1,5 +1,8 @@
 #include "program/branding.h"
 
+namespace hr::program
+{
+
 const Branding &TheBranding()
 {
     static const Branding branding{
@@ -21,3 +24,5 @@ const Branding &TheBranding()
     };
     return branding;
 }
+
+} // namespace hr::program

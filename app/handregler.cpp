@@ -20,6 +20,9 @@
 #include <QCoreApplication>
 #include <QTranslator>
 
+namespace hr::app
+{
+
 namespace
 {
 
@@ -46,6 +49,11 @@ Exit Run(const Wish &wish)
 }
 
 } // namespace
+
+} // namespace hr::app
+
+using namespace hr;
+using namespace hr::app;
 
 int main(int argc, char *argv[])
 {

@@ -26,6 +26,9 @@
 #include <algorithm>
 #include <csignal>
 
+namespace hr::app
+{
+
 namespace
 {
 
@@ -110,6 +113,11 @@ void EndProgram(QtFrontend &frontend)
 }
 
 } // namespace
+
+} // namespace hr::app
+
+using namespace hr;
+using namespace hr::app;
 
 int main(int argc, char *argv[])
 {

@@ -13,6 +13,9 @@
 
 #include <cstdio>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -68,3 +71,5 @@ TEST_F(BenchPickers, OpenAndChoose)
         pick(i);
     std::printf("memory after 100 picks %+ld pages\n", ResidentPages() - before);
 }
+
+} // namespace hr::tests

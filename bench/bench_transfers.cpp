@@ -13,6 +13,9 @@
 #include <cstdio>
 #include <ctime>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -180,3 +183,5 @@ TEST_F(Bench, LongJobsInEvents)
     locos.numbered.at(LokDatenList) = {true, false, QStringLiteral("1-9999")};
     measure(BackupOf("read locos 1-9999", folder.path(), locos));
 }
+
+} // namespace hr::tests

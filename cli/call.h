@@ -1,12 +1,17 @@
 // A call of the terminal program: its options and arguments, its commands and how it can end.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QStringList>
 
 #include <functional>
 #include <vector>
+
+namespace hr::cli
+{
 
 /// Exit status of the program.
 enum class Exit {
@@ -70,3 +75,5 @@ Command StationCommand();
 Command ConvertCommand();
 Command CompareCommand();
 Command TakeBackCommand();
+
+} // namespace hr::cli

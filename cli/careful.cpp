@@ -10,6 +10,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -236,3 +239,5 @@ void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Li
     else if (different.empty())
         PrintLine(QStringLiteral("Kein Unterschied: %1.").arg(RecordCount(changes.size())));
 }
+
+} // namespace hr::cli

@@ -4,6 +4,9 @@
 #include "cli/call.h"
 #include "jobs/careful_job.h"
 
+namespace hr::cli
+{
+
 /// The options of a writing command; --fortsetzen only where there is a file beside which the journal can lie.
 enum class Keeps { Journal, Nothing };
 QList<QCommandLineOption> CarefulOptions(Keeps keeps);
@@ -28,3 +31,5 @@ Exit RunCarefully(const Call &call, const CarefulJob &job, const Heading &headin
 /// Prints changes: those that differ, or all; as JSON with pages and seconds.
 enum class Listed { All, OnlyDifferent };
 void PrintChanges(const Call &call, const std::vector<RecordChange> &changes, Listed listed);
+
+} // namespace hr::cli

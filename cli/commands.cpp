@@ -1,5 +1,8 @@
 #include "cli/call.h"
 
+namespace hr::cli
+{
+
 const std::vector<Command> &AllCommands()
 {
     static const std::vector<Command> commands{InfoCommand(), ListCommand(), ReadCommand(), WriteCommand(),
@@ -7,3 +10,5 @@ const std::vector<Command> &AllCommands()
         StartImageCommand(), TableCommand(), StationCommand(), ConvertCommand()};
     return commands;
 }
+
+} // namespace hr::cli

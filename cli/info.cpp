@@ -4,6 +4,9 @@
 
 #include <QJsonObject>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -34,3 +37,5 @@ Command InfoCommand()
 {
     return {QStringLiteral("info"), {}, QStringLiteral("findet den Handregler: Version, Datum, Typ, Art"), {}, Run};
 }
+
+} // namespace hr::cli

@@ -5,6 +5,9 @@
 #include "handheld/flash_map.h"
 #include "roster/loco_json.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -50,3 +53,5 @@ Command ReadCommand()
         QStringLiteral("liest Lokdatensätze vollständig, auch leere"), {}, Run,
         QStringLiteral("LISTE: Nummern und Bereiche von 1 bis 9999, zum Beispiel 1-5,8.")};
 }
+
+} // namespace hr::cli

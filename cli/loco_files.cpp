@@ -5,6 +5,9 @@
 #include "program/ask.h"
 #include "roster/loco_files.h"
 
+namespace hr::cli
+{
+
 bool IsLocoFileName(const QString &fileName)
 {
     if (HoldsLocos(fileName))
@@ -42,3 +45,5 @@ bool WriteLocoFile(const QString &fileName, const std::vector<RosterLoco> &locos
 {
     return WriteFileArgument(fileName, FileOfLocos(fileName, locos));
 }
+
+} // namespace hr::cli

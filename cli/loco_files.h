@@ -4,6 +4,9 @@
 #include "cli/call.h"
 #include "roster/loco_csv.h"
 
+namespace hr::cli
+{
+
 /// The locos of a file by its ending, or nothing after a message that names what is wrong and where.
 std::optional<std::vector<ListedLoco>> ReadLocoFile(const QString &fileName);
 
@@ -15,3 +18,5 @@ bool IsLocoFileName(const QString &fileName);
 
 /// Writes locos by the file's ending; false after a message.
 [[nodiscard]] bool WriteLocoFile(const QString &fileName, const std::vector<RosterLoco> &locos);
+
+} // namespace hr::cli

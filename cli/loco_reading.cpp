@@ -4,6 +4,9 @@
 #include "jobs/report.h"
 #include "platform/text.h"
 
+namespace hr::cli
+{
+
 Plan ReadingPlan(const std::vector<int> &numbers, StepKind kind)
 {
     Plan plan{.steps = {},
@@ -45,3 +48,5 @@ void TellDoubts(const Report &report)
     if (!unread.empty())
         Tell(QStringLiteral("Nicht gelesen:\n") + ScreenLines(RecordsText(unread)));
 }
+
+} // namespace hr::cli

@@ -5,6 +5,9 @@
 #include "jobs/runner.h"
 #include "roster/loco_csv.h"
 
+namespace hr::cli
+{
+
 /// The steps that read these records; `kind` is Read or Search.
 Plan ReadingPlan(const std::vector<int> &numbers, StepKind kind);
 
@@ -14,3 +17,5 @@ std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo);
 
 /// Tells which records are doubtful or were not read, and why the reading ended early.
 void TellDoubts(const Report &report);
+
+} // namespace hr::cli

@@ -5,6 +5,9 @@
 #include "jobs/report.h"
 #include "program/ask.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -33,3 +36,5 @@ Command DeleteCommand()
         QStringLiteral("löscht Lokdatensätze im Handregler (fragt vorher)"), CarefulOptions(Keeps::Nothing), Run,
         QStringLiteral("LISTE: Nummern und Bereiche von 1 bis 9999, zum Beispiel 1-5,8.")};
 }
+
+} // namespace hr::cli

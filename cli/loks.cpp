@@ -5,6 +5,9 @@
 #include "handheld/flash_map.h"
 #include "roster/loco_json.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -64,3 +67,5 @@ Command ListCommand()
         {QCommandLineOption(CsvOption, QStringLiteral("als CSV statt als Tabelle"))}, Run,
         QStringLiteral("Ohne LISTE werden alle 9999 Adressen durchsucht: etwa 10 Minuten, mit --schnell 2 bis 5.")};
 }
+
+} // namespace hr::cli

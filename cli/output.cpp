@@ -4,6 +4,9 @@
 
 #include <cstdio>
 
+namespace hr::cli
+{
+
 namespace
 {
 bool sound = true;
@@ -41,3 +44,5 @@ void Tell(const QString &line)
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
     std::fflush(stderr);
 }
+
+} // namespace hr::cli

@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -75,3 +78,5 @@ Exit WritePictureFrom(const Call &call, const QString &fileName, const RecordId 
     job.lead = RecordName(id) + QStringLiteral(" wird überschrieben.\r");
     return RunCarefully(call, job);
 }
+
+} // namespace hr::cli

@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -176,3 +179,5 @@ void TakeInterrupt()
     else
         RequestEnd();
 }
+
+} // namespace hr::cli

@@ -6,6 +6,9 @@
 
 #include <optional>
 
+namespace hr::cli
+{
+
 /// What a command line asks for.
 struct Wish {
     const Command *command = nullptr;
@@ -19,3 +22,5 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
 
 /// Ctrl-C: a job over many records ends after the current one, with its report; all else ends at once.
 void TakeInterrupt();
+
+} // namespace hr::cli

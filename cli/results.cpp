@@ -11,6 +11,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 Exit ExitOf(JobEnd end, bool allSound)
 {
     switch (end) {
@@ -87,3 +90,5 @@ Exit FileFaults(const QString &fileName, const QString &faults)
         + ScreenLines(faults));
     return Exit::Usage;
 }
+
+} // namespace hr::cli

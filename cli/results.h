@@ -7,6 +7,9 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+namespace hr::cli
+{
+
 /// 0 when all is well; 5 for a stopped job, 3 for one that lost the handheld or has doubtful or untouched records.
 Exit ExitOf(const Report &report);
 Exit ExitOf(JobEnd end, bool allSound);
@@ -26,3 +29,5 @@ Exit UsageFault(const QString &text);
 
 /// Tells what is wrong in a file: its name and the faults.
 Exit FileFaults(const QString &fileName, const QString &faults);
+
+} // namespace hr::cli

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -69,3 +72,5 @@ Command WriteCommand()
             "Was eine Spalte nennen würde, die fehlt, bleibt, wie es im Handregler steht; ein leerer Datensatz\n"
             "braucht einen Namen. Gefragt wird nur, wenn ein Name Zeichen hat, die der Handregler nicht hat.")};
 }
+
+} // namespace hr::cli

@@ -6,6 +6,9 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -70,3 +73,5 @@ Service::~Service()
     static_cast<void>(SendHandheldBack()); // a silent one needs nothing more
     Comm().close();
 }
+
+} // namespace hr::cli

@@ -4,6 +4,9 @@
 #include "cli/call.h"
 #include "handheld/discovery.h"
 
+namespace hr::cli
+{
+
 class Service
 {
 public:
@@ -29,3 +32,5 @@ private:
     Exit state;
     HandheldInfo info;
 };
+
+} // namespace hr::cli

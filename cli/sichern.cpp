@@ -9,6 +9,9 @@
 
 #include <QDir>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -142,3 +145,5 @@ Command BackupCommand()
             "LISTE: Nummern und Bereiche, zum Beispiel 1-5,8. Eine vorhandene Datei wird ersetzt; nur wenn die neue\n"
             "zweifelhaft oder unvollständig ist, wird vorher gefragt.")};
 }
+
+} // namespace hr::cli

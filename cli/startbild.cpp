@@ -3,6 +3,9 @@
 #include "cli/results.h"
 #include "handheld/symbol_storage.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -27,3 +30,5 @@ Command StartImageCommand()
         CarefulOptions(Keeps::Nothing), Run,
         QStringLiteral("Größe: 80 x 26 Punkte. Beim Schreiben wird vorher gefragt.")};
 }
+
+} // namespace hr::cli

@@ -5,6 +5,9 @@
 
 #include <optional>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -106,3 +109,5 @@ Command SymbolCommand()
             "gruen oder rot. Größe der Bilder: lok 48 x 16 Punkte, funktion und magnet 14 x 14. Beim Schreiben wird\n"
             "vorher gefragt; eingebaut sind die Funktionssymbole 0 bis 163 und die Magnetartikelsymbole 0 bis 27.")};
 }
+
+} // namespace hr::cli

@@ -5,6 +5,9 @@
 #include "jobs/report.h"
 #include "roster/table_csv.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -99,3 +102,5 @@ Command TableCommand()
                        "  zuordnung     Adresse;Symbol\n"
                        "  magliste      Platz;Adresse;Bezeichnung;Symbol")};
 }
+
+} // namespace hr::cli

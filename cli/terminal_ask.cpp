@@ -9,6 +9,9 @@
 #include <cstdio>
 #include <optional>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -115,3 +118,5 @@ void TerminalAsk::hideProgress()
         WriteRaw(QStringLiteral("\r\033[K"));
     visible = false;
 }
+
+} // namespace hr::cli

@@ -3,7 +3,13 @@
 
 #include "program/ask.h"
 
+namespace hr::platform
+{
 class Console;
+}
+
+namespace hr::cli
+{
 
 class TerminalAsk : public Ask
 {
@@ -40,3 +46,5 @@ private:
     bool visible = false;
     QString lastYes; // the question that --ja has answered last
 };
+
+} // namespace hr::cli

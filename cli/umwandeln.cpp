@@ -6,6 +6,9 @@
 
 #include <set>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -63,3 +66,5 @@ Command ConvertCommand()
         QStringLiteral("wandelt Loks zwischen .dds, .csv und .json um, ohne Handregler"), {}, Run,
         QStringLiteral("Eine vorhandene Datei AUS wird ersetzt. Aus einer Sicherung werden nur die Loks genommen.")};
 }
+
+} // namespace hr::cli

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -70,3 +73,5 @@ Command CompareCommand()
         QStringLiteral("vergleicht eine Sicherung mit dem Handregler oder mit einer zweiten (4: verschieden)"), {},
         Run};
 }
+
+} // namespace hr::cli

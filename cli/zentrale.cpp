@@ -7,6 +7,9 @@
 
 #include <QJsonObject>
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -60,3 +63,5 @@ Command StationCommand()
         QStringLiteral(
             "Braucht --interface 3; ein Handregler muss nicht verbunden sein. --schnell gilt hier nicht.")};
 }
+
+} // namespace hr::cli

@@ -1,6 +1,9 @@
 #include "cli/careful.h"
 #include "jobs/restore.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -30,3 +33,5 @@ Command RestoreCommand()
         QStringLiteral(
             "Die Datei wird zuerst ganz geprüft. Was der Handregler unter diesen Nummern hat, wird überschrieben.")};
 }
+
+} // namespace hr::cli

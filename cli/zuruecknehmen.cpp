@@ -4,6 +4,9 @@
 #include "jobs/report.h"
 #include "jobs/take_back.h"
 
+namespace hr::cli
+{
+
 namespace
 {
 
@@ -76,3 +79,5 @@ Command TakeBackCommand()
             "Was jemand seither anders geändert hat, bleibt, wie es ist, und wird genannt; --alles-schreiben "
             "schreibt auch dort zurück.")};
 }
+
+} // namespace hr::cli

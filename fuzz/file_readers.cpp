@@ -4,6 +4,9 @@
 #include "jobs/selection.h"
 #include "program/settings_file.h"
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -63,3 +66,5 @@ const char *ReadAsEveryFile(const QByteArray &bytes)
     const char *fault = BackupFileFault(bytes);
     return fault != nullptr ? fault : SelectionFault(bytes);
 }
+
+} // namespace hr::tests

@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+using namespace hr;
+using namespace hr::tests;
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const auto *text = reinterpret_cast<const char *>(data);

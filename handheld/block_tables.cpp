@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -128,3 +131,5 @@ PageResult WriteAssignment(SpiImage &image, const Assignment &assignment, const 
     }
     return result;
 }
+
+} // namespace hr::handheld

@@ -25,6 +25,9 @@
 #include <functional>
 #include <vector>
 
+namespace hr::handheld
+{
+
 constexpr int RouteCount = 80;
 constexpr int RouteSize = 4;
 constexpr int LastFeedbackAddress = 4096;
@@ -74,3 +77,5 @@ Result<Assignment> ReadAssignment(
 
 /// Writes the assignment page by page, each loaded first, so that bytes outside the table stay.
 PageResult WriteAssignment(SpiImage &image, const Assignment &assignment, const Patience &patience);
+
+} // namespace hr::handheld

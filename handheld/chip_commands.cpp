@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -167,3 +170,5 @@ bool TransferBrokenOff()
 {
     return !Comm().isOpen() || WaitsMustEnd() || TheMessages().secondHandheld();
 }
+
+} // namespace hr::handheld

@@ -21,6 +21,9 @@
 
 #include "link/exchange.h"
 
+namespace hr::handheld
+{
+
 /// The handheld's SPI buffer as the PC sees it, index 0..512, one byte value each. A sequence works on an image that
 /// its caller owns, because bytes that nobody lays are programmed from what the image holds.
 constexpr int SpiBufSize = 513;
@@ -81,3 +84,5 @@ void LayBufferWrite(SpiImage &image, int pageOffset);
 
 /// True when nothing more can be transferred: the port is closed or lost, two handhelds answer, or the program is ending.
 bool TransferBrokenOff();
+
+} // namespace hr::handheld

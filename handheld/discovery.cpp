@@ -11,6 +11,9 @@
 #include "program/ask.h"
 #include "program/run_control.h"
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -248,3 +251,5 @@ void ResetDiscovery()
     ForgetKnownLocos();
     calledWithoutAnswer = false;
 }
+
+} // namespace hr::handheld

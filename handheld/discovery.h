@@ -5,6 +5,9 @@
 
 #include <QString>
 
+namespace hr::handheld
+{
+
 /// What a handheld says about itself; all empty when it did not identify itself.
 struct HandheldInfo {
     QString version; // for example "1.2"
@@ -39,3 +42,5 @@ Outcome SendHandheldBack();
 Outcome SendHandheldBackNoWait();
 
 void ResetDiscovery();
+
+} // namespace hr::handheld

@@ -13,6 +13,11 @@
 //   accessory list                  0x3F0800    8068   from page offset 8
 #pragma once
 
+#include "platform/rooms.h"
+
+namespace hr::handheld
+{
+
 constexpr int FlashPageSize = 512;
 constexpr int EmptyByte = 0xFF;
 
@@ -41,3 +46,5 @@ constexpr int LocoRecordAddress(int locoNumber)
 {
     return locoNumber * LocoRecordSize;
 }
+
+} // namespace hr::handheld

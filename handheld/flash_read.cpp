@@ -3,6 +3,9 @@
 #include "link/cadence.h"
 #include "program/run_control.h"
 
+namespace hr::handheld
+{
+
 Outcome RunStep(const Patience &patience, const std::function<Outcome(const Patience &)> &step)
 {
     if (CurrentCadence() == Cadence::Ticks)
@@ -40,3 +43,5 @@ void MoveToWritePosition(SpiImage &image, int lastIndex)
     for (size_t i = 0; i <= static_cast<size_t>(lastIndex); ++i)
         image.at(WritePosition + i) = image.at(ReadPosition + i);
 }
+
+} // namespace hr::handheld

@@ -8,6 +8,9 @@
 
 #include <functional>
 
+namespace hr::handheld
+{
+
 /// Runs a step. In Ticks once, with the patience that is given. In the fast cadence the step is tried without boxes,
 /// repeated once after a time-out, and after another one the connection falls back to Ticks for the last try.
 Outcome RunStep(const Patience &patience, const std::function<Outcome(const Patience &)> &step);
@@ -27,3 +30,5 @@ inline bool EndsStep(const Outcome &outcome, const Patience &patience)
 
 /// image[4 + i] := image[8 + i] for i = 0 .. lastIndex: from read position to write position.
 void MoveToWritePosition(SpiImage &image, int lastIndex);
+
+} // namespace hr::handheld

@@ -5,6 +5,9 @@
 
 #include <map>
 
+namespace hr::handheld
+{
+
 namespace
 {
 std::map<int, QString> names; // of the used addresses; empty = not known
@@ -40,3 +43,5 @@ void ForgetKnownLocos()
 {
     names.clear();
 }
+
+} // namespace hr::handheld

@@ -4,6 +4,9 @@
 
 #include "handheld/loco_record.h"
 
+namespace hr::handheld
+{
+
 /// Jobs and commands tell what they have read or written without a doubt, or only looked for.
 void NoteRecord(int address, const LocoRecord &record);
 void NoteUse(int address, bool used);
@@ -15,3 +18,5 @@ void NoteUse(int address, bool used);
 [[nodiscard]] QString KnownLocoName(int address);
 
 void ForgetKnownLocos();
+
+} // namespace hr::handheld

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -137,3 +140,5 @@ Result<bool> LocoIsUsed(int locoNumber, const Patience &patience)
     });
     return {outcome.ok() && image.at(ReadPosition) != EmptyByte, outcome};
 }
+
+} // namespace hr::handheld

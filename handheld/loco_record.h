@@ -23,6 +23,9 @@
 
 #include <array>
 
+namespace hr::handheld
+{
+
 constexpr int NameLength = 21;
 constexpr int FunctionCount = 25; // f0 .. f24
 
@@ -71,3 +74,5 @@ PageResult DeleteLoco(SpiImage &image, int locoNumber, const Patience &patience)
 
 /// Asks whether a record holds a loco, with two messages.
 Result<bool> LocoIsUsed(int locoNumber, const Patience &patience = Patience::Agreed);
+
+} // namespace hr::handheld

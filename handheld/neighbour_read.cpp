@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -170,3 +173,5 @@ std::vector<RecordRead> NeighbourReader::read(std::span<const RecordId> ids, con
     }));
     return all;
 }
+
+} // namespace hr::handheld

@@ -8,6 +8,9 @@
 
 #include <span>
 
+namespace hr::handheld
+{
+
 /// A record as it was read, with an outcome of its own.
 struct RecordRead {
     RecordValue value;
@@ -30,3 +33,5 @@ private:
     int keptAddress = -1;
     std::vector<quint8> kept; // sure bytes of the record that comes next
 };
+
+} // namespace hr::handheld

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -37,3 +40,5 @@ Outcome ClearSwitchOffTime(SpiImage &image, const std::function<bool()> &mayWrit
     settings.outcome.keep(WriteSettingsBlock(image, settings.value, Patience::Agreed).outcome);
     return settings.outcome;
 }
+
+} // namespace hr::handheld

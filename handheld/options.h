@@ -5,6 +5,9 @@
 
 #include "handheld/page_sequence.h"
 
+namespace hr::handheld
+{
+
 constexpr int SettingsSize = 128;
 using SettingsBlock = std::array<quint8, SettingsSize>;
 
@@ -17,3 +20,5 @@ PageResult WriteSettingsBlock(SpiImage &image, const SettingsBlock &settings, co
 /// read for sure, the rest of it would be overwritten with what the image held: then it is written only when `mayWrite`
 /// says so.
 Outcome ClearSwitchOffTime(SpiImage &image, const std::function<bool()> &mayWrite);
+
+} // namespace hr::handheld

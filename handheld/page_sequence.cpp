@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -177,3 +180,5 @@ PageResult ProgramPage(SpiImage &image, const PageWrite &page, const Patience &p
     }
     return result;
 }
+
+} // namespace hr::handheld

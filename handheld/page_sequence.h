@@ -12,6 +12,9 @@
 
 #include <vector>
 
+namespace hr::handheld
+{
+
 /// One buffer write: data for a place in the page.
 struct PagePart {
     int offset = 0;           // in the page, 0..511
@@ -61,3 +64,5 @@ constexpr int LastSliceFor(int n)
     // The last message carries only 19 data bytes; index 4 + n - 1 must be among them.
     return (WritePosition + n) / SliceSize * SliceSize;
 }
+
+} // namespace hr::handheld

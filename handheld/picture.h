@@ -11,9 +11,14 @@
 // five bytes of the handheld's buffer behind the picture.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QtGlobal>
 
 #include <vector>
+
+namespace hr::handheld
+{
 
 struct PictureGeometry {
     int width = 0;  // pixels
@@ -64,3 +69,5 @@ Picture EmptyStartPicture();
 
 /// Writes the two size bytes that fit the geometry: a handheld that is given others shows rubbish.
 void LaySizeBytes(Picture &picture);
+
+} // namespace hr::handheld

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -353,3 +356,5 @@ bool SameContent(const RecordValue &one, const RecordValue &other)
         return SamePicture(*picture, std::get<Picture>(other));
     return one == other;
 }
+
+} // namespace hr::handheld

@@ -22,6 +22,9 @@
 #include <variant>
 #include <vector>
 
+namespace hr::handheld
+{
+
 /// The kinds, with the byte that marks each in a backup file.
 enum class RecordKind : quint8 {
     Loco = 1,
@@ -129,3 +132,5 @@ PagePart PartOf(const RecordId &id, const RecordValue &value, const LocoBytes &b
 /// True when two values would make the handheld show and do the same: bytes that nobody interprets, the contents of empty
 /// records and what lies behind a picture do not count.
 bool SameContent(const RecordValue &one, const RecordValue &other);
+
+} // namespace hr::handheld

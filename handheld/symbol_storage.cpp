@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -85,3 +88,5 @@ PageResult WriteStartPicture(SpiImage &image, const Picture &picture, const Pati
         page.parts.push_back(StartImageChunk(picture, offset));
     return ProgramPage(image, page, patience);
 }
+
+} // namespace hr::handheld

@@ -13,6 +13,9 @@
 #include "handheld/page_sequence.h"
 #include "handheld/picture.h"
 
+namespace hr::handheld
+{
+
 /// Which half of a pair is which, in the handheld: the index of the option buttons too.
 constexpr int HalfOn = 0;  // function symbol ON, accessory symbol green
 constexpr int HalfOff = 1; // function symbol OFF, accessory symbol red
@@ -46,3 +49,5 @@ PagePart PicturePart(SymbolKind kind, int n, int half, const Picture &picture);
 
 Result<Picture> ReadStartPicture(SpiImage &image, const Patience &patience = Patience::Agreed);
 PageResult WriteStartPicture(SpiImage &image, const Picture &picture, const Patience &patience);
+
+} // namespace hr::handheld

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -103,3 +106,5 @@ QByteArray EntryBytes(const RecordValue &table, size_t n)
         return BytesOf(*assignment, n, 1);
     return BytesOf(std::get<AccessoryList>(table), n * PlaceSize, PlaceSize);
 }
+
+} // namespace hr::handheld

@@ -7,6 +7,9 @@
 
 #include <QStringList>
 
+namespace hr::handheld
+{
+
 /// A route, as it is stored: what stands for none, and the bits beside the trigger, come back as they were.
 struct Route {
     int feedback = 0xFFFF; // 1..4096; every other number is none
@@ -51,3 +54,5 @@ QStringList EntryTexts(const RecordValue &table, size_t n);
 
 /// All bytes of a table's entry.
 QByteArray EntryBytes(const RecordValue &table, size_t n);
+
+} // namespace hr::handheld

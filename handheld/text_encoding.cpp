@@ -4,6 +4,9 @@
 
 #include <vector>
 
+namespace hr::handheld
+{
+
 std::array<QChar, 256> Zeichensatz;
 
 namespace
@@ -104,3 +107,5 @@ QString AsStored(const QString &text, int length)
     EncodeName(text, codes, 0, length);
     return DecodeName(codes, 0, length);
 }
+
+} // namespace hr::handheld

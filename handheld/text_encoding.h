@@ -4,10 +4,15 @@
 // 45 "=", 46 "_", 47 "?", 48 "<", 49 ">", 50 "^", 51 "|", 52 "]"; 53-255 are undefined and show as U+00FF.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
 
 #include <array>
 #include <span>
+
+namespace hr::handheld
+{
 
 constexpr int ZeichensatzLast = 52; // highest defined code
 constexpr quint8 BlankCode = 39;
@@ -38,3 +43,5 @@ QString UnknownCharacters(const QString &text);
 
 /// The text as the handheld gives it back: encoded into so many codes and decoded again.
 QString AsStored(const QString &text, int length);
+
+} // namespace hr::handheld

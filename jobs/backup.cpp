@@ -17,6 +17,9 @@
 #include <bitset>
 #include <map>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -412,3 +415,5 @@ void ReportBackup(const BackupOutcome &outcome)
         ShowDoneBox(QStringLiteral("Gesichert in %1:\r%2").arg(Shown(outcome.fileName), ContentText(outcome.saved)),
             QStringLiteral("Datensicherung"));
 }
+
+} // namespace hr::jobs

@@ -9,6 +9,9 @@
 #include "jobs/selection.h"
 #include "program/ask.h"
 
+namespace hr::jobs
+{
+
 struct BackupOutcome {
     JobEnd end = JobEnd::Complete;
     QString fileName;               // that was written; the one that was wanted where none was
@@ -60,3 +63,5 @@ std::optional<BoxText> PartQuestion(const BackupOutcome &outcome);
 
 /// Tells the user what was saved and where, or what went differently: stop, lost port, doubtful records.
 void ReportBackup(const BackupOutcome &outcome);
+
+} // namespace hr::jobs

@@ -17,6 +17,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -744,3 +747,5 @@ bool PagesWait(const QString &handheld)
 {
     return !OpenPages(handheld).empty();
 }
+
+} // namespace hr::jobs

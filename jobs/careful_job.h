@@ -14,6 +14,9 @@
 #include "jobs/careful_report.h"
 #include "program/ask.h"
 
+namespace hr::jobs
+{
+
 struct WriteOptions {
     bool writeAll = false; // also what holds already what it should, and what was edited since
     bool prove = true;     // by the chip after each page, and read back
@@ -99,3 +102,5 @@ struct Look {
 
 /// True when pages of this handheld wait to be made good.
 bool PagesWait(const QString &handheld);
+
+} // namespace hr::jobs

@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -103,3 +106,5 @@ std::vector<RecordChange> AfterWriting(std::vector<RecordChange> changes, const 
     }
     return changes;
 }
+
+} // namespace hr::jobs

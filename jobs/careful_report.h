@@ -3,6 +3,9 @@
 
 #include "jobs/change.h"
 
+namespace hr::jobs
+{
+
 struct CarefulReport {
     Report job;                       // one entry for each change
     std::vector<RecordId> restored;   // of a page that an earlier job had left half programmed
@@ -34,3 +37,5 @@ QString ReportText(const CarefulReport &report);
 
 /// What the handheld holds now, as far as that is known.
 std::vector<RecordChange> AfterWriting(std::vector<RecordChange> changes, const CarefulReport &report);
+
+} // namespace hr::jobs

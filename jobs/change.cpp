@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <set>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -348,3 +351,5 @@ std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, 
     });
     return wanted;
 }
+
+} // namespace hr::jobs

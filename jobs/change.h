@@ -10,6 +10,9 @@
 
 #include <map>
 
+namespace hr::jobs
+{
+
 enum class Change {
     New,       // nothing stands there yet
     Changed,   // the same loco with other data; a picture or table with other content
@@ -81,3 +84,5 @@ double SecondsOf(const std::vector<RecordChange> &changes, bool verify);
 /// when all is wanted.
 enum class Written { Changes, All };
 std::vector<RecordChange> ToBeWritten(const std::vector<RecordChange> &changes, Written which);
+
+} // namespace hr::jobs

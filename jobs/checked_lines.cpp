@@ -2,6 +2,9 @@
 
 #include <QCryptographicHash>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -35,3 +38,5 @@ CheckedLines ReadCheckedLines(const QByteArray &bytes)
     }
     return lines;
 }
+
+} // namespace hr::jobs

@@ -4,7 +4,12 @@
 //   <text> <8 hex digits>LF
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStringList>
+
+namespace hr::jobs
+{
 
 QByteArray CheckedLine(const QString &text);
 
@@ -15,3 +20,5 @@ struct CheckedLines {
 
 /// A last line without its end was being written when the program died: it is none.
 CheckedLines ReadCheckedLines(const QByteArray &bytes);
+
+} // namespace hr::jobs

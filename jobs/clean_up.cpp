@@ -6,6 +6,9 @@
 
 #include <numeric>
 
+namespace hr::jobs
+{
+
 namespace
 {
 constexpr int FirstResetSymbol = 164;
@@ -62,3 +65,5 @@ void ReportCleanUp(const Report &report, const QString &what, const QString &tit
     else if (EndedEarly(report.end))
         ShowEndBox(report.end, EndText(report.end, QStringLiteral("Abgebrochen.")) + u'\r' + text);
 }
+
+} // namespace hr::jobs

@@ -3,6 +3,9 @@
 
 #include "jobs/runner.h"
 
+namespace hr::jobs
+{
+
 /// Deletes all records 1..9999, each shown as "Lösche Lok n". Ends early when a delete failed (after its box), the
 /// user stops it, the port is lost or the program ends.
 [[nodiscard]] Report ClearAllLocoRecords();
@@ -16,3 +19,5 @@
 
 /// Tells the user how many records were emptied (`what`: "Lokdatensätze gelöscht"), also after an early end.
 void ReportCleanUp(const Report &report, const QString &what, const QString &title);
+
+} // namespace hr::jobs

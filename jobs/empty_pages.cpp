@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -109,3 +112,5 @@ bool EmptyPages::sampleIsEmpty()
     }
     return true;
 }
+
+} // namespace hr::jobs

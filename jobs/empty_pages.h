@@ -11,6 +11,9 @@
 
 #include "handheld/neighbour_read.h"
 
+namespace hr::jobs
+{
+
 class EmptyPages
 {
 public:
@@ -44,3 +47,5 @@ private:
     int lastEmpty = None; // said to be empty
     int saidSinceSample = 0;
 };
+
+} // namespace hr::jobs

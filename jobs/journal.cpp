@@ -13,6 +13,9 @@
 #include <QFileInfo>
 #include <QTemporaryFile>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -296,3 +299,5 @@ void Journal::remove()
     TheDisk().remove(file.fileName());
     lock.unlock();
 }
+
+} // namespace hr::jobs

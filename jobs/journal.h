@@ -27,6 +27,9 @@
 #include <memory>
 #include <set>
 
+namespace hr::jobs
+{
+
 /// What must be the same for a job to go on.
 struct JournalHead {
     QString job;
@@ -102,3 +105,5 @@ private:
     QLockFile lock;
     bool writes = true;
 };
+
+} // namespace hr::jobs

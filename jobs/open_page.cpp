@@ -7,6 +7,9 @@
 #include <QDir>
 #include <QFile>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -67,3 +70,5 @@ std::vector<OpenPage> OpenPages(const QString &handheld)
     }
     return pages;
 }
+
+} // namespace hr::jobs

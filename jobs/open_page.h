@@ -9,6 +9,9 @@
 
 #include <vector>
 
+namespace hr::jobs
+{
+
 struct OpenPage {
     QString fileName;
     SavedState state;
@@ -28,3 +31,5 @@ void SettleForgottenPages();
 
 /// All pages of a handheld that may be half programmed.
 std::vector<OpenPage> OpenPages(const QString &handheld);
+
+} // namespace hr::jobs

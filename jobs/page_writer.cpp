@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -184,3 +187,5 @@ WrittenPage WritePage(const std::vector<RecordChange> &changes, const Neighbours
     }
     return page;
 }
+
+} // namespace hr::jobs

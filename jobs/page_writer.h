@@ -3,6 +3,9 @@
 
 #include "jobs/change.h"
 
+namespace hr::jobs
+{
+
 struct WrittenPage {
     PageResult result;               // of the whole page
     std::vector<RecordState> states; // of its changes, in their order: Done, Differs, Doubtful or Untouched
@@ -27,3 +30,5 @@ std::vector<std::vector<RecordChange>> ByPage(const std::vector<RecordChange> &c
 /// Reads records; those without a sure answer are read again, five times at most, before they are given up. When so many
 /// in a row had none, nobody is there any more (NoAnswer).
 [[nodiscard]] Report ReadSurely(const std::vector<RecordId> &ids);
+
+} // namespace hr::jobs

@@ -9,6 +9,9 @@
 #include <optional>
 #include <vector>
 
+namespace hr::jobs
+{
+
 enum class StepKind {
     Read,   // the record's value
     Search, // the same for one of many loco records of which most hold nothing
@@ -34,3 +37,5 @@ struct Plan {
     bool endsAtFailure = false;                    // also where the patience would go on
     bool ownerTellsPortLoss = false;               // the owner shows a report; the port itself is then silent
 };
+
+} // namespace hr::jobs

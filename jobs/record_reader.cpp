@@ -5,6 +5,9 @@
 
 #include <utility>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -161,3 +164,5 @@ RecordReader::Checked RecordReader::check(bool atEnd)
     emptyOfPage.clear();
     return pages.sampleIsEmpty() ? Checked{std::move(steps), {}} : Checked{{}, std::move(steps)};
 }
+
+} // namespace hr::jobs

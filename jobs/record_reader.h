@@ -9,6 +9,9 @@
 #include <set>
 #include <utility>
 
+namespace hr::jobs
+{
+
 /// True for the steps that only read.
 bool OnlyReads(const Step &step);
 
@@ -62,3 +65,5 @@ private:
     int readPage = -1;            // of the last loco that was read
     std::set<int> emptyOfPage;    // locos of it that are empty without a doubt
 };
+
+} // namespace hr::jobs

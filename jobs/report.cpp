@@ -5,6 +5,9 @@
 
 #include <QStringList>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -109,3 +112,5 @@ void ShowEndBox(JobEnd end, const QString &text)
 {
     TheAsk().showBox(EndBox(end, text));
 }
+
+} // namespace hr::jobs

@@ -4,6 +4,9 @@
 #include "jobs/runner.h"
 #include "program/ask.h"
 
+namespace hr::jobs
+{
+
 /// The records by kind, one line (ended by CR) each: "Lokdatensätze: 1-5,8", "Fahrstraßen". "keine" when there are
 /// none.
 QString RecordsText(const std::vector<RecordId> &records);
@@ -30,3 +33,5 @@ void ShowDoneBox(const QString &text, const QString &title);
 /// A report on a job that ended early, with the icon and title that fit the reason; and shows it.
 BoxText EndBox(JobEnd end, const QString &text);
 void ShowEndBox(JobEnd end, const QString &text);
+
+} // namespace hr::jobs

@@ -6,6 +6,9 @@
 
 #include <QDir>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -115,3 +118,5 @@ void ReportRestore(const RestoreOutcome &outcome)
             QStringLiteral("Datensicherung zurückschreiben"));
     }
 }
+
+} // namespace hr::jobs

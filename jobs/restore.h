@@ -5,6 +5,9 @@
 #include "jobs/runner.h"
 #include "program/ask.h"
 
+namespace hr::jobs
+{
+
 struct RestoreOutcome {
     JobEnd end = JobEnd::Complete;
     std::vector<RecordId> written;
@@ -34,3 +37,5 @@ Plan RestorePlan(const std::vector<DdsRecord> &records);
 /// Tells the user what was written, or what went differently: stop, lost port, doubtful records, and exactly which
 /// records are written.
 void ReportRestore(const RestoreOutcome &outcome);
+
+} // namespace hr::jobs

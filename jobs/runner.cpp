@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <deque>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -357,3 +360,5 @@ std::vector<RecordId> IdsOf(const Report &report, RecordState state)
     }
     return ids;
 }
+
+} // namespace hr::jobs

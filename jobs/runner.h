@@ -5,6 +5,9 @@
 
 #include <optional>
 
+namespace hr::jobs
+{
+
 /// How a job over many records ended.
 enum class JobEnd { Complete, Stopped, PortLost, NoAnswer, ProgramEnds, NothingDone };
 
@@ -74,3 +77,5 @@ private:
 
 /// Those of a state, in order.
 std::vector<RecordId> IdsOf(const Report &report, RecordState state);
+
+} // namespace hr::jobs

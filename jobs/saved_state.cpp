@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -197,3 +200,5 @@ QString ShownTime(const SavedState &state)
     return QDateTime::fromString(state.time, QStringLiteral("yyyy-MM-dd HH:mm:ss"))
         .toString(QStringLiteral("dd.MM.yyyy HH:mm"));
 }
+
+} // namespace hr::jobs

@@ -22,6 +22,9 @@
 #include <map>
 #include <optional>
 
+namespace hr::jobs
+{
+
 /// A record's bytes as they lie in the flash.
 struct SavedRecord {
     RecordId id;
@@ -70,3 +73,5 @@ Since SinceThen(const SavedState &state, const SavedRecord &now);
 
 /// "23.11.2026 10:15".
 QString ShownTime(const SavedState &state);
+
+} // namespace hr::jobs

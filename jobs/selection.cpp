@@ -13,6 +13,9 @@
 #include <cmath>
 #include <optional>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -227,3 +230,5 @@ void ResetSelection()
 {
     unsaved.reset();
 }
+
+} // namespace hr::jobs

@@ -15,6 +15,9 @@
 
 #include <array>
 
+namespace hr::jobs
+{
+
 /// A kind whose numbers the user lists, or all of them.
 struct NumberChoice {
     bool wanted = false;
@@ -67,3 +70,5 @@ BackupSelection ReadSelection();
 void WriteSelection(const BackupSelection &selection);
 
 void ResetSelection();
+
+} // namespace hr::jobs

@@ -2,6 +2,9 @@
 
 #include "jobs/report.h"
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -90,3 +93,5 @@ void SendLocos(const std::vector<DownloadedLoco> &locos, const std::function<boo
         return;
     ReportSent(RunJob(SendPlan(locos, looked)));
 }
+
+} // namespace hr::jobs

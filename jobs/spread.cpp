@@ -5,6 +5,9 @@
 
 #include <set>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -70,3 +73,5 @@ void SpreadFunctions(
     if (confirm({question, Title(), BoxIcon::Information}))
         ReportSpread(RunJob(SpreadPlan(from, addresses)));
 }
+
+} // namespace hr::jobs

@@ -8,6 +8,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -99,3 +102,5 @@ void TakeBackEnded(const TakeBackOffer &offer, const CarefulReport &report)
     if (IsSettled(rest))
         MarkAsTakenBack(offer.fileName);
 }
+
+} // namespace hr::jobs

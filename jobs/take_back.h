@@ -4,6 +4,9 @@
 #include "jobs/careful_report.h"
 #include "jobs/plan.h"
 
+namespace hr::jobs
+{
+
 struct TakeBackOffer {
     QString fileName; // of the undo snapshot
     QString lead;     // above the question: when and by what it was changed, and what comes back
@@ -30,3 +33,5 @@ constexpr int NewestChange = -1;
 
 /// When all of it is back, the next offer is the change before.
 void TakeBackEnded(const TakeBackOffer &offer, const CarefulReport &report);
+
+} // namespace hr::jobs

@@ -13,6 +13,9 @@
 
 #include <algorithm>
 
+namespace hr::jobs
+{
+
 namespace
 {
 
@@ -201,3 +204,5 @@ void RemoveReplaced(const SavedState &state)
     if (!state.replaces.isEmpty())
         RemoveFiles(QFileInfo(state.replaces).completeBaseName());
 }
+
+} // namespace hr::jobs

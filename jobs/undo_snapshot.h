@@ -13,6 +13,9 @@
 
 #include <QStringList>
 
+namespace hr::jobs
+{
+
 constexpr qsizetype MostUndoSnapshots = 20;
 
 enum class SnapshotOf {
@@ -43,3 +46,5 @@ void MarkAsTakenBack(const QString &fileName);
 
 /// Removes the snapshot of an earlier part of a job that is complete now: the job's own one contains it.
 void RemoveReplaced(const SavedState &state);
+
+} // namespace hr::jobs

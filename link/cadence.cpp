@@ -3,6 +3,9 @@
 #include "program/ask.h"
 #include "program/run_control.h"
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -86,3 +89,5 @@ void ResetCadence()
 {
     state = State();
 }
+
+} // namespace hr::link

@@ -9,7 +9,12 @@
 // of the connection runs in Ticks.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QtGlobal>
+
+namespace hr::link
+{
 
 enum class Cadence { Ticks, Events };
 
@@ -44,3 +49,5 @@ double SecondsPerMessage();
 void TakeMeasurement(double seconds);
 
 void ResetCadence();
+
+} // namespace hr::link

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -175,3 +178,5 @@ void ResetExchange()
 {
     quietUntil = 0;
 }
+
+} // namespace hr::link

@@ -11,6 +11,9 @@
 
 #include "link/message_layer.h"
 
+namespace hr::link
+{
+
 constexpr double AnswerSeconds = 2;
 constexpr double SlotSeconds = 3;
 
@@ -57,3 +60,5 @@ Outcome LayWhenFree(const LocoNetMessage &message, int lastIndex, Expects answer
 Outcome Await(const std::function<bool()> &answered, double seconds = AnswerSeconds);
 
 void ResetExchange();
+
+} // namespace hr::link

@@ -6,6 +6,9 @@
 #include "platform/world.h"
 #include "program/run_control.h"
 
+namespace hr::link
+{
+
 namespace
 {
 constexpr int MainTimerMs = 50; // sends one message, dispatches one message
@@ -84,3 +87,5 @@ void LinkDriver::stopWhenIdle()
     if (SecondsSince(lastWork) > IdleSeconds)
         stopTimers();
 }
+
+} // namespace hr::link

@@ -11,6 +11,9 @@
 
 #include <optional>
 
+namespace hr::link
+{
+
 class LinkDriver
 {
 public:
@@ -33,3 +36,5 @@ private:
     double lastWork = 0; // NowSeconds() when something was under way
     bool handling = false;
 };
+
+} // namespace hr::link

@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace hr::link
+{
+
 PortValue PortNumber;
 int InterfaceType = InterfaceNone;
 bool HandreglerGefunden = false;
@@ -34,3 +37,5 @@ LinkSettings SettingsInUse()
 {
     return {PortNumber, InterfaceType};
 }
+
+} // namespace hr::link

@@ -5,6 +5,9 @@
 
 #include <functional>
 
+namespace hr::link
+{
+
 // --- Settings of the link. Written by UseSettings() (start-up, selection window), read by the whole link. ---
 extern PortValue PortNumber;
 extern int InterfaceType; // InterfaceNone or 1..3
@@ -22,3 +25,5 @@ void OnServiceEnds(std::function<void()> handler);
 
 void UseSettings(const LinkSettings &settings);
 LinkSettings SettingsInUse();
+
+} // namespace hr::link

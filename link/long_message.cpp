@@ -1,5 +1,8 @@
 #include "link/long_message.h"
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -76,3 +79,5 @@ void LayData(LocoNetMessage &message, const SliceBytes &data)
     for (size_t i = 0; i < data.size(); ++i)
         message.at(DataPlaces.at(i)) = data.at(i);
 }
+
+} // namespace hr::link

@@ -1,10 +1,15 @@
 // LocoNet messages as bytes: lengths, checksum, and the high-bit packing of the 31-byte messages.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QtGlobal>
 
 #include <array>
 #include <span>
+
+namespace hr::link
+{
 
 constexpr int MaxMessageIndex = 64;
 constexpr int TransferMessageLength = 0x1F; // bytes of a 31-byte message, also its byte 1
@@ -43,3 +48,5 @@ void UnpackHighBits(LocoNetMessage &message);
 /// D1..D20 of a message as they stand.
 SliceBytes DataOf(const LocoNetMessage &message);
 void LayData(LocoNetMessage &message, const SliceBytes &data);
+
+} // namespace hr::link

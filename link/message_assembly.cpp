@@ -3,6 +3,9 @@
 #include "link/message_layer.h"
 #include "platform/world.h"
 
+namespace hr::link
+{
+
 void MessageLayer::ReceiveBytes()
 {
     if (textMode)
@@ -67,3 +70,5 @@ void MessageLayer::completeMessage()
     RxInMessage = false;
     tellWork();
 }
+
+} // namespace hr::link

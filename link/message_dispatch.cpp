@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -219,3 +222,5 @@ std::optional<RawAnswer> MessageLayer::rawReply() const
 {
     return RawReplyWanted ? std::nullopt : std::optional(RawReply);
 }
+
+} // namespace hr::link

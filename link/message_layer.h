@@ -29,6 +29,9 @@
 #include <optional>
 #include <span>
 
+namespace hr::link
+{
+
 constexpr int RingSlots = 32;
 
 /// A message as it came from the line, before it is handled.
@@ -250,3 +253,5 @@ private:
 
 /// The program's one message layer.
 MessageLayer &TheMessages();
+
+} // namespace hr::link

@@ -8,6 +8,9 @@
 
 #include <utility>
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -184,3 +187,5 @@ MessageLayer &TheMessages()
     static MessageLayer layer;
     return layer;
 }
+
+} // namespace hr::link

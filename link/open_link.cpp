@@ -9,6 +9,9 @@
 #include <array>
 #include <functional>
 
+namespace hr::link
+{
+
 namespace
 {
 
@@ -232,3 +235,5 @@ void ResetOpenLink()
     LinkLost = false;
     lossTellers = 0;
 }
+
+} // namespace hr::link

@@ -11,6 +11,9 @@
 
 #include <QString>
 
+namespace hr::link
+{
+
 /// Sets the interface up as InterfaceType says, and writes konf\ComPort.inf when it worked. With kind 2 and with no
 /// kind nothing is opened, which counts as done. After a failure the user has seen "ComPort konnte nicht geöffnet werden!"
 /// (NotOpened) or "Zeichenübertragung nicht möglich!" (a text step of kind 1), and the port is closed.
@@ -44,3 +47,5 @@ public:
 };
 
 void ResetOpenLink();
+
+} // namespace hr::link

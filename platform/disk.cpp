@@ -3,6 +3,9 @@
 #include <QFile>
 #include <QSaveFile>
 
+namespace hr::platform
+{
+
 namespace
 {
 Disk *installed = nullptr;
@@ -44,3 +47,5 @@ Disk &TheDisk()
     static Disk plain;
     return installed != nullptr ? *installed : plain;
 }
+
+} // namespace hr::platform

@@ -2,11 +2,16 @@
 // fail and lose what was not flushed.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QByteArray>
 #include <QString>
 
 class QFileDevice;
 class QSaveFile;
+
+namespace hr::platform
+{
 
 /// Leaves it to the system when what was written comes to the disk.
 class Disk
@@ -30,3 +35,5 @@ public:
 /// Installs another disk than the one above (main(), or a test); it stays owned by the caller. Null: that one again.
 void InstallDisk(Disk *disk);
 Disk &TheDisk();
+
+} // namespace hr::platform

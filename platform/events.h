@@ -4,9 +4,14 @@
 // behind this interface, so that an 80-minute job runs in seconds.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QDateTime>
 
 #include <functional>
+
+namespace hr::platform
+{
 
 class Events
 {
@@ -38,3 +43,5 @@ public:
     /// Handles what is pending; when nothing is, sleeps until something is and handles that.
     virtual void pump() = 0;
 };
+
+} // namespace hr::platform

@@ -11,6 +11,9 @@
 #include <filesystem>
 #include <system_error>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -133,3 +136,5 @@ QStringList FileNames(const QString &folder)
 {
     return QDir(folder).entryList(QDir::Files | QDir::Hidden, QDir::Name | QDir::IgnoreCase);
 }
+
+} // namespace hr::platform

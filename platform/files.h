@@ -1,11 +1,16 @@
 // Where the program's files are, and how they are written so that none is ever half there.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+
+namespace hr::platform
+{
 
 /// The folder that holds the program and what was installed with it. Set once by main() or by a test; the data lie there
 /// too until another folder is set for them.
@@ -49,3 +54,5 @@ bool IsSameFile(const QString &one, const QString &other);
 /// Names of the files (no folders) in a folder, sorted by name without regard to case. Empty when the folder
 /// does not exist.
 QStringList FileNames(const QString &folder);
+
+} // namespace hr::platform

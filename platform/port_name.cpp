@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::platform
+{
+
 namespace
 {
 constexpr int HighestPortNumber = 9999;
@@ -30,3 +33,5 @@ QString PortDevice(const QString &portText)
     return QStringLiteral("/dev/ttyS%1").arg(number - 1);
 #endif
 }
+
+} // namespace hr::platform

@@ -4,11 +4,16 @@
 // All calls are made on the one thread of the program; none of them waits.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
 
 #include <functional>
+
+namespace hr::platform
+{
 
 /// A port as it is offered to the user.
 struct PortEntry {
@@ -83,3 +88,5 @@ public:
     /// bytes any more, and is closed when the handler runs.
     std::function<void()> onHangUp;
 };
+
+} // namespace hr::platform

@@ -2,6 +2,9 @@
 
 #include "platform/port_name.h"
 
+namespace hr::platform
+{
+
 SwitchedPort::SwitchedPort(SerialPort &machinePort, SerialPort &demoPort)
     : machine(machinePort), demo(demoPort), active(&machinePort)
 {
@@ -123,3 +126,5 @@ bool SwitchedPort::outputEmpty() const
 {
     return active->outputEmpty();
 }
+
+} // namespace hr::platform

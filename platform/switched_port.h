@@ -4,6 +4,9 @@
 
 #include "platform/serial_port.h"
 
+namespace hr::platform
+{
+
 class SwitchedPort : public SerialPort
 {
 public:
@@ -36,3 +39,5 @@ private:
     SerialPort &demo;
     SerialPort *active;
 };
+
+} // namespace hr::platform

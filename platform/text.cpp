@@ -2,6 +2,9 @@
 
 #include <limits>
 
+namespace hr::platform
+{
+
 int Val(const QString &text)
 {
     constexpr qint64 highest = std::numeric_limits<int>::max();
@@ -52,3 +55,5 @@ QString ScreenLines(const QString &text)
     result.replace(u'\r', u'\n');
     return result;
 }
+
+} // namespace hr::platform

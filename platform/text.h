@@ -1,7 +1,12 @@
 // Text helpers with the meaning that number fields, names and message texts of this program need.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::platform
+{
 
 /// The number at the start of a text: leading blanks are skipped, then digits are read; anything else ends it.
 /// No digits (also a sign) give 0. Saturates at INT_MAX instead of overflowing.
@@ -19,3 +24,5 @@ QString WithoutTrailingBlanks(QString text);
 
 /// The text with each CR, LF or CR LF turned into the line break that widgets show.
 QString ScreenLines(const QString &text);
+
+} // namespace hr::platform

@@ -1,5 +1,8 @@
 #include "platform/world.h"
 
+namespace hr::platform
+{
+
 namespace
 {
 World installed;
@@ -21,3 +24,5 @@ SerialPort &Comm()
     Q_ASSERT(installed.comm != nullptr);
     return *installed.comm;
 }
+
+} // namespace hr::platform

@@ -4,6 +4,9 @@
 #include "platform/events.h"
 #include "platform/serial_port.h"
 
+namespace hr::platform
+{
+
 struct World {
     Events *events = nullptr;
     SerialPort *comm = nullptr;
@@ -15,3 +18,5 @@ void InstallWorld(const World &world);
 /// The installed parts; asking for one that was not installed is a programming error (assertion).
 Events &TheEvents();
 SerialPort &Comm();
+
+} // namespace hr::platform

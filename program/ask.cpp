@@ -2,6 +2,9 @@
 
 #include <QDir>
 
+namespace hr::program
+{
+
 namespace
 {
 Ask *installed = nullptr;
@@ -41,3 +44,5 @@ void ResetAsk()
 {
     unwritableReported = false;
 }
+
+} // namespace hr::program

@@ -5,9 +5,14 @@
 // ends at once with its "nothing chosen" answer.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
 
 #include <cstddef>
+
+namespace hr::program
+{
 
 enum class BoxIcon { None, Information, Critical };
 
@@ -61,3 +66,5 @@ void ReportFileUnwritable(const QString &fileName);
 /// Tells the user that a file beside the program cannot be written: a "Fehler!" box, once in a run.
 void ReportUnwritable(const QString &relative);
 void ResetAsk();
+
+} // namespace hr::program

@@ -2,7 +2,12 @@
 // app/branding_al.cpp) is linked into each program.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::program
+{
 
 struct Branding {
     QString code;        // "VK" or "AL"
@@ -24,3 +29,5 @@ struct Branding {
 
 /// The branding that this program was linked with.
 const Branding &TheBranding();
+
+} // namespace hr::program

@@ -9,6 +9,9 @@
 #include <QStandardPaths>
 #include <QTemporaryFile>
 
+namespace hr::program
+{
+
 namespace
 {
 
@@ -97,3 +100,5 @@ bool FillDataFolder(const QString &programFolder, const QString &ownFolder)
     Fill(programFolder + Konf, ownFolder + Konf);
     return true;
 }
+
+} // namespace hr::program

@@ -12,7 +12,12 @@
 // replaced, and new files are added. What he has deleted stays deleted.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::program
+{
 
 /// Sets program folder and data folder for a program that lies in `programFolder`.
 void UseDataFolder(const QString &programFolder);
@@ -22,3 +27,5 @@ bool FillDataFolder(const QString &programFolder, const QString &ownFolder);
 
 /// The folder that is used: the program's own, or (filled) `ownFolder`. When that cannot be made either, the program's.
 QString ChooseDataFolder(const QString &programFolder, const QString &ownFolder);
+
+} // namespace hr::program

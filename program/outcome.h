@@ -2,9 +2,14 @@
 // an outcome that nobody looks at.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
 
 #include <utility>
+
+namespace hr::program
+{
 
 enum class End {
     Done,
@@ -55,3 +60,5 @@ template <typename T> struct [[nodiscard]] Result {
     Outcome outcome;
     [[nodiscard]] bool ok() const { return outcome.ok(); }
 };
+
+} // namespace hr::program

@@ -5,6 +5,9 @@
 
 #include <QSettings>
 
+namespace hr::program
+{
+
 namespace
 {
 
@@ -31,3 +34,5 @@ void PreferFast(bool fast)
     if (settings.status() != QSettings::NoError)
         ReportUnwritable(QStringLiteral("konf\\Einstellungen.ini"));
 }
+
+} // namespace hr::program

@@ -4,7 +4,12 @@
 //   Schnell=true     messages follow each other as fast as the line allows (link/cadence.h); false when missing
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::program
+{
 
 /// The file, for others who keep a group of their own in it.
 QString PreferencesPath();
@@ -13,3 +18,5 @@ bool FastPreferred();
 
 /// Writes it when it differs. A folder that cannot be written is told once in a run by a "Fehler!" box.
 void PreferFast(bool fast);
+
+} // namespace hr::program

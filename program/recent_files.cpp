@@ -5,6 +5,9 @@
 #include <QFileInfo>
 #include <QSettings>
 
+namespace hr::program
+{
+
 namespace
 {
 
@@ -44,3 +47,5 @@ void ForgetRecentFile(const QString &fileName)
 {
     Settings().setValue(Key(), Without(fileName));
 }
+
+} // namespace hr::program

@@ -1,7 +1,12 @@
 // The backup files that were opened or saved last, kept between runs in konf\Einstellungen.ini (group "Dateien").
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStringList>
+
+namespace hr::program
+{
 
 constexpr qsizetype MostRecentFiles = 8;
 
@@ -13,3 +18,5 @@ void NoteRecentFile(const QString &fileName);
 
 /// Takes a file out of the list.
 void ForgetRecentFile(const QString &fileName);
+
+} // namespace hr::program

@@ -4,6 +4,9 @@
 
 #include <utility>
 
+namespace hr::program
+{
+
 namespace
 {
 
@@ -207,3 +210,5 @@ void ResetRunControl()
 {
     state = State();
 }
+
+} // namespace hr::program

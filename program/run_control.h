@@ -10,7 +10,12 @@
 // Leaving: the handheld is sent back to its operating mode; waits work again, commands do not.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <functional>
+
+namespace hr::program
+{
 
 enum class RunState { Running, Ending, Leaving, Ended };
 
@@ -129,3 +134,5 @@ void WaitSeconds(double seconds);
 void LetEventsRun();
 
 void ResetRunControl();
+
+} // namespace hr::program

@@ -9,6 +9,9 @@
 #include <algorithm>
 #include <optional>
 
+namespace hr::program
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void ResetSettings()
 {
     unsaved.reset();
 }
+
+} // namespace hr::program

@@ -4,8 +4,13 @@
 // interface kind (a bare number 1, 2 or 3). Empty values are empty fields. Example: "ttyUSB0" CR LF 3 CR LF
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QByteArray>
 #include <QString>
+
+namespace hr::program
+{
 
 /// The port as read from the file or typed in the selection window.
 struct PortValue {
@@ -35,3 +40,5 @@ LinkSettings ReadSettings();
 void WriteSettings(const LinkSettings &settings);
 
 void ResetSettings();
+
+} // namespace hr::program

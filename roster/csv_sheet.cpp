@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::roster
+{
+
 namespace
 {
 
@@ -194,3 +197,5 @@ QString CsvCell(const QString &text)
     QString doubled = text;
     return plain ? text : QString(Quote + doubled.replace(Quote, QStringLiteral("\"\"")) + Quote);
 }
+
+} // namespace hr::roster

@@ -6,11 +6,16 @@
 // Written: UTF-8, ";", cells quoted where they must be.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QByteArray>
 #include <QStringList>
 
 #include <optional>
 #include <vector>
+
+namespace hr::roster
+{
 
 /// Something wrong in a file that the user wrote.
 struct FileFault {
@@ -58,3 +63,5 @@ private:
 
 /// A cell as it is written: in quotes when it holds a separator, a quote, a line break or blanks at its ends.
 QString CsvCell(const QString &text);
+
+} // namespace hr::roster

@@ -5,6 +5,9 @@
 
 #include <map>
 
+namespace hr::roster
+{
+
 namespace
 {
 
@@ -204,3 +207,5 @@ QString AdaptedNames(const std::vector<ListedLoco> &locos)
     }
     return lines.join(u'\r');
 }
+
+} // namespace hr::roster

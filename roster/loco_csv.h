@@ -17,6 +17,9 @@
 #include "handheld/backup/dds_file.h"
 #include "roster/csv_sheet.h"
 
+namespace hr::roster
+{
+
 struct RosterLoco {
     int address = 0; // 1..9999
     LocoRecord record;
@@ -67,3 +70,5 @@ void CheckAddressesOnce(LocoList &list);
 
 /// The names with characters that the handheld does not have, one line each: what is listed and what would be written.
 QString AdaptedNames(const std::vector<ListedLoco> &locos);
+
+} // namespace hr::roster

@@ -4,6 +4,9 @@
 
 #include <QJsonDocument>
 
+namespace hr::roster
+{
+
 namespace
 {
 
@@ -73,3 +76,5 @@ QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &l
         return DdsOf(locos);
     }
 }
+
+} // namespace hr::roster

@@ -3,6 +3,9 @@
 
 #include "roster/loco_csv.h"
 
+namespace hr::roster
+{
+
 /// True for the endings that hold locos.
 bool HoldsLocos(const QString &fileName);
 
@@ -11,3 +14,5 @@ LocoList LocosOfFile(const QString &fileName, const QByteArray &content);
 
 /// A file that holds the locos.
 QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &locos);
+
+} // namespace hr::roster

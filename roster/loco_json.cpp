@@ -5,6 +5,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+namespace hr::roster
+{
+
 namespace
 {
 
@@ -151,3 +154,5 @@ LocoList ReadLocoJson(const QByteArray &file)
     CheckAddressesOnce(list);
     return list;
 }
+
+} // namespace hr::roster

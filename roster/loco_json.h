@@ -12,7 +12,12 @@
 
 #include <QJsonArray>
 
+namespace hr::roster
+{
+
 QJsonArray JsonOf(const std::vector<RosterLoco> &locos);
 
 /// A fault names the element ("Lok Nr. 2 der Liste") and the key.
 LocoList ReadLocoJson(const QByteArray &file);
+
+} // namespace hr::roster

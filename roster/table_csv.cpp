@@ -5,6 +5,9 @@
 
 #include <set>
 
+namespace hr::roster
+{
+
 namespace
 {
 
@@ -146,3 +149,5 @@ TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind)
             },
         sheet.faults};
 }
+
+} // namespace hr::roster

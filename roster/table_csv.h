@@ -13,6 +13,9 @@
 
 #include <functional>
 
+namespace hr::roster
+{
+
 /// The table (kind RecordKind::RouteTable, RecordKind::AssignmentTable or RecordKind::PlaceTable) as a file.
 QByteArray TableCsv(const RecordValue &table);
 
@@ -22,3 +25,5 @@ struct TableChanges {
 };
 
 TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind);
+
+} // namespace hr::roster

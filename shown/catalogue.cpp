@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace hr::shown
+{
+
 std::array<SymbolFiles, 3> SymbolKatalog;
 int GewaehltesSymbol = NothingChosen;
 
@@ -66,3 +69,5 @@ void ResetCatalogues()
     GewaehltesSymbol = NothingChosen;
     changeHandler = nullptr;
 }
+
+} // namespace hr::shown

@@ -5,6 +5,9 @@
 
 #include <functional>
 
+namespace hr::shown
+{
+
 /// By SymbolKind. Filled by ScanCatalogues, changed when a symbol is saved.
 extern std::array<SymbolFiles, 3> SymbolKatalog;
 
@@ -31,3 +34,5 @@ QString PicturePath(SymbolKind kind, int number, int catalogueHalf);
 QString Description(SymbolKind kind, int number);
 
 void ResetCatalogues();
+
+} // namespace hr::shown

@@ -2,6 +2,9 @@
 
 #include "program/branding.h"
 
+namespace hr::shown
+{
+
 QString HandheldVersion;
 QString HandheldDate;
 QString HandheldType;
@@ -39,3 +42,5 @@ void ResetShownConnection()
     SelectionAnswer = 0;
     SelectionAwaited = false;
 }
+
+} // namespace hr::shown

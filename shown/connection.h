@@ -3,6 +3,9 @@
 
 #include "handheld/discovery.h"
 
+namespace hr::shown
+{
+
 // --- What the last search found; empty when the handheld did not identify itself. Set by the search. ---
 extern QString HandheldVersion; // for example "1.2"
 extern QString HandheldDate;    // day.month.year without padding, for example "14.3.8"
@@ -24,3 +27,5 @@ HandheldInfo ShownHandheld();
 QString TitleWithHandheld();
 
 void ResetShownConnection();
+
+} // namespace hr::shown

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::shown
+{
+
 SpiImage SpiBuf{};
 ShownLoco CurrentLoco;
 
@@ -40,3 +43,5 @@ void ResetShownRecord()
     SpiBuf.fill(0);
     CurrentLoco = {};
 }
+
+} // namespace hr::shown

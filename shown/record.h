@@ -5,6 +5,9 @@
 #include "handheld/loco_record.h"
 #include "handheld/picture.h"
 
+namespace hr::shown
+{
+
 /// The handheld's SPI buffer as the last single command left it, index 0..512. Bytes that a write does not lay are
 /// programmed from it; a picture that was edited stays in it.
 extern SpiImage SpiBuf;
@@ -34,3 +37,5 @@ Outcome ReadLocoRecord(int locoNumber);
 Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record);
 
 void ResetShownRecord();
+
+} // namespace hr::shown

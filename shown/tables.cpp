@@ -3,6 +3,9 @@
 #include "program/ask.h"
 #include "shown/record.h"
 
+namespace hr::shown
+{
+
 Routes FsDaten{};
 Assignment MagZuordDaten{};
 AccessoryList MagListeDaten{};
@@ -62,3 +65,5 @@ void ResetShownTables()
     MagListeDaten = {};
     RoutesLoaded = MagSymZuordLoaded = MagListeLoaded = false;
 }
+
+} // namespace hr::shown

@@ -3,6 +3,9 @@
 
 #include "handheld/block_tables.h"
 
+namespace hr::shown
+{
+
 // --- One byte value in each entry. Filled by the reads, changed by the editors; all zero before the first read. ---
 extern Routes FsDaten;              // 0..319, see handheld/block_tables.h
 extern Assignment MagZuordDaten;    // accessory address - 1
@@ -25,3 +28,5 @@ Outcome WriteMagListe(const AccessoryList &list);
 Outcome WriteMagZuordnung(const Assignment &assignment);
 
 void ResetShownTables();
+
+} // namespace hr::shown

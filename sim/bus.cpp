@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace sim
+namespace hr::sim
 {
 
 void Bus::transmit(Bytes bytes, Sender sender, qint64 earliestUs)
@@ -56,4 +56,4 @@ void Bus::finish()
     }
 }
 
-} // namespace sim
+} // namespace hr::sim

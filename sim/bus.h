@@ -8,7 +8,7 @@
 #include <functional>
 #include <optional>
 
-namespace sim
+namespace hr::sim
 {
 
 inline constexpr qint64 BusByteUs = 600;
@@ -78,4 +78,4 @@ private:
     qint64 freeFromUs = 0;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -180,4 +180,4 @@ void Dataflash::setBytes(int address, const QByteArray &content)
     std::ranges::copy(content, state.memory.begin() + address);
 }
 
-} // namespace sim
+} // namespace hr::sim

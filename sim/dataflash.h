@@ -19,7 +19,7 @@
 #include <span>
 #include <vector>
 
-namespace sim
+namespace hr::sim
 {
 
 inline constexpr int PageSize = 512;
@@ -73,4 +73,4 @@ private:
     QFile file;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -8,7 +8,7 @@
 #include <array>
 #include <span>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -260,4 +260,4 @@ void FillDemoContent(Dataflash &flash)
     FillText(flash, OccupiedTextNumber, u"BELEGT");
 }
 
-} // namespace sim
+} // namespace hr::sim

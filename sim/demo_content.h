@@ -4,10 +4,10 @@
 
 #include "sim/dataflash.h"
 
-namespace sim
+namespace hr::sim
 {
 
 /// Lays the demo content over an erased flash.
 void FillDemoContent(Dataflash &flash);
 
-} // namespace sim
+} // namespace hr::sim

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -33,4 +33,4 @@ void DemoPort::prepareOpen(const QString &settings)
         layout().adapter.setKind(wanted);
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -4,7 +4,7 @@
 
 #include "sim/sim_port.h"
 
-namespace sim
+namespace hr::sim
 {
 
 class DemoPort : public SimPort
@@ -22,4 +22,4 @@ private:
     bool filled = false;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -2,7 +2,7 @@
 // content uses, under the catalogue's names.
 #pragma once
 
-namespace sim
+namespace hr::sim
 {
 
 /// Loco symbols, 0..63.
@@ -79,4 +79,4 @@ enum AccessorySymbol {
 
 inline constexpr int FirstFreeFunctionSymbol = 164;
 
-} // namespace sim
+} // namespace hr::sim

@@ -6,7 +6,7 @@
 
 #include <random>
 
-namespace sim
+namespace hr::sim
 {
 
 /// One kind of fault: strikes at the nth occasion (1 = the next one, 0 = never), as many times in a row as `times` says, and
@@ -102,4 +102,4 @@ private:
     std::mt19937 dice{1};
 };
 
-} // namespace sim
+} // namespace hr::sim

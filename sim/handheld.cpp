@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -184,4 +184,4 @@ void Handheld::cutPower(qint64 nowUs)
     state.spiBuffer.fill(0);
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -15,7 +15,7 @@
 
 #include <array>
 
-namespace sim
+namespace hr::sim
 {
 
 struct HandheldSettings {
@@ -65,4 +65,4 @@ private:
     bool powered = true;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -266,4 +266,4 @@ Bytes InterfaceModel::takeForPc(qint64 nowUs)
     return bytes;
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -15,7 +15,7 @@
 
 #include <deque>
 
-namespace sim
+namespace hr::sim
 {
 
 enum class InterfaceKind { TextPrompt = 1, Direct = 3 };
@@ -103,4 +103,4 @@ private:
     MessageAssembler assembler;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace sim
+namespace hr::sim
 {
 
 Layout::Layout(Events &clock) : events(clock)
@@ -96,4 +96,4 @@ void Layout::arm()
     });
 }
 
-} // namespace sim
+} // namespace hr::sim

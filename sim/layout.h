@@ -9,7 +9,7 @@
 #include <memory>
 #include <set>
 
-namespace sim
+namespace hr::sim
 {
 
 class Layout
@@ -59,4 +59,4 @@ private:
     std::shared_ptr<int> alive = std::make_shared<int>(0); // outstanding calls find out that the layout is gone
 };
 
-} // namespace sim
+} // namespace hr::sim

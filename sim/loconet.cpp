@@ -5,7 +5,7 @@
 #include <numeric>
 #include <utility>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -74,4 +74,4 @@ std::optional<Bytes> MessageAssembler::add(quint8 byte)
     return std::exchange(message, {});
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -13,7 +13,7 @@
 #include <optional>
 #include <vector>
 
-namespace sim
+namespace hr::sim
 {
 
 using Bytes = std::vector<quint8>;
@@ -46,4 +46,4 @@ private:
     Bytes message;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -1,6 +1,6 @@
 #include "sim/sim_port.h"
 
-namespace sim
+namespace hr::sim
 {
 
 SimPort::SimPort(Events &clock, InterfaceKind kind) : events(clock), model(clock)
@@ -161,4 +161,4 @@ void SimPort::hangUp()
     });
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -9,7 +9,7 @@
 
 #include <QStringList>
 
-namespace sim
+namespace hr::sim
 {
 
 class SimPort : public SerialPort
@@ -75,4 +75,4 @@ private:
     std::shared_ptr<int> alive = std::make_shared<int>(0);
 };
 
-} // namespace sim
+} // namespace hr::sim

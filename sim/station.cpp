@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -147,4 +147,4 @@ std::vector<StationLoco> DemoStationLocos()
             {0x08, 0x00, 0x00, 0x80}, 41}};
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -10,7 +10,7 @@
 
 #include <array>
 
-namespace sim
+namespace hr::sim
 {
 
 /// One loco of the database.
@@ -49,4 +49,4 @@ private:
 /// The database of the demo station.
 std::vector<StationLoco> DemoStationLocos();
 
-} // namespace sim
+} // namespace hr::sim

@@ -15,6 +15,9 @@
 #include <functional>
 #include <utility>
 
+namespace hr::station
+{
+
 namespace
 {
 
@@ -351,3 +354,5 @@ LocoRecord RecordOfLoco(const DownloadedLoco &loco)
 {
     return {FitLocoName(loco.name), {}, loco.modes, loco.multiUni, loco.locoSymbol};
 }
+
+} // namespace hr::station

@@ -17,6 +17,9 @@
 #include <array>
 #include <vector>
 
+namespace hr::station
+{
+
 constexpr int BaseEntry = 110000;
 constexpr int BaseLeaving = 120000;
 constexpr int BasePreparation = 150000;
@@ -52,3 +55,5 @@ struct Download {
 
 /// The record that a downloaded loco becomes in the handheld; it has no function symbols.
 LocoRecord RecordOfLoco(const DownloadedLoco &loco);
+
+} // namespace hr::station

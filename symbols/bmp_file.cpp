@@ -10,6 +10,9 @@
 
 #include <optional>
 
+namespace hr::symbols
+{
+
 namespace
 {
 
@@ -202,3 +205,5 @@ bool SaveBmp(const PictureRows &rows, PictureGeometry geometry, const QString &f
         return templateWritten;
     return SaveFile(fileName, file); // also where the template can't be written: the user's file counts
 }
+
+} // namespace hr::symbols

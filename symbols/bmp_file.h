@@ -20,6 +20,9 @@
 #include <optional>
 #include <vector>
 
+namespace hr::symbols
+{
+
 /// The pixel rows of a picture, RowBytesOf(width) bytes each, bottom row first.
 using PictureRows = std::vector<quint8>;
 
@@ -38,3 +41,5 @@ PictureRows RowsOf(const Picture &picture);
 
 /// Path of the template for pictures of this width (48 or 14); it shows the picture saved last.
 QString TemplatePath(int width);
+
+} // namespace hr::symbols

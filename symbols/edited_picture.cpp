@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace hr::symbols
+{
+
 namespace
 {
 
@@ -82,3 +85,5 @@ void EditedPicture::SaveSpibufToBmp(const QString &fileName, int &result) const
 {
     result = SaveBmp(rows(), geometry(), fileName) ? 0 : 1;
 }
+
+} // namespace hr::symbols

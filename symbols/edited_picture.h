@@ -8,6 +8,9 @@
 #include "symbols/bmp_file.h"
 #include "symbols/pixel_cells.h"
 
+namespace hr::symbols
+{
+
 struct EditedPicture {
     EditedPicture() : EditedPicture(EmptyPicture(SymbolKind::Loco)) { }
     explicit EditedPicture(const Picture &picture);
@@ -50,3 +53,5 @@ private:
     [[nodiscard]] size_t firstPixelIndex() const { return SymbolNoHeader ? 0 : SizeBytes; }
     [[nodiscard]] PictureRows rows() const;
 };
+
+} // namespace hr::symbols

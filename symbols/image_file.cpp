@@ -7,6 +7,9 @@
 #include <array>
 #include <optional>
 
+namespace hr::symbols
+{
+
 namespace
 {
 
@@ -222,3 +225,5 @@ QByteArray ImageFileOf(const QString &fileName, const PictureRows &rows, Picture
 {
     return EndsIn(fileName, QStringLiteral(".png")) ? PngOf(rows, geometry) : BmpBytes(rows, geometry);
 }
+
+} // namespace hr::symbols

@@ -9,6 +9,9 @@
 #include <QByteArray>
 #include <QString>
 
+namespace hr::symbols
+{
+
 /// What reading a file brought: the rows (see PictureRows in bmp_file.h), or why it cannot be used (German, without a
 /// full stop; a wrong size names both sizes).
 struct ReadImage {
@@ -23,3 +26,5 @@ ReadImage ReadImageFile(const QString &fileName, const QByteArray &file, Picture
 
 /// The file of a picture; empty when it could not be made.
 QByteArray ImageFileOf(const QString &fileName, const PictureRows &rows, PictureGeometry geometry);
+
+} // namespace hr::symbols

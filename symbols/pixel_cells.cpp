@@ -2,6 +2,9 @@
 
 #include <cmath>
 
+namespace hr::symbols
+{
+
 namespace
 {
 
@@ -66,3 +69,5 @@ PixelCells InvertedCells(const PixelCells &cells, PictureGeometry geometry)
     return Repainted(
         cells, geometry, [&](int x, int y) { return ColourAt(cells, geometry, x, y) == Black ? White : Black; });
 }
+
+} // namespace hr::symbols

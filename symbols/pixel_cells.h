@@ -8,6 +8,9 @@
 
 #include <array>
 
+namespace hr::symbols
+{
+
 constexpr int TwipsPerPixel = 15;
 constexpr int CellPitch = 225;
 constexpr int CellSize = 195;
@@ -48,3 +51,5 @@ PixelCells MirroredCells(const PixelCells &cells, PictureGeometry geometry, bool
 
 /// The picture with black and white exchanged.
 PixelCells InvertedCells(const PixelCells &cells, PictureGeometry geometry);
+
+} // namespace hr::symbols

@@ -6,6 +6,9 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+namespace hr::symbols
+{
+
 namespace
 {
 
@@ -118,3 +121,5 @@ QString DescriptionOf(SymbolKind kind, const std::array<QString, 2> &names)
         text.truncate(at);
     return text;
 }
+
+} // namespace hr::symbols

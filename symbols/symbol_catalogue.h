@@ -16,6 +16,9 @@
 #include <array>
 #include <optional>
 
+namespace hr::symbols
+{
+
 constexpr int CatalogueSize = 257; // numbers 0..256; 256 is the pickers' "nothing chosen" and has no picture
 constexpr int NothingChosen = 256;
 
@@ -47,3 +50,5 @@ QString SymbolPath(SymbolKind kind, const QString &fileName);
 /// What the pickers show beside the pictures: the file name (loco), or the second half's name without marker and
 /// ending.
 QString DescriptionOf(SymbolKind kind, const std::array<QString, 2> &names);
+
+} // namespace hr::symbols

@@ -20,6 +20,9 @@
 
 #include <map>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -200,3 +203,5 @@ bool GuideWin::eventFilter(QObject *watched, QEvent *event)
     open(chapterOf(static_cast<QWidget *>(watched)));
     return true;
 }
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@ class QHBoxLayout;
 class QLineEdit;
 class QTextBrowser;
 
+namespace hr::ui
+{
+
 class GuideWin : public LeavableWindow
 {
     Q_OBJECT
@@ -38,3 +41,5 @@ private:
     QTextBrowser *page;
     QLineEdit *searchField;
 };
+
+} // namespace hr::ui

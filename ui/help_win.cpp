@@ -20,6 +20,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -190,3 +193,5 @@ void HelpWin::load()
             {QStringLiteral("Die Hilfedatei konf\\hilfe.txt fehlt!"), QStringLiteral("Fehler!"), BoxIcon::Critical});
     }
 }
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@ class QHBoxLayout;
 class QLineEdit;
 class QListWidget;
 
+namespace hr::ui
+{
+
 class HelpWin : public LeavableWindow
 {
     Q_OBJECT
@@ -40,3 +43,5 @@ private:
     QLineEdit *searchField;
     int normalSize; // of the letters, in points
 };
+
+} // namespace hr::ui

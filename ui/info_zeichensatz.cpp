@@ -7,6 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -51,3 +54,5 @@ InfoZeichensatz::InfoZeichensatz()
     connect(okButton, &QPushButton::clicked, this, &QWidget::hide);
     setDefaultButton(okButton);
 }
+
+} // namespace hr::ui

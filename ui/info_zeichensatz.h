@@ -3,6 +3,9 @@
 
 #include "ui/widgets/leavable_window.h"
 
+namespace hr::ui
+{
+
 class InfoZeichensatz : public LeavableWindow
 {
     Q_OBJECT
@@ -10,3 +13,5 @@ class InfoZeichensatz : public LeavableWindow
 public:
     InfoZeichensatz();
 };
+
+} // namespace hr::ui

@@ -33,6 +33,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 /// A menu command that opens a window: it only needs that no other command runs.
@@ -221,3 +224,5 @@ void MainWindow::closeEvent(QCloseEvent *event)
     event->ignore();
     end();
 }
+
+} // namespace hr::ui

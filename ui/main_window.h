@@ -7,6 +7,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
@@ -63,3 +66,5 @@ private:
     std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
 };
+
+} // namespace hr::ui

@@ -11,6 +11,9 @@
 
 #include <vector>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -90,3 +93,5 @@ MenuItems BuildMenuBar(QMainWindow *window, const MenuActions &actions)
     }
     return items;
 }
+
+} // namespace hr::ui

@@ -13,6 +13,9 @@
 #include <QCoreApplication>
 #include <QDir>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -95,3 +98,5 @@ void ShowProgramInfo()
         lines << QStringLiteral("Ihre Daten liegen in ") + QDir::toNativeSeparators(DataFolder()) << blankLine;
     TheAsk().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
 }
+
+} // namespace hr::ui

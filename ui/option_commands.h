@@ -1,6 +1,11 @@
 // The commands of the options menu, with their questions.
 #pragma once
 
+#include "platform/rooms.h"
+
+namespace hr::ui
+{
+
 /// "zurück in den Bedienmodus": only when a handheld is in service.
 void ReturnToOperatingMode();
 
@@ -15,3 +20,5 @@ void AskAndResetFktSymbols();
 
 /// "Programminfo".
 void ShowProgramInfo();
+
+} // namespace hr::ui

@@ -22,6 +22,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -346,3 +349,5 @@ void QtFrontend::hideAllWindows()
     for (QWidget *window : QApplication::topLevelWidgets())
         window->hide();
 }
+
+} // namespace hr::ui

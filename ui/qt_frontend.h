@@ -14,11 +14,15 @@
 #include <memory>
 #include <vector>
 
-class MainWindow;
-class ProgressWindow;
 class QDialog;
 class QMessageBox;
 class QWidget;
+
+namespace hr::ui
+{
+
+class MainWindow;
+class ProgressWindow;
 class ZentraleForm;
 
 class QtFrontend : public Ask, public Desktop
@@ -81,3 +85,5 @@ private:
     bool askingToStop = false;
     int hints = 0; // counts the "still running" hints, so that an older one does not take a newer away
 };
+
+} // namespace hr::ui

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -240,3 +243,5 @@ RecordValue UnpackRecord(const DdsRecord &record)
         return UnpackPicture(record);
     }
 }
+
+} // namespace hr::handheld

@@ -21,6 +21,9 @@
 #include <optional>
 #include <vector>
 
+namespace hr::handheld
+{
+
 struct DdsRecord {
     RecordId id;
     qsizetype position = 0; // of its kind byte in the file
@@ -52,3 +55,5 @@ QString FaultText(const DdsFault &fault);
 /// The bytes of a record, and the value of a checked one. The name of a loco is cut or filled to 21 characters.
 QByteArray PackRecord(const RecordId &id, const RecordValue &value);
 RecordValue UnpackRecord(const DdsRecord &record);
+
+} // namespace hr::handheld

@@ -9,6 +9,9 @@
 #include <set>
 #include <vector>
 
+namespace hr::handheld
+{
+
 namespace
 {
 
@@ -153,3 +156,5 @@ QString TenPerLine(std::span<const int> numbers)
         entries += QString::number(number);
     return JoinInLines(entries, QStringLiteral("\n"));
 }
+
+} // namespace hr::handheld

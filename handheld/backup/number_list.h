@@ -4,10 +4,15 @@
 // breaks are ignored wherever they stand, and so are empty entries.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
 
 #include <span>
 #include <vector>
+
+namespace hr::handheld
+{
 
 /// Hands out the numbers of a text one by one, in the order of the text, without regard to any limits. Entries that
 /// are neither a number nor a range low-high are passed over.
@@ -41,3 +46,5 @@ QString ShortList(std::span<const int> numbers, const QString &lineSeparator);
 
 /// The numbers one by one in the given order, separated by commas, with a line break after every ten.
 QString TenPerLine(std::span<const int> numbers);
+
+} // namespace hr::handheld

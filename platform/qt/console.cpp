@@ -18,6 +18,9 @@
 #include <filesystem>
 #endif
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -168,3 +171,5 @@ void Console::stopReading()
 {
     notifier.reset();
 }
+
+} // namespace hr::platform

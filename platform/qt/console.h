@@ -1,6 +1,8 @@
 // The terminal that a program without windows runs on.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QObject>
 #include <QString>
 
@@ -9,6 +11,9 @@
 #include <optional>
 
 class QSocketNotifier;
+
+namespace hr::platform
+{
 
 /// Gives the standard streams that the caller has closed to nothing, so that no port or file that is opened later takes
 /// their place and is written to as if it were the output. To be called first.
@@ -53,3 +58,5 @@ private:
     unsigned outputBefore; // character set that the window of the terminal had (Windows)
     std::unique_ptr<QSocketNotifier> notifier;
 };
+
+} // namespace hr::platform

@@ -12,6 +12,9 @@
 #include <cerrno>
 #endif
 
+namespace hr::platform
+{
+
 #ifdef _WIN32
 
 bool MachineDisk::flush(QFileDevice &file)
@@ -42,3 +45,5 @@ bool MachineDisk::flushFolder(const QString &folder)
 }
 
 #endif
+
+} // namespace hr::platform

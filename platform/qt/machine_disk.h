@@ -3,6 +3,9 @@
 
 #include "platform/disk.h"
 
+namespace hr::platform
+{
+
 class MachineDisk : public Disk
 {
 public:
@@ -11,3 +14,5 @@ public:
     /// On systems that keep the names of a folder by themselves there is nothing to do.
     [[nodiscard]] bool flushFolder(const QString &folder) override;
 };
+
+} // namespace hr::platform

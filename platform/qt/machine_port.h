@@ -4,8 +4,17 @@
 
 #ifdef HR_WIN_SERIAL_PORT
 #include "platform/qt/win_serial_port.h"
-using MachinePort = WinSerialPort;
 #else
 #include "platform/qt/qt_serial_port.h"
+#endif
+
+namespace hr::platform
+{
+
+#ifdef HR_WIN_SERIAL_PORT
+using MachinePort = WinSerialPort;
+#else
 using MachinePort = QtSerialPort;
 #endif
+
+} // namespace hr::platform

@@ -8,6 +8,9 @@
 #include <chrono>
 #include <utility>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -83,3 +86,5 @@ void QtEvents::quit()
 {
     QCoreApplication::quit();
 }
+
+} // namespace hr::platform

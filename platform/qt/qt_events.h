@@ -10,6 +10,9 @@
 
 class QTimer;
 
+namespace hr::platform
+{
+
 class QtEvents : public Events
 {
 public:
@@ -36,3 +39,5 @@ private:
     std::map<TimerId, std::unique_ptr<QTimer>> timers;
     TimerId lastTimer = 0;
 };
+
+} // namespace hr::platform

@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -227,3 +230,5 @@ void QtSerialPort::reportHangUp()
     if (onHangUp)
         onHangUp();
 }
+
+} // namespace hr::platform

@@ -8,6 +8,9 @@
 
 #include <optional>
 
+namespace hr::platform
+{
+
 class QtSerialPort : public SerialPort
 {
 public:
@@ -56,3 +59,5 @@ private:
     bool hungUp = false;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };
+
+} // namespace hr::platform

@@ -14,6 +14,9 @@
 
 #include <setupapi.h>
 
+namespace hr::platform
+{
+
 namespace
 {
 
@@ -469,3 +472,5 @@ void WinSerialPort::handleLoss()
             onHangUp();
     });
 }
+
+} // namespace hr::platform

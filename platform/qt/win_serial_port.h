@@ -7,6 +7,9 @@
 #include <memory>
 #include <optional>
 
+namespace hr::platform
+{
+
 class WinSerialPort : public SerialPort
 {
 public:
@@ -57,3 +60,5 @@ private:
     bool hungUp = false;
     int opening = 0; // counts the openings, so that a late report never closes a newer one
 };
+
+} // namespace hr::platform

@@ -13,6 +13,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace hr::sim
+{
+
 namespace
 {
 
@@ -192,6 +195,11 @@ int Fail(const QString &text)
 }
 
 } // namespace
+
+} // namespace hr::sim
+
+using namespace hr;
+using namespace hr::sim;
 
 int main(int argc, char *argv[])
 {

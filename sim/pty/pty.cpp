@@ -9,7 +9,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -72,4 +72,4 @@ void Pty::readAll() const
         onBytes(bytes);
 }
 
-} // namespace sim
+} // namespace hr::sim

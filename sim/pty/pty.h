@@ -9,7 +9,7 @@
 #include <functional>
 #include <memory>
 
-namespace sim
+namespace hr::sim
 {
 
 class Pty
@@ -45,4 +45,4 @@ private:
     std::unique_ptr<QSocketNotifier> notifier;
 };
 
-} // namespace sim
+} // namespace hr::sim

@@ -6,7 +6,7 @@
 
 #include <utility>
 
-namespace sim
+namespace hr::sim
 {
 namespace
 {
@@ -157,4 +157,4 @@ void PtyBus::printStatistics() const
               .arg(chip.ignored));
 }
 
-} // namespace sim
+} // namespace hr::sim

@@ -6,7 +6,7 @@
 
 #include <QStringList>
 
-namespace sim
+namespace hr::sim
 {
 
 class PtyBus
@@ -46,4 +46,4 @@ private:
 /// Prints one line to the standard output at once.
 void Print(const QString &line);
 
-} // namespace sim
+} // namespace hr::sim

@@ -23,6 +23,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 /// Somebody at a terminal who types these lines, and then ends the input.
 class TypingUser : public Console
 {
@@ -848,3 +851,5 @@ TEST_F(Calls, YesToAllIsNotYesForEver)
     EXPECT_TRUE(terminal.askYesNo(question, false));
     EXPECT_FALSE(terminal.askYesNo(question, true)) << "Ja did not help";
 }
+
+} // namespace hr::tests

@@ -9,6 +9,9 @@
 #include <random>
 #include <vector>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -196,3 +199,5 @@ TEST_F(BlockTables, ACarefulWriteKeepsTheRestOfAPageThatIsNotLoadedAsAgreed)
         }
     }
 }
+
+} // namespace hr::tests

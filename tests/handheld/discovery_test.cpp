@@ -6,6 +6,9 @@
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class Discovery : public VirtualWorld
 {
 protected:
@@ -137,3 +140,5 @@ TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
         }
     }
 }
+
+} // namespace hr::tests

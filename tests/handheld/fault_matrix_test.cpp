@@ -13,6 +13,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -437,3 +440,5 @@ TEST_P(PageLoad, AHandheldThatComesBackLoadsThePageFirst)
         EXPECT_TRUE(neighboursUnharmed(target)) << seconds;
     }
 }
+
+} // namespace hr::tests

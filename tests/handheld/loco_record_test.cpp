@@ -7,6 +7,9 @@
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class LocoRecords : public VirtualWorld
 {
 protected:
@@ -165,3 +168,5 @@ TEST_F(LocoRecords, TheStartImageTakesItsBytesOnly)
     EXPECT_EQ(flashBytes(StartImageAddress, 512), page);
     EXPECT_EQ(ReadStartPicture(image).value, picture);
 }
+
+} // namespace hr::tests

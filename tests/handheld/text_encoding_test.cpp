@@ -4,6 +4,9 @@
 
 #include <vector>
 
+namespace hr::tests
+{
+
 class TextEncoding : public ::testing::Test
 {
 protected:
@@ -44,3 +47,5 @@ TEST_F(TextEncoding, ForeignNamesAreAdapted)
     for (const auto &[text, adapted] : rows)
         EXPECT_EQ(AdaptName(QString::fromUtf8(text)), QString::fromUtf8(adapted)) << text;
 }
+
+} // namespace hr::tests

@@ -6,6 +6,9 @@
 
 #include <numeric>
 
+namespace hr::tests
+{
+
 class Transfer : public VirtualWorld
 {
 protected:
@@ -154,3 +157,5 @@ TEST_F(Transfer, LateAndTornTrafficIsUnderstood)
     layout().faults.set(faults);
     EXPECT_TRUE(ReadFlash(image, 0, 64).ok());
 }
+
+} // namespace hr::tests

@@ -14,6 +14,9 @@
 
 #include <set>
 
+namespace hr::tests
+{
+
 class BackupTest : public VirtualWorld
 {
 protected:
@@ -529,3 +532,5 @@ TEST_F(BackupTest, SpreadingKeepsWhatIsUnknownAndLeavesARecordThatIsNotUnderstoo
     EXPECT_EQ(flashBytes(8 * 64 + 21, 7), QByteArray(7, '\x42'));
     EXPECT_EQ(flashBytes(18 * 64, 64), strange);
 }
+
+} // namespace hr::tests

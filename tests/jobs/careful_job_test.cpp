@@ -18,6 +18,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 /// Says yes to all questions but those listed, and notes them.
 class ScriptedFace : public JobFace
 {
@@ -857,3 +860,5 @@ TEST_F(CarefulJobs, ABackupLeavesAJournalThatIsNotItsOwn)
     EXPECT_EQ(user.boxes.size(), 1);
     EXPECT_EQ(*ReadWholeFile(JournalName(file())), before);
 }
+
+} // namespace hr::tests

@@ -2,6 +2,9 @@
 #include "jobs/change.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class Changes : public VirtualWorld
 {
 };
@@ -35,3 +38,5 @@ TEST_F(Changes, OfTablesAreToldByWhatTheEntriesMean)
     for (const auto &[from, to, text] : rows)
         EXPECT_EQ(FieldsText({{}, Change::Changed, to, from, {}}), QString::fromUtf8(text));
 }
+
+} // namespace hr::tests

@@ -9,6 +9,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 class QuickReading : public VirtualWorld, public ::testing::WithParamInterface<Cadence>
 {
 protected:
@@ -196,3 +199,5 @@ TEST_P(QuickReading, ALostSliceMakesOnlyDoubtfulWhatItHeld)
         events.run(6);
     }
 }
+
+} // namespace hr::tests

@@ -6,6 +6,9 @@
 #include "link/open_link.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class FastCadence : public VirtualWorld
 {
 protected:
@@ -130,3 +133,5 @@ TEST_F(FastCadence, NoTimerRunsWhenNothingIsUnderWay)
         EXPECT_EQ(events.timersRunning(), 0U);
     }
 }
+
+} // namespace hr::tests

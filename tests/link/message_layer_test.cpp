@@ -6,6 +6,9 @@
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -387,3 +390,5 @@ TEST_F(Messages, HighBitsTravelInTheCollectors)
     UnpackHighBits(packed);
     EXPECT_EQ(DataOf(packed), DataOf(plain));
 }
+
+} // namespace hr::tests

@@ -6,6 +6,9 @@
 
 #include <QFile>
 
+namespace hr::tests
+{
+
 class OpenLinks : public VirtualWorld
 {
 protected:
@@ -110,3 +113,5 @@ TEST_F(Orvanto1, AWaitForThePromptStartsOneTimer)
     expectFailure();
     EXPECT_LE(events.timersStarted - before, 3);
 }
+
+} // namespace hr::tests

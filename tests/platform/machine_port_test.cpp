@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 namespace
 {
 constexpr qint64 PatienceUs = 2'000'000;
@@ -128,3 +131,5 @@ TEST_F(MachinePorts, TellOnceThatTheyWerePulled)
     EXPECT_TRUE(arrive(Message.size()));
 }
 #endif
+
+} // namespace hr::tests

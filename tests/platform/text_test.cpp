@@ -6,6 +6,9 @@
 
 #include <climits>
 
+namespace hr::tests
+{
+
 TEST(Text, ValReadsLeadingDigitsOnly)
 {
     const std::pair<const char *, int> rows[] = {{"", 0}, {"  12", 12}, {"12x3", 12}, {"1 2", 1}, {"-5", 0},
@@ -28,3 +31,5 @@ TEST(Text, PortTextsNameDevices)
     EXPECT_TRUE(IsDemoPort(QStringLiteral(" dEMO ")));
     EXPECT_FALSE(IsDemoPort(QStringLiteral("Demo2")));
 }
+
+} // namespace hr::tests

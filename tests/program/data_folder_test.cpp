@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 class DataFolders : public ::testing::Test
 {
 protected:
@@ -68,3 +71,5 @@ TEST_F(DataFolders, AnUpdateReplacesOnlyWhatTheUserLeftAsItWas)
     EXPECT_EQ(own(QStringLiteral("lok/c.bmp")), "C");
     EXPECT_EQ(own(QStringLiteral("lok/mine.bmp")), "mine too");
 }
+
+} // namespace hr::tests

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 TEST(RunControl, AJobInsideAnotherOneKeepsItsStop)
 {
     ResetRunControl();
@@ -19,3 +22,5 @@ TEST(RunControl, AJobInsideAnotherOneKeepsItsStop)
     }
     ResetRunControl();
 }
+
+} // namespace hr::tests

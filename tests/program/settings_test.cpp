@@ -3,6 +3,9 @@
 #include "platform/files.h"
 #include "tests/support/virtual_world.h"
 
+namespace hr::tests
+{
+
 class Settings : public VirtualWorld
 {
 protected:
@@ -48,3 +51,5 @@ TEST_F(Settings, MissingFolderIsReportedOnceARun)
     EXPECT_EQ(ReadSettings().interfaceType, InterfaceDirect); // as the next round of the start does
     EXPECT_EQ(ReadSettings().port.text, QStringLiteral("Demo"));
 }
+
+} // namespace hr::tests

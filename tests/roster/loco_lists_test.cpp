@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 TEST(LocoLists, ACellSaysAllOfItsFieldAndAMissingColumnNothing)
 {
     BuildZeichensatz();
@@ -55,3 +58,5 @@ TEST(TableLists, AnEmptyAddressChangesNothingWhereNoneStands)
         EXPECT_EQ(std::get<Routes>(value) != routes, row.changes) << row.csv << static_cast<int>(row.high);
     }
 }
+
+} // namespace hr::tests

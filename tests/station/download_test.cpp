@@ -9,6 +9,9 @@
 
 #include <utility>
 
+namespace hr::tests
+{
+
 class Downloads : public VirtualWorld
 {
 protected:
@@ -242,3 +245,5 @@ TEST_F(Downloads, AnAnswerBeforeTheRequestIsNotBelieved)
         }
     }
 }
+
+} // namespace hr::tests

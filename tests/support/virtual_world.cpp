@@ -15,6 +15,9 @@
 #include <QCoreApplication>
 #include <QDir>
 
+namespace hr::tests
+{
+
 namespace
 {
 constexpr double UsPerSecond = 1e6;
@@ -222,3 +225,5 @@ int VirtualWorld::messagesOnBus(int opcode)
         count += message.bytes.at(0) == opcode ? 1 : 0;
     return count;
 }
+
+} // namespace hr::tests

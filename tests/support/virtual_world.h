@@ -20,6 +20,9 @@
 #include <memory>
 #include <optional>
 
+namespace hr::tests
+{
+
 class VirtualEvents : public Events
 {
 public:
@@ -144,3 +147,5 @@ protected:
 
 /// Restores the start-up state of every core module.
 void ResetCore();
+
+} // namespace hr::tests

@@ -20,6 +20,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -146,3 +149,5 @@ void WindowWorld::trigger(const char *name)
 {
     action(name)->trigger();
 }
+
+} // namespace hr::tests

@@ -11,7 +11,14 @@
 class QAction;
 class QLineEdit;
 class QPushButton;
+
+namespace hr::ui
+{
 class QtFrontend;
+}
+
+namespace hr::tests
+{
 
 /// The scripted user in front of windows: file dialogs, selection window, main window.
 class ScriptedUser : public ScriptedAsk, public Desktop
@@ -76,3 +83,5 @@ protected:
 private:
     std::unique_ptr<MainWindow> mainWindow;
 };
+
+} // namespace hr::tests

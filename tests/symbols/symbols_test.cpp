@@ -10,6 +10,9 @@
 
 #include <png.h>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -320,3 +323,5 @@ TEST(PixelCells, PicturesAreShiftedMirroredAndInvertedInTheirOwnGeometry)
     for (const auto &[result, expected] : table)
         EXPECT_EQ(result, cells(expected)) << expected;
 }
+
+} // namespace hr::tests

@@ -18,6 +18,9 @@
 
 #include <algorithm>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -243,3 +246,5 @@ TEST_F(RealFrontend, LongJobsShowHowFarTheyAreAndClosingTheMainWindowAsksFirst)
     frontend->hideProgress();
     EXPECT_EQ(progress->windowTitle(), QStringLiteral("Fortschritt:"));
 }
+
+} // namespace hr::tests

@@ -27,6 +27,9 @@
 #include <QShortcut>
 #include <QTextBrowser>
 
+namespace hr::tests
+{
+
 class MainWindowTest : public WindowWorld
 {
 protected:
@@ -650,3 +653,5 @@ TEST_F(MainWindowTest, F1OpensTheGuideAtTheChapterOfTheWindow)
         widget->close();
     }
 }
+
+} // namespace hr::tests

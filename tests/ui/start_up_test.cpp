@@ -8,6 +8,9 @@
 #include "tests/support/window_world.h"
 #include "ui/common/connection.h"
 
+namespace hr::tests
+{
+
 class StartUp : public DesktopWorld
 {
 protected:
@@ -99,3 +102,5 @@ TEST_F(StartUp, KindsThatOpenNoPortAreToldAndTheTitleIsUnknown)
     InterfaceType = InterfaceNone;
     EXPECT_FALSE(HandheldConnected()); // without a box
 }
+
+} // namespace hr::tests

@@ -11,6 +11,9 @@
 
 #include <gtest/gtest.h>
 
+namespace hr::tests
+{
+
 TEST(Looks, PicturesAreCrispAtEveryScale)
 {
     QImage squares(14, 14, QImage::Format_RGB32); // black and white by turns
@@ -84,3 +87,5 @@ TEST(Looks, SizesOfWindowsAreKeptOnlyWhenTheUserChangedThem)
     EXPECT_EQ(limited.height(), 360);
     KeepWindowSizesIn(QString());
 }
+
+} // namespace hr::tests

@@ -14,6 +14,9 @@
 
 #include <QDir>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -96,3 +99,5 @@ void ResetBackupWindows()
     ResetFoundAddresses();
     ResetBackupViewer();
 }
+
+} // namespace hr::ui

@@ -1,6 +1,11 @@
 // The three backup commands of the menu "Datei".
 #pragma once
 
+#include "platform/rooms.h"
+
+namespace hr::ui
+{
+
 /// "Daten eines Handreglers sichern": file dialog, selection window, connection guard, backup; after a search the
 /// window of the addresses found. The same backup that was broken off before is offered to be continued.
 void SaveHandheldData();
@@ -13,3 +18,5 @@ void RestoreHandheldData();
 
 /// Destroys the windows. To be called while the application lives.
 void ResetBackupWindows();
+
+} // namespace hr::ui

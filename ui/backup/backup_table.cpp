@@ -5,6 +5,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -162,3 +165,5 @@ QString ColumnCaption(int column)
         return FrontCaption(column);
     return u'f' + QString::number(column - BackupTable::FirstFunctionColumn);
 }
+
+} // namespace hr::ui

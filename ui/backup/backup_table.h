@@ -7,6 +7,9 @@
 #include <QAbstractTableModel>
 #include <QPixmap>
 
+namespace hr::ui
+{
+
 class BackupTable : public QAbstractTableModel
 {
     Q_OBJECT
@@ -45,3 +48,5 @@ QString MomentaryMark(const LocoRecord &record, int function);
 
 /// Captions of the columns before the functions; the functions are f0 .. f24.
 QString ColumnCaption(int column);
+
+} // namespace hr::ui

@@ -28,6 +28,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 /// Address or name contain the filter's text, or a word of the loco symbol begins with it.
 class LocoFilter : public QSortFilterProxyModel
 {
@@ -347,3 +350,5 @@ void ResetBackupViewer()
 {
     viewer.reset();
 }
+
+} // namespace hr::ui

@@ -5,13 +5,21 @@
 #include "handheld/backup/dds_file.h"
 #include "ui/widgets/leavable_window.h"
 
-class BackupTable;
-class LocoFilter;
+class QAction;
 class QLabel;
 class QLineEdit;
 class QTableView;
-class QAction;
+
+namespace hr::roster
+{
 struct RosterLoco;
+}
+
+namespace hr::ui
+{
+
+class BackupTable;
+class LocoFilter;
 
 class BackupViewer : public LeavableWindow
 {
@@ -60,3 +68,5 @@ void OpenBackupViewer(const QString &fileName);
 
 /// Destroys the window. To be called while the application lives.
 void ResetBackupViewer();
+
+} // namespace hr::ui

@@ -18,6 +18,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -114,3 +117,5 @@ void ResetFoundAddresses()
 {
     foundWindow.reset();
 }
+
+} // namespace hr::ui

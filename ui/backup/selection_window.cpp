@@ -14,6 +14,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -326,3 +329,5 @@ bool AskForBackupSelection(BackupSelection &selection)
     selection = window.selection();
     return true;
 }
+
+} // namespace hr::ui

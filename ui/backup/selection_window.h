@@ -12,6 +12,9 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 
+namespace hr::ui
+{
+
 class SelectionWindow : public LeavableWindow
 {
     Q_OBJECT
@@ -77,3 +80,5 @@ bool LayLocoList(const QString &list, bool maySave);
 /// Lets the user change the selection. False after a cancel or when the program ends; the selection is as it was
 /// then. The caller holds the busy scope.
 bool AskForBackupSelection(BackupSelection &selection);
+
+} // namespace hr::ui

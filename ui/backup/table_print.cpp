@@ -5,6 +5,9 @@
 #include <QPainter>
 #include <QPdfWriter>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -150,3 +153,5 @@ QByteArray PdfOf(const QString &title, const std::vector<RosterLoco> &locos)
     }
     return bytes;
 }
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int SamePlace = 10; // logical pixels that a hand moves in a double-click
@@ -57,3 +60,5 @@ bool ClickGuard::eventFilter(QObject *watched, QEvent *event)
         return false;
     }
 }
+
+} // namespace hr::ui

@@ -2,10 +2,15 @@
 // otherwise press whatever lies there.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QObject>
 #include <QPoint>
 #include <QPointer>
 #include <QWidget>
+
+namespace hr::ui
+{
 
 class ClickGuard : public QObject
 {
@@ -28,3 +33,5 @@ private:
     bool closed = false;             // that window is gone since
     bool swallowing = false;         // until the button is released
 };
+
+} // namespace hr::ui

@@ -2,6 +2,9 @@
 
 #include "ui/common/connection.h"
 
+namespace hr::ui
+{
+
 bool Command::connected() const
 {
     return ok() && HandheldConnected();
@@ -21,3 +24,5 @@ bool Command::mayWriteDoubtful(const QString &what) const
             QStringLiteral("Achtung!"), BoxIcon::Critical},
         false);
 }
+
+} // namespace hr::ui

@@ -6,6 +6,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 /// Lives as long as the command. The guard and questions wait; what is typed meanwhile belongs to the next command, so
 /// whatever a command writes is taken before it asks anything (see CommandOn).
 class Command
@@ -37,3 +40,5 @@ public:
 };
 
 template <typename Take> CommandOn(Take) -> CommandOn<decltype(std::declval<Take>()())>;
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 #include "shown/connection.h"
 #include "ui/common/desktop.h"
 
+namespace hr::ui
+{
+
 Outcome OpenPort()
 {
     if (Comm().isOpen()) {
@@ -74,3 +77,5 @@ bool HandheldConnected()
         ConnectHandheld();
     return HandreglerGefunden && !WaitsMustEnd();
 }
+
+} // namespace hr::ui

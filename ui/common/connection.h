@@ -3,6 +3,9 @@
 
 #include "program/outcome.h"
 
+namespace hr::ui
+{
+
 /// Toggles the link. Open port: closes it. Otherwise opens it; a failure shows its box and then the selection window,
 /// until an attempt succeeds. ProgramEnds when the user gives up there.
 Outcome OpenPort();
@@ -26,3 +29,5 @@ void ConnectHandheld();
 /// From now on the title names a handheld only while it is in service: a lost port, new settings and the way back to normal
 /// operation take it away.
 void FollowService();
+
+} // namespace hr::ui

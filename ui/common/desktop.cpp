@@ -5,6 +5,9 @@
 
 #include <QDialog>
 
+namespace hr::ui
+{
+
 namespace
 {
 Desktop *installed = nullptr;
@@ -49,3 +52,5 @@ QWidget *WaitedFor()
 {
     return waitingWindows.empty() ? nullptr : waitingWindows.back();
 }
+
+} // namespace hr::ui

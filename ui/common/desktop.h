@@ -2,12 +2,17 @@
 // window, and which window a running command waits for.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
 
 #include <vector>
 
 class QDialog;
 class QWidget;
+
+namespace hr::ui
+{
 
 class Desktop
 {
@@ -58,3 +63,5 @@ void WaitForDialog(QDialog &dialog);
 
 /// The innermost window that is waited for; null when there is none.
 QWidget *WaitedFor();
+
+} // namespace hr::ui

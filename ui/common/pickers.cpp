@@ -24,6 +24,9 @@
 #include <array>
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -332,3 +335,5 @@ void ResetPickers()
     for (auto &picker : pickers)
         picker.reset();
 }
+
+} // namespace hr::ui

@@ -10,11 +10,15 @@
 
 #include <vector>
 
-class Grid;
-class PictureBox;
 class QCheckBox;
 class QLabel;
 class QLineEdit;
+
+namespace hr::ui
+{
+
+class Grid;
+class PictureBox;
 
 class SymbolPicker : public LeavableWindow
 {
@@ -67,3 +71,5 @@ void RefreshPickerRow(SymbolKind kind, int number);
 
 /// Destroys the picker windows.
 void ResetPickers();
+
+} // namespace hr::ui

@@ -3,6 +3,9 @@
 
 #include "program/ask.h"
 
+namespace hr::ui
+{
+
 class Progress
 {
 public:
@@ -17,3 +20,5 @@ constexpr double StandardDelaySeconds = 0.5;
 
 /// Pause after a pick and around the filling of tables.
 constexpr double ShortPauseSeconds = 0.1;
+
+} // namespace hr::ui

@@ -11,6 +11,9 @@
 #include "ui/common/desktop.h"
 #include "ui/common/progress.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void Main()
     ScanCatalogues();
     while (!StartUpRound()) { }
 }
+
+} // namespace hr::ui

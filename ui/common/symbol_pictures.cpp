@@ -12,6 +12,9 @@
 #include <optional>
 #include <tuple>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -139,3 +142,5 @@ void ResetSymbolPictures()
     known.clear();
     hook.reset();
 }
+
+} // namespace hr::ui

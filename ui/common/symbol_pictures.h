@@ -6,6 +6,9 @@
 #include <QImage>
 #include <QPixmap>
 
+namespace hr::ui
+{
+
 class Grid;
 
 /// The picture of a number and catalogue half; null where there is none or the file is missing or damaged. The disk is
@@ -41,3 +44,5 @@ void DropSymbolPictures(SymbolKind kind, int number);
 
 /// Forgets all. To be called while the application object lives.
 void ResetSymbolPictures();
+
+} // namespace hr::ui

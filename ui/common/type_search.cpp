@@ -2,6 +2,9 @@
 
 #include "platform/world.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr qint64 PauseUs = 1'000'000;
@@ -50,3 +53,5 @@ void TypeSearch::type(const QString &character)
     if (found >= 0)
         grid->setCurrentCell(found, qMax(0, grid->currentColumn()));
 }
+
+} // namespace hr::ui

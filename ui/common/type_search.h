@@ -3,6 +3,9 @@
 
 #include "ui/widgets/grid.h"
 
+namespace hr::ui
+{
+
 class TypeSearch
 {
 public:
@@ -21,3 +24,5 @@ private:
     QString word;
     qint64 lastTypedUs = 0;
 };
+
+} // namespace hr::ui

@@ -5,6 +5,9 @@
 #include "link/open_link.h"
 #include "shown/connection.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -67,3 +70,5 @@ CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
                 + QStringLiteral("\rEs wurde nichts geschrieben."));
     return end;
 }
+
+} // namespace hr::ui

@@ -4,5 +4,10 @@
 #include "jobs/careful_job.h"
 #include "ui/common/command.h"
 
+namespace hr::ui
+{
+
 /// Carries the job out and shows what became of it. The command has passed the guard. Whatever goes wrong has been told.
 CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job);
+
+} // namespace hr::ui

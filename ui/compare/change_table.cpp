@@ -6,6 +6,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -175,3 +178,5 @@ QVariant ChangeTable::headerData(int section, Qt::Orientation orientation, int r
     const bool left = role == Qt::TextAlignmentRole && section != OldPictureColumn && section != NewPictureColumn;
     return left ? QVariant(static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter)) : QVariant();
 }
+
+} // namespace hr::ui

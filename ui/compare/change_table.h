@@ -10,6 +10,9 @@
 
 #include <set>
 
+namespace hr::ui
+{
+
 class ChangeTable : public QAbstractTableModel
 {
     Q_OBJECT
@@ -70,3 +73,5 @@ private:
 
     std::vector<Row> rows;
 };
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -70,3 +73,5 @@ void ResetCompareWindow()
 {
     compareWindow.reset();
 }
+
+} // namespace hr::ui

@@ -1,7 +1,12 @@
 // The commands of the menu "Werkzeuge", and the comparison that the viewer of a backup asks for.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QString>
+
+namespace hr::ui
+{
 
 /// "Vergleichen…": file dialog, then the window, in which the user says with what.
 void CompareBackup();
@@ -15,3 +20,5 @@ void TakeBackLastChange();
 
 /// Destroys the window. To be called while the application lives.
 void ResetCompareWindow();
+
+} // namespace hr::ui

@@ -28,6 +28,9 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 /// Shows what differs, or all, as far as the text occurs in a row or is the beginning of a word of its symbol.
 class ChangeFilter : public QSortFilterProxyModel
 {
@@ -472,3 +475,5 @@ void CompareWindow::exportCsv()
     else
         ReportFileUnwritable(fileName);
 }
+
+} // namespace hr::ui

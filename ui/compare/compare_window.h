@@ -8,15 +8,19 @@
 #include "jobs/careful_job.h"
 #include "ui/widgets/leavable_window.h"
 
-class ChangeFilter;
-class ChangeTable;
-class Command;
 class QCheckBox;
 class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QTableView;
+
+namespace hr::ui
+{
+
+class ChangeFilter;
+class ChangeTable;
+class Command;
 
 /// A backup file with its sound records.
 struct BackupFile {
@@ -89,3 +93,5 @@ private:
 /// The records of a backup file. A file that cannot be read or holds nothing is told; of a damaged one what stands before
 /// the damage is used after a box that names it.
 std::optional<BackupFile> LoadBackupFile(const QString &fileName);
+
+} // namespace hr::ui

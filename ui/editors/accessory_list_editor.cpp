@@ -12,6 +12,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -171,3 +174,5 @@ void AccessoryListEditor::pickSymbol(int row)
     setSymbol(row, chosen);
     showSymbol(row);
 }
+
+} // namespace hr::ui

@@ -6,6 +6,9 @@
 
 #include "ui/editors/block_editor.h"
 
+namespace hr::ui
+{
+
 class AccessoryListEditor : public BlockEditor
 {
     Q_OBJECT
@@ -30,3 +33,5 @@ private:
     void takeDesignation(int row, const QString &text);
     void pickSymbol(int row);
 };
+
+} // namespace hr::ui

@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -122,3 +125,5 @@ std::vector<int> AssignmentEditor::rowsToPickFor(int row) const
     std::vector<int> marked = grid->markedRows();
     return std::ranges::find(marked, row) != marked.end() ? marked : std::vector<int>{row};
 }
+
+} // namespace hr::ui

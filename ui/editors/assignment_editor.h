@@ -5,6 +5,9 @@
 
 #include "ui/editors/block_editor.h"
 
+namespace hr::ui
+{
+
 class AssignmentEditor : public BlockEditor
 {
     Q_OBJECT
@@ -28,3 +31,5 @@ private:
     void fillTable();
     [[nodiscard]] std::vector<int> rowsToPickFor(int row) const;
 };
+
+} // namespace hr::ui

@@ -19,6 +19,9 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int RowHeight = 24;
@@ -202,3 +205,5 @@ int BlockEditor::pickAccessorySymbol(int present)
     activateWindow(); // the picker has no owner: without this the main window may come forward
     return chosen;
 }
+
+} // namespace hr::ui

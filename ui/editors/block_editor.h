@@ -18,11 +18,15 @@
 #include <optional>
 #include <vector>
 
+class QLabel;
+class QPushButton;
+
+namespace hr::ui
+{
+
 class CellInput;
 class Command;
 class Grid;
-class QLabel;
-class QPushButton;
 
 /// What a table window is called and how its grid looks.
 struct BlockEditorLook {
@@ -141,3 +145,5 @@ private:
     QLabel *changedLbl; // beside the write button
     QLabel *unreadLbl;  // above the grid
 };
+
+} // namespace hr::ui

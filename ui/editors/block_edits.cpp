@@ -12,6 +12,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -223,3 +226,5 @@ void BlockEditor::fillDown()
         return {};
     });
 }
+
+} // namespace hr::ui

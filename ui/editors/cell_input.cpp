@@ -11,6 +11,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr double SettleSeconds = 0.25;
@@ -92,3 +95,5 @@ void CellInput::takeFocusBack()
     if (editActive && grid->window()->isActiveWindow() && QApplication::activePopupWidget() == nullptr)
         grid->inputBox()->setFocus();
 }
+
+} // namespace hr::ui

@@ -1,11 +1,16 @@
 // Typing into a cell: the grid's text box lies over the cell until Enter, Escape or a click elsewhere ends it.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QObject>
 #include <QString>
 
 #include <functional>
 #include <optional>
+
+namespace hr::ui
+{
 
 class Grid;
 
@@ -42,3 +47,5 @@ private:
     bool discarded = false;  // Escape
     std::function<void()> waitingCommand;
 };
+
+} // namespace hr::ui

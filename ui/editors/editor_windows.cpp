@@ -6,6 +6,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -54,3 +57,5 @@ void ResetEditors()
     assignmentEditor.reset();
     accessoryListEditor.reset();
 }
+
+} // namespace hr::ui

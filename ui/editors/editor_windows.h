@@ -2,7 +2,12 @@
 // destroyed, by its buttons, so that it shows its grid as it was.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStringList>
+
+namespace hr::ui
+{
 
 void OpenRouteEditor();
 void OpenAssignmentEditor();
@@ -13,3 +18,5 @@ QStringList UnwrittenTables();
 
 /// Destroys the windows. To be called while the application lives.
 void ResetEditors();
+
+} // namespace hr::ui

@@ -9,6 +9,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -144,3 +147,5 @@ bool RouteEditor::takeAddress(int row, int address)
     SetFeedback(row, address);
     return true;
 }
+
+} // namespace hr::ui

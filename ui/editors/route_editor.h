@@ -6,6 +6,9 @@
 
 #include "ui/editors/block_editor.h"
 
+namespace hr::ui
+{
+
 class RouteEditor : public BlockEditor
 {
     Q_OBJECT
@@ -33,3 +36,5 @@ private:
     bool typeAddress(int row);
     static bool takeAddress(int row, int address);
 };
+
+} // namespace hr::ui

@@ -31,6 +31,9 @@
 #include <memory>
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -388,3 +391,5 @@ void ResetImportWindow()
 {
     importWindow.reset();
 }
+
+} // namespace hr::ui

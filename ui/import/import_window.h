@@ -5,10 +5,14 @@
 #include "station/download.h"
 #include "ui/widgets/leavable_window.h"
 
-class Grid;
 class QLabel;
 class QLineEdit;
 class QTableWidgetItem;
+
+namespace hr::ui
+{
+
+class Grid;
 
 class ImportWindow : public LeavableWindow
 {
@@ -59,3 +63,5 @@ void FetchStationLocos();
 
 /// Destroys the window. To be called while the application lives.
 void ResetImportWindow();
+
+} // namespace hr::ui

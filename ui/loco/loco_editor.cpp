@@ -27,6 +27,9 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -568,3 +571,5 @@ void LocoEditor::pickLocoSymbol()
     change([this, chosen] { record.locoSymbol = chosen; });
     showLocoSymbol();
 }
+
+} // namespace hr::ui

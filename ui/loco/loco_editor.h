@@ -10,13 +10,17 @@
 
 #include <QGroupBox>
 
-class Grid;
-class PictureBox;
 class QCheckBox;
 class QHBoxLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+
+namespace hr::ui
+{
+
+class Grid;
+class PictureBox;
 
 class LocoEditor : public QGroupBox
 {
@@ -107,3 +111,5 @@ private:
     SnapshotHistory<State> history;
     int readAddress = 0; // where the record in memory was read; 0 = nowhere
 };
+
+} // namespace hr::ui

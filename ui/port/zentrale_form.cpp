@@ -27,6 +27,9 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int PortNameRole = Qt::UserRole + 1;
@@ -266,3 +269,5 @@ void ZentraleForm::leave()
     if (SelectionAwaited && SelectionAnswer == 0)
         SelectionAnswer = -1;
 }
+
+} // namespace hr::ui

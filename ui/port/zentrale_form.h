@@ -12,6 +12,9 @@ class QLineEdit;
 class QPushButton;
 class QRadioButton;
 
+namespace hr::ui
+{
+
 class ZentraleForm : public LeavableWindow
 {
     Q_OBJECT
@@ -57,3 +60,5 @@ private:
     bool working = false;   // OK sends a found handheld back before it takes anything over
     bool cancelled = false; // meanwhile
 };
+
+} // namespace hr::ui

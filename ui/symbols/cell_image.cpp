@@ -2,6 +2,9 @@
 
 #include <QPainter>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -43,3 +46,5 @@ QImage FittedImage(const QImage &image, PictureGeometry geometry)
 {
     return OnWhite(image).scaled(geometry.width, geometry.height, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr double StrokeStep = 5; // logical pixels, less than a cell
@@ -170,3 +173,5 @@ void PixelCanvas::keyPressEvent(QKeyEvent *event)
         QWidget::keyPressEvent(event);
     }
 }
+
+} // namespace hr::ui

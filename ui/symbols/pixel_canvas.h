@@ -6,6 +6,9 @@
 #include <QPointF>
 #include <QWidget>
 
+namespace hr::ui
+{
+
 class PixelHistory;
 
 /// Lengths of the pixel editor are given in twips.
@@ -68,3 +71,5 @@ private:
     int cursor = 1;       // cell number
     QPointF lastPosition; // of the pointer in a stroke
 };
+
+} // namespace hr::ui

@@ -27,6 +27,9 @@
 
 #include <memory>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -377,3 +380,5 @@ void ResetPixelEditor()
 {
     theEditor.reset();
 }
+
+} // namespace hr::ui

@@ -12,13 +12,17 @@
 #include <array>
 #include <optional>
 
-class PixelCanvas;
-class PixelPreview;
 class QAction;
 class QMenu;
 class QPushButton;
 class QScrollArea;
 class QToolButton;
+
+namespace hr::ui
+{
+
+class PixelCanvas;
+class PixelPreview;
 
 class PixelEditor : public LeavableWindow
 {
@@ -76,3 +80,5 @@ private:
 
 /// Destroys the editor window.
 void ResetPixelEditor();
+
+} // namespace hr::ui

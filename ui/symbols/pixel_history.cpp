@@ -2,6 +2,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -72,3 +75,5 @@ void PixelHistory::clear()
     before.reset();
     stack.clear();
 }
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 
 #include <optional>
 
+namespace hr::ui
+{
+
 class PixelHistory : public QObject
 {
     Q_OBJECT
@@ -41,3 +44,5 @@ private:
     QUndoStack stack;
     std::optional<EditedPicture> before; // of the open step
 };
+
+} // namespace hr::ui

@@ -6,6 +6,9 @@
 #include "ui/common/progress.h"
 #include "ui/symbols/pixel_editor.h"
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -44,3 +47,5 @@ void EditStartImage()
     if (!WriteStartPicture(SpiBuf, picture, Patience::Agreed).outcome.brokenOff())
         WaitSeconds(StandardDelaySeconds);
 }
+
+} // namespace hr::ui

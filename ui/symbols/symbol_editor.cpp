@@ -30,6 +30,9 @@
 
 #include <array>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -369,3 +372,5 @@ bool SymbolEditor::eventFilter(QObject *watched, QEvent *event)
     TheEvents().post([this] { pickNumber(); });
     return true;
 }
+
+} // namespace hr::ui

@@ -6,11 +6,15 @@
 #include <QGroupBox>
 #include <QStringList>
 
-class PictureBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
+
+namespace hr::ui
+{
+
+class PictureBox;
 
 /// What one kind of symbol editor is called and how it behaves.
 struct SymbolEditorLook {
@@ -90,3 +94,5 @@ private:
     Picture picture;      // what the preview shows and the write button writes
     bool complete = true; // false after a read with a time-out or a damaged answer
 };
+
+} // namespace hr::ui

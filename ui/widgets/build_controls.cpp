@@ -9,6 +9,9 @@
 #include <QPalette>
 #include <QPushButton>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -109,3 +112,5 @@ QLabel *NamedDoubtLabel(const QString &name, QWidget *parent)
     label->hide();
     return label;
 }
+
+} // namespace hr::ui

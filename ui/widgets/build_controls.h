@@ -1,18 +1,24 @@
 // Small helpers with which the windows build their controls: every control gets its agreed name.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QKeySequence>
 #include <QString>
 
 #include <functional>
 
-class PictureBox;
 class QAction;
 class QFrame;
 class QLabel;
 class QLineEdit;
 class QPushButton;
 class QWidget;
+
+namespace hr::ui
+{
+
+class PictureBox;
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent);
 QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent);
@@ -39,3 +45,5 @@ void MarkField(QLineEdit *field, const QString &fault);
 
 /// A line that says that what is shown was not read completely; hidden until it is needed.
 QLabel *NamedDoubtLabel(const QString &name, QWidget *parent);
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cmath>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, con
     painter.drawImage(toLogical.mapRect(QRectF(place)), image.scaled(natural * factor));
     painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
 }
+
+} // namespace hr::ui

@@ -2,12 +2,17 @@
 // that nothing is blurred and no line is thicker than its neighbour.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QSize>
 
 class QPainter;
 class QPalette;
 class QPixmap;
 class QRect;
+
+namespace hr::ui
+{
 
 /// How many device pixels a pixel of a picture takes at a scale (1.0 and more): the nearest whole number, at least 1.
 int CrispFactor(double scale);
@@ -20,3 +25,5 @@ QSize CrispRoom(QSize pixels, double scale);
 /// it gets a white margin of two of its pixels, as far as the area reaches, and an empty picture is not painted at all:
 /// as on a light one nothing is seen of it.
 void DrawCrisp(QPainter &painter, const QRect &area, const QPixmap &picture, const QPalette &palette);
+
+} // namespace hr::ui

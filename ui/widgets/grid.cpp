@@ -12,6 +12,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -285,3 +288,5 @@ void Grid::keyPressEvent(QKeyEvent *event)
             QTableWidget::keyPressEvent(event);
     }
 }
+
+} // namespace hr::ui

@@ -1,6 +1,8 @@
 // The one grid of the program: a table with texts, centred pictures, a current cell and a text box over a cell.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QPersistentModelIndex>
 #include <QPixmap>
 #include <QTableWidget>
@@ -8,6 +10,9 @@
 #include <vector>
 
 class QLineEdit;
+
+namespace hr::ui
+{
 
 class Grid : public QTableWidget
 {
@@ -88,3 +93,5 @@ private:
     bool pressLeftInput = false;   // until the button is released
     QPersistentModelIndex pressed; // the cell on which the mouse button went down
 };
+
+} // namespace hr::ui

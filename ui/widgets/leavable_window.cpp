@@ -7,6 +7,9 @@
 #include <QPushButton>
 #include <QScreen>
 
+namespace hr::ui
+{
+
 void LeavableWindow::present()
 {
     presentBeside(QRect());
@@ -65,3 +68,5 @@ void LeavableWindow::keyPressEvent(QKeyEvent *event)
     else
         QWidget::keyPressEvent(event);
 }
+
+} // namespace hr::ui

@@ -1,9 +1,14 @@
 // A window that Escape and its close box leave, in one and the same way, and in which Enter presses a default button.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QWidget>
 
 class QPushButton;
+
+namespace hr::ui
+{
 
 class LeavableWindow : public QWidget
 {
@@ -35,3 +40,5 @@ private:
     QSize presentedSize; // when it appeared last; empty until then
     QPushButton *defaultButton = nullptr;
 };
+
+} // namespace hr::ui

@@ -7,6 +7,9 @@
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 
+namespace hr::ui
+{
+
 PictureBox::PictureBox(int width, int height, QWidget *parent) : QLabel(parent), inside(width, height)
 {
     setFrameShape(QFrame::StyledPanel);
@@ -72,3 +75,5 @@ void PictureBox::keyPressEvent(QKeyEvent *event)
     else
         QLabel::keyPressEvent(event);
 }
+
+} // namespace hr::ui

@@ -1,8 +1,13 @@
 // A framed white area that shows one picture and may be clicked.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QLabel>
 #include <QPixmap>
+
+namespace hr::ui
+{
 
 class PictureBox : public QLabel
 {
@@ -35,3 +40,5 @@ private:
     QPixmap picture;
     bool clickable = false;
 };
+
+} // namespace hr::ui

@@ -8,6 +8,9 @@
 
 #include <utility>
 
+namespace hr::ui
+{
+
 namespace
 {
 constexpr int MarkMargin = 4;
@@ -30,3 +33,5 @@ void PictureDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     painter->setPen(cell.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     painter->drawText(cell.rect.adjusted(0, 0, -MarkMargin, 0), Qt::AlignVCenter | Qt::AlignRight, mark);
 }
+
+} // namespace hr::ui

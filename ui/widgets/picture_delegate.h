@@ -1,7 +1,12 @@
 // Cells of tables that show a picture.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QStyledItemDelegate>
+
+namespace hr::ui
+{
 
 class PictureDelegate : public QStyledItemDelegate
 {
@@ -14,3 +19,5 @@ public:
     /// Paints a cell's picture crisp in the middle, and its text right of it; a cell without a picture as usual.
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 };
+
+} // namespace hr::ui

@@ -9,6 +9,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -115,3 +118,5 @@ void ProgressWindow::hideEvent(QHideEvent *event)
     showHint(QString());
     QWidget::hideEvent(event);
 }
+
+} // namespace hr::ui

@@ -2,6 +2,8 @@
 // remaining time stand below it, with a button that stops it, and the title shows the percentage.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QWidget>
 
 #include <functional>
@@ -9,6 +11,9 @@
 class QLabel;
 class QProgressBar;
 class QPushButton;
+
+namespace hr::ui
+{
 
 class ProgressWindow : public QWidget
 {
@@ -43,3 +48,5 @@ private:
     QLabel *hinweisLbl;
     QPushButton *stopBut; // of a long job that can be stopped
 };
+
+} // namespace hr::ui

@@ -1,10 +1,15 @@
 // Steps that can be taken back and done again, each kept as the state before and after it.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QUndoStack>
 
 #include <functional>
 #include <utility>
+
+namespace hr::ui
+{
 
 template <typename State> class SnapshotHistory
 {
@@ -70,3 +75,5 @@ private:
     Restore restore;
     QUndoStack steps;
 };
+
+} // namespace hr::ui

@@ -14,6 +14,9 @@
 
 #include <algorithm>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -147,3 +150,5 @@ void SearchIn(QLineEdit *field, QAbstractItemView *list)
             field->selectAll();
         });
 }
+
+} // namespace hr::ui

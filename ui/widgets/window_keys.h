@@ -1,6 +1,8 @@
 // Keys of windows whose captions may not show them: Alt with a letter, Ctrl+F, typing in lists.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QList>
 
 class QAbstractItemView;
@@ -8,6 +10,9 @@ class QLineEdit;
 class QMenu;
 class QRadioButton;
 class QWidget;
+
+namespace hr::ui
+{
 
 /// Alt with a letter or digit presses a button or gives another control the focus, within the control's window. The
 /// control's text stays as it is.
@@ -26,3 +31,5 @@ void TabInOrder(const QList<QWidget *> &controls);
 /// Ctrl+F in the list's window goes to the search field; so does a letter or digit that is typed on the list.
 /// Down in the field leads to the list.
 void SearchIn(QLineEdit *field, QAbstractItemView *list);
+
+} // namespace hr::ui

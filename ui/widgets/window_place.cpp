@@ -8,6 +8,9 @@
 
 #include <array>
 
+namespace hr::ui
+{
+
 namespace
 {
 
@@ -95,3 +98,5 @@ void KeepSize(const QWidget &window)
         QSettings(sizesFile, QSettings::IniFormat).setValue(KeyOf(window), size);
     }
 }
+
+} // namespace hr::ui

@@ -1,11 +1,16 @@
 // Where windows appear and how large: beside what was acted on, never off the screen, as large as the user made them.
 #pragma once
 
+#include "platform/rooms.h"
+
 #include <QPoint>
 #include <QRect>
 
 class QScreen;
 class QWidget;
+
+namespace hr::ui
+{
 
 /// What the user acted on last, on the screen in logical pixels: the current cell of a grid, or the control that has the
 /// focus. Empty while no window of the program is in front.
@@ -34,3 +39,5 @@ void RestoreSize(QWidget &window);
 
 /// Keeps the size of a window (its normal one, when it is maximised).
 void KeepSize(const QWidget &window);
+
+} // namespace hr::ui

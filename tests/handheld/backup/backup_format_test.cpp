@@ -10,6 +10,9 @@
 
 #include <random>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -155,3 +158,5 @@ TEST(Selection, IsEstimatedByItsMessages)
     EXPECT_EQ(DurationText(61), QStringLiteral("Dauer: ca. 2 Minuten"));
     EXPECT_EQ(DurationText(3'600), QStringLiteral("Dauer: ca. 1 Std. 0 Min."));
 }
+
+} // namespace hr::tests

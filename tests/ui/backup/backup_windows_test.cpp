@@ -25,6 +25,9 @@
 #include <QPushButton>
 #include <QTableView>
 
+namespace hr::tests
+{
+
 class BackupWindows : public WindowWorld
 {
 protected:
@@ -333,3 +336,5 @@ TEST_F(ViewerTest, ADamagedFileIsShownUpToTheDamage)
     show(QByteArray());
     EXPECT_EQ(table()->rowCount(), 0);
 }
+
+} // namespace hr::tests

@@ -17,6 +17,9 @@
 #include <QPushButton>
 #include <QTableView>
 
+namespace hr::tests
+{
+
 class CompareTest : public WindowWorld
 {
 protected:
@@ -322,3 +325,5 @@ TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
     EXPECT_EQ(ReadDds(ReadWholeFile(backup).value_or(QByteArray())).records.size(), 3U);
     EXPECT_LT(handheld().state.readBacks - reads, 3 * 16) << "only what is missing is read";
 }
+
+} // namespace hr::tests

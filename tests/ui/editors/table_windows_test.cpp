@@ -22,6 +22,9 @@
 #include <algorithm>
 #include <array>
 
+namespace hr::tests
+{
+
 namespace
 {
 
@@ -506,3 +509,5 @@ TEST_F(TableWindows, SymbolsArePastedAndPickedForSeveralRows)
     EXPECT_EQ(MagZuordDaten.at(9), 7);
     EXPECT_EQ(row(9), "|#");
 }
+
+} // namespace hr::tests

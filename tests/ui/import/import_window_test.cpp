@@ -17,6 +17,9 @@
 
 #include <algorithm>
 
+namespace hr::tests
+{
+
 class Import : public WindowWorld
 {
 protected:
@@ -126,3 +129,5 @@ TEST_F(Import, ASecondSmallerDownloadReplacesTheFirst)
     trigger("LokDataMenu");
     EXPECT_EQ(importWindow()->findChild<Grid *>(QStringLiteral("LokImportTab"))->rowCount(), 2);
 }
+
+} // namespace hr::tests

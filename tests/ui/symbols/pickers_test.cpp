@@ -11,6 +11,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 
+namespace hr::tests
+{
+
 class Pickers : public WindowWorld
 {
 protected:
@@ -158,3 +161,5 @@ TEST_F(Pickers, TheLastUsedSymbolsAreOnTop)
         },
         0, SymbolKind::Loco);
 }
+
+} // namespace hr::tests

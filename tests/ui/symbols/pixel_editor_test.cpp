@@ -12,6 +12,9 @@
 #include <QPainter>
 #include <QPushButton>
 
+namespace hr::tests
+{
+
 class PixelEditing : public WindowWorld
 {
 protected:
@@ -297,3 +300,5 @@ TEST_F(PixelEditing, TheBandShowsThePictureInTrueSizeAndTheCommands)
         });
     }
 }
+
+} // namespace hr::tests

@@ -22,6 +22,9 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+namespace hr::tests
+{
+
 class SymbolEditors : public WindowWorld
 {
 protected:
@@ -306,3 +309,5 @@ TEST_F(SymbolEditors, ForeignMessagesDoNotReachAPictureUnderWork)
     EXPECT_FALSE(user.defaultYes);
     EXPECT_EQ(flashBytes(0x118000 + 2, 260), before.mid(2));
 }
+
+} // namespace hr::tests
