@@ -3,6 +3,7 @@
 #include "cli/service.h"
 #include "handheld/backup/number_list.h"
 #include "jobs/backup.h"
+#include "jobs/journal.h"
 #include "jobs/report.h"
 #include "platform/text.h"
 #include "program/run_control.h"
@@ -92,6 +93,30 @@ void PrintSaved(const Call &call, const BackupOutcome &outcome)
     }
 }
 
+/// Why a call ends before it begins: an earlier part that is to be gone on with, or that only a user may give up.
+QString WhyNot(const Call &call, const QString &fileName, const JournalHead &head)
+{
+    JournalContent content;
+    const Earlier found = EarlierPart(fileName, head, content);
+    const QString fault = EarlierFault(found, fileName);
+    if (call.has(GoOnOption) && fault.isEmpty() && !GoOnQuestion(fileName, head))
+        return QStringLiteral("Es gibt nichts fortzusetzen.");
+    if (call.has(GoOnOption) || fault.isEmpty() || !call.options.yes)
+        return call.has(GoOnOption) ? fault : QString();
+    return fault + QStringLiteral(" Ob er verworfen werden soll, beantwortet --ja nicht.");
+}
+
+/// A script that answers everything with Ja does not know whose part it would go on with.
+bool GoesOn(const Call &call, const BoxText &question)
+{
+    if (call.has(GoOnOption))
+        return true;
+    if (!call.options.yes)
+        return TheAsk().askYesNo(question, true);
+    Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
+    return false;
+}
+
 Exit Run(const Call &call)
 {
     const auto selection = SelectionOf(call);
@@ -102,11 +127,11 @@ Exit Run(const Call &call)
         return service.failure();
     const QString fileName = call.arguments.value(0);
     const QString handheld = HandheldName(service.handheld());
-    const auto question = GoOnQuestion(fileName, BackupHead(*selection, handheld));
-    if (!question && call.has(GoOnOption))
-        return UsageFault(
-            QStringLiteral("Es gibt nichts fortzusetzen, oder der Fortschritt gehört zu einem anderen Auftrag."));
-    const bool goOn = question && (call.has(GoOnOption) || TheAsk().askYesNo(*question, true));
+    const JournalHead head = BackupHead(*selection, handheld);
+    if (const QString fault = WhyNot(call, fileName, head); !fault.isEmpty())
+        return UsageFault(fault);
+    const auto question = GoOnQuestion(fileName, head);
+    const bool goOn = question && GoesOn(call, *question);
     const BackupOutcome outcome = Backup(fileName, *selection, BackupMemory{handheld, goOn});
     if (outcome.kept > 0 && call.has(KeepOption)) {
         if (const QString part = KeepPart(fileName); !part.isEmpty())

@@ -5,7 +5,7 @@
 //
 //   handregler-fortschritt 2
 //   auftrag <what>            "sichern" or "schreiben", and what it is about: a checksum of file or selection
-//   handregler <type> <version>
+//   handregler <type> <version> <date>
 //   begonnen <yyyy-MM-ddTHH:mm:ss>
 //   saetze <kind>:<list> ...  the records that a writing job is about
 //   vorher <file>             the undo snapshot (jobs/undo_snapshot.h); missing where there is none
