@@ -143,6 +143,8 @@ Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Hea
         for (const QString &advice : ReportAdvice(report))
             Tell(ScreenLines(advice));
     }
+    if (!report.snapshot.isEmpty() && !call.options.quiet)
+        Tell(QStringLiteral("\"handregler zuruecknehmen\" schreibt es zurück."));
     if (report.goesOn)
         Tell(QStringLiteral("Derselbe Befehl mit --fortsetzen schreibt, was noch fehlt."));
     else if (!report.unproved.empty())

@@ -40,7 +40,7 @@ struct JournalHead {
 /// "sichern" or "schreiben" with a checksum of what it is about.
 QString JobName(const QString &verb, const QByteArray &about);
 
-/// What identifies the handheld: type and version.
+/// What identifies the handheld: type, version and date.
 QString HandheldName(const HandheldInfo &info);
 
 /// What a journal says.

@@ -497,7 +497,8 @@ TEST_F(Calls, ChangesAreTakenBackOneAfterTheOther)
     const auto take = QStringLiteral("zuruecknehmen");
     const auto no = QStringLiteral("n");
     const auto yes = QStringLiteral("j");
-    scene({{"one file", QStringLiteral("schreiben a.csv"), QStringLiteral("-"), Exit::Done, {}, first, 2},
+    scene({{"one file", QStringLiteral("schreiben a.csv"), QStringLiteral("-"), Exit::Done,
+               QStringLiteral("-vorher.bytes\n\"handregler zuruecknehmen\""), first, 2},
         {"another one", QStringLiteral("schreiben b.csv"), QStringLiteral("-"), Exit::Done, {}, both, 1},
         {"list", QStringLiteral("zuruecknehmen --liste"), QStringLiteral("-"), Exit::Done,
             QStringLiteral("     2  23.11.2026 10:0|1 Lokdatensatz: 4\n     1  23.11.|2 Lokdatensätze: 3, 20"), both,
