@@ -94,27 +94,16 @@ void PrintSaved(const Call &call, const BackupOutcome &outcome)
 }
 
 /// Why a call ends before it begins: an earlier part that is to be gone on with, or that only a user may give up.
-QString WhyNot(const Call &call, const QString &fileName, const JournalHead &head)
+QString WhyNot(const Call &call, const QString &fileName, const JournalHead &head, bool canGoOn)
 {
     JournalContent content;
     const Earlier found = EarlierPart(fileName, head, content);
     const QString fault = EarlierFault(found, fileName);
-    if (call.has(GoOnOption) && fault.isEmpty() && !GoOnQuestion(fileName, head))
+    if (call.has(GoOnOption) && fault.isEmpty() && !canGoOn)
         return QStringLiteral("Es gibt nichts fortzusetzen.");
     if (call.has(GoOnOption) || fault.isEmpty() || !call.options.yes)
         return call.has(GoOnOption) ? fault : QString();
     return fault + QStringLiteral(" Ob er verworfen werden soll, beantwortet --ja nicht.");
-}
-
-/// A script that answers everything with Ja does not know whose part it would go on with.
-bool GoesOn(const Call &call, const BoxText &question)
-{
-    if (call.has(GoOnOption))
-        return true;
-    if (!call.options.yes)
-        return TheAsk().askYesNo(question, true);
-    Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
-    return false;
 }
 
 Exit Run(const Call &call)
@@ -128,10 +117,12 @@ Exit Run(const Call &call)
     const QString fileName = call.arguments.value(0);
     const QString handheld = HandheldName(service.handheld());
     const JournalHead head = BackupHead(*selection, handheld);
-    if (const QString fault = WhyNot(call, fileName, head); !fault.isEmpty())
+    auto broken = FindBrokenOff(fileName, head);
+    if (broken && broken->fileName != fileName)
+        broken.reset(); // here the user has named the file
+    if (const QString fault = WhyNot(call, fileName, head, broken.has_value()); !fault.isEmpty())
         return UsageFault(fault);
-    const auto question = GoOnQuestion(fileName, head);
-    const bool goOn = question && GoesOn(call, *question);
+    const bool goOn = broken && (call.has(GoOnOption) || AgreesToGoOn(call, broken->question));
     const BackupOutcome outcome = Backup(fileName, *selection, BackupMemory{handheld, goOn});
     if (outcome.kept > 0 && call.has(KeepOption)) {
         if (const QString part = KeepPart(fileName); !part.isEmpty())

@@ -21,6 +21,7 @@ struct BackupOutcome {
     std::vector<RecordId> saved;    // all that is in the file
     std::vector<RecordId> doubtful; // in the file all the same
     std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file
+    std::vector<RecordId> missing;  // not read any more, in a broken-off one
     std::vector<int> found;         // addresses of the loco records that the search found
     size_t kept = 0;                // records that the journal of a broken-off backup holds
 };
@@ -34,8 +35,15 @@ struct BackupMemory {
 /// What the journal of such a backup must say.
 JournalHead BackupHead(const BackupSelection &selection, const QString &handheld);
 
-/// The question whether a broken-off backup is to be gone on with. Nothing when there is none that fits.
-std::optional<BoxText> GoOnQuestion(const QString &fileName, const JournalHead &head);
+/// A broken-off backup that can be gone on with.
+struct BrokenOffBackup {
+    QString fileName; // that it is to become
+    BoxText question; // whether it is to be gone on with
+};
+
+/// The one that fits: of this file, else the last one under another name in the same folder (the proposed names hold the
+/// date, so that yesterday's has another one).
+std::optional<BrokenOffBackup> FindBrokenOff(const QString &fileName, const JournalHead &head);
 
 /// Keeps what a broken-off backup has read as a backup file of its own, "NAME (unvollständig).dds", whose name is
 /// returned. Empty when there is nothing, or (after a box) when it cannot be written.
