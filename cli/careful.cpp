@@ -85,7 +85,7 @@ public:
             return true;
         if (topic == Topic::Resume)
             return AgreesToGoOn(call, question, defaultYes);
-        if (topic == Topic::DropJournal && call.options.yes) {
+        if ((topic == Topic::DropJournal || topic == Topic::DropPage) && call.options.yes) {
             Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Diese Frage beantwortet --ja nicht."));
             return false;
         }
@@ -106,6 +106,16 @@ void PrintGroup(const ReportGroup &group)
         return;
     PrintLine(group.heading);
     PrintLine(ScreenLines(RecordsText(group.records)));
+}
+
+/// Before the job itself, earlier pages were made good.
+void PrintRestored(const Call &call, const CarefulReport &report)
+{
+    const ReportGroup restored = ReportGroups(report, {}, {}).front();
+    if (!call.options.json)
+        PrintGroup(restored);
+    else if (!restored.records.empty())
+        PrintJson(QJsonDocument(QJsonObject{{restored.key, RecordsJson(restored.records)}}));
 }
 
 Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Heading &heading)
@@ -130,12 +140,27 @@ Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Hea
         for (const QString &advice : ReportAdvice(report))
             Tell(ScreenLines(advice));
     }
+    if (!report.snapshot.isEmpty() && !call.options.quiet)
+        Tell(QStringLiteral("\"handregler zuruecknehmen\" schreibt es zurück."));
     if (report.goesOn)
         Tell(QStringLiteral("Derselbe Befehl mit --fortsetzen schreibt, was noch fehlt."));
     else if (!report.unproved.empty())
         Tell(QStringLiteral("Derselbe Befehl stellt zuerst wieder her und schreibt dann, was noch fehlt."));
     const bool allNamed = IdsOf(report.job, RecordState::Empty).empty();
     return ExitOf(report.job.end, IsSettled(report) && report.edited.empty() && allNamed);
+}
+
+/// Nothing of the job is written; an earlier page may have been made good, or not.
+Exit PrintBreak(const Call &call, const CarefulEnd &end)
+{
+    const bool mended = !end.report.restored.empty() || !end.report.unproved.empty();
+    Tell(EndText(end.end, QStringLiteral("Abgebrochen."))
+        + (mended ? QStringLiteral(" Von diesem Auftrag wurde nichts geschrieben.")
+                  : QStringLiteral(" Es wurde nichts geschrieben.")));
+    PrintRestored(call, end.report);
+    for (const QString &advice : ReportAdvice(end.report))
+        Tell(ScreenLines(advice));
+    return ExitOf(end.end, true);
 }
 
 Exit PrintDryRun(const Call &call, const std::vector<RecordChange> &changes)
@@ -200,11 +225,10 @@ Exit RunCarefully(const Call &call, const CarefulJob &job, const Heading &headin
         return PrintDryRun(call, end.changes);
     case CarefulEnd::Is::Refused:
     case CarefulEnd::Is::Impossible:
-        PrintGroup(ReportGroups(end.report, {}, {}).front());
+        PrintRestored(call, end.report);
         return end.is == CarefulEnd::Is::Refused ? Exit::Stopped : Exit::Usage;
     case CarefulEnd::Is::BrokenOff:
-        Tell(EndText(end.end, QStringLiteral("Abgebrochen.")) + QStringLiteral(" Es wurde nichts geschrieben."));
-        return ExitOf(end.end, true);
+        return PrintBreak(call, end);
     }
     Q_UNREACHABLE();
 }

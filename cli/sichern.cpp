@@ -3,6 +3,7 @@
 #include "cli/service.h"
 #include "handheld/backup/number_list.h"
 #include "jobs/backup.h"
+#include "jobs/journal.h"
 #include "jobs/report.h"
 #include "platform/text.h"
 #include "program/run_control.h"
@@ -92,6 +93,19 @@ void PrintSaved(const Call &call, const BackupOutcome &outcome)
     }
 }
 
+/// Why a call ends before it begins: an earlier part that is to be gone on with, or that only a user may give up.
+QString WhyNot(const Call &call, const QString &fileName, const JournalHead &head, bool canGoOn)
+{
+    JournalContent content;
+    const Earlier found = EarlierPart(fileName, head, content);
+    const QString fault = EarlierFault(found, fileName);
+    if (call.has(GoOnOption) && fault.isEmpty() && !canGoOn)
+        return QStringLiteral("Es gibt nichts fortzusetzen.");
+    if (call.has(GoOnOption) || fault.isEmpty() || !call.options.yes)
+        return call.has(GoOnOption) ? fault : QString();
+    return fault + QStringLiteral(" Ob er verworfen werden soll, beantwortet --ja nicht.");
+}
+
 Exit Run(const Call &call)
 {
     const auto selection = SelectionOf(call);
@@ -102,12 +116,12 @@ Exit Run(const Call &call)
         return service.failure();
     const QString fileName = call.arguments.value(0);
     const QString handheld = HandheldName(service.handheld());
-    auto broken = FindBrokenOff(fileName, BackupHead(*selection, handheld));
+    const JournalHead head = BackupHead(*selection, handheld);
+    auto broken = FindBrokenOff(fileName, head);
     if (broken && broken->fileName != fileName)
         broken.reset(); // here the user has named the file
-    if (!broken && call.has(GoOnOption))
-        return UsageFault(
-            QStringLiteral("Es gibt nichts fortzusetzen, oder der Fortschritt gehört zu einem anderen Auftrag."));
+    if (const QString fault = WhyNot(call, fileName, head, broken.has_value()); !fault.isEmpty())
+        return UsageFault(fault);
     const bool goOn = broken && (call.has(GoOnOption) || AgreesToGoOn(call, broken->question));
     const BackupOutcome outcome = Backup(fileName, *selection, BackupMemory{handheld, goOn});
     if (outcome.kept > 0 && call.has(KeepOption)) {

@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -91,16 +92,14 @@ private:
         if (!now)
             return goOnWithout(page, QStringLiteral("kann nicht sicher gelesen werden"));
         const std::vector<RecordChange> destroyed = destroyedIn(page, *now);
-        if (destroyed.empty()) { // the program had come to its end, or was never begun
-            ForgetPage(page);
-            return true;
-        }
-        switch (answerFor(page, destroyed)) {
+        const auto others = destroyed.empty() ? othersIn(page, *now) : std::vector<RecordId>();
+        if (destroyed.empty() && others.empty()) // the program had come to its end, or was never begun
+            return settle(page);
+        switch (destroyed.empty() ? answerForOthers(page, others) : answerFor(page, destroyed)) {
         case Answer::Mend:
             return writeBack(page, destroyed, *now);
         case Answer::Forget:
-            ForgetPage(page);
-            return true;
+            return settle(page);
         case Answer::LookAgain:
             return mend(page);
         case Answer::End:
@@ -126,6 +125,26 @@ private:
         return destroyed;
     }
 
+    /// What is neither what it was nor what was wanted: it was edited since, or another handheld holds it.
+    static std::vector<RecordId> othersIn(const OpenPage &page, const std::map<RecordId, SavedRecord> &now)
+    {
+        std::vector<RecordId> others;
+        for (const auto &[id, record] : now) {
+            if (SinceThen(page.state, record) == Since::Edited)
+                others.push_back(id);
+        }
+        return others;
+    }
+
+    /// What is remembered of the page has done its service; of a spoilt file only a part was looked at.
+    bool settle(const OpenPage &page)
+    {
+        if (!page.sound)
+            return dropDamaged(page);
+        ForgetPage(page);
+        return true;
+    }
+
     [[nodiscard]] static QString when(const OpenPage &page)
     {
         return QStringLiteral("%1 (%2)").arg(ShownTime(page.state), page.state.command);
@@ -146,6 +165,19 @@ private:
         if (face.agrees(Topic::DropPage, {what + forget, job.title, BoxIcon::Critical}, false))
             return unlessChanged(Answer::Forget);
         return Answer::End;
+    }
+
+    Answer answerForOthers(const OpenPage &page, const std::vector<RecordId> &others)
+    {
+        const QString text =
+            QStringLiteral("Beim Schreiben vom %1 wurde vielleicht eine Speicherseite nicht fertig, und jetzt steht "
+                           "hier etwas anderes als vorher und als gewollt:\r%2.\r"
+                           "Es wurde seither geändert, oder dies ist ein anderer Handregler.\r"
+                           "Soll vergessen werden, was vorher dort stand?\r"
+                           "(Nein: es bleibt aufbewahrt, und es wird nichts geschrieben.)")
+                .arg(when(page), RecordsText(others));
+        const bool forget = face.agrees(Topic::DropPage, {text, job.title, BoxIcon::Critical}, false);
+        return forget ? unlessChanged(Answer::Forget) : Answer::End;
     }
 
     /// A handheld that came while the question was open has a page of its own there.
@@ -176,18 +208,17 @@ private:
             return goOnWithout(page, QStringLiteral("ließ sich nicht wiederherstellen"));
         for (const RecordChange &change : destroyed)
             end.report.restored.push_back(change.id);
-        ForgetPage(page);
-        return true;
+        return settle(page);
     }
 
-    /// Of what was remembered nothing can be used.
+    /// What was remembered cannot be used, or only a part of it.
     bool dropDamaged(const OpenPage &page)
     {
         const QString text = QStringLiteral(
             "Eine Speicherseite wurde beim Schreiben nicht fertig, und die Datei %1, in der steht, was "
-            "vorher darin stand, ist beschädigt.\rBitte prüfen Sie die Datensätze, die Sie zuletzt "
+            "vorher darin stand, %2.\rBitte prüfen Sie die Datensätze, die Sie zuletzt "
             "geschrieben haben, und ihre Nachbarn.\rSoll das Schreiben trotzdem weitergehen?")
-                                 .arg(QDir::toNativeSeparators(page.fileName));
+                                 .arg(QDir::toNativeSeparators(page.fileName), page.fault());
         if (face.agrees(Topic::DropPage, {text, job.title, BoxIcon::Critical}, false)
             && face.handheldNow() != JobFace::Handheld::Gone) {
             QFile::rename(page.fileName, page.fileName + QStringLiteral(".beschaedigt"));
@@ -199,13 +230,13 @@ private:
 
     bool goOnWithout(const OpenPage &page, const QString &why)
     {
-        end.is = CarefulEnd::Is::BrokenOff;
+        const std::vector<RecordId> ids = IdsIn(page.state.before);
+        end.report.unproved.insert(end.report.unproved.end(), ids.begin(), ids.end());
         if (TransferBrokenOff()) {
+            end.is = CarefulEnd::Is::BrokenOff;
             end.end = WhyJobBrokeOff();
             return false;
         }
-        const std::vector<RecordId> ids = IdsIn(page.state.before);
-        end.report.unproved.insert(end.report.unproved.end(), ids.begin(), ids.end());
         for (const RecordId &id : ids)
             avoided.insert(PageAddressOf(id));
         const QString text =
@@ -559,7 +590,8 @@ private:
         if (!job.options.undoSnapshot || chosen.empty())
             return true;
         SavedState state = stateOf(chosen);
-        state.journal = journal ? InDataFolder(JournalName(job.fileName)) : QString();
+        const QString journalName = QFileInfo(JournalName(job.fileName)).absoluteFilePath();
+        state.journal = journal ? InDataFolder(journalName) : QString();
         addEarlierPart(state);
         const bool takesBack = !job.undoes.isEmpty();
         const QString name = SaveUndoSnapshot(state, takesBack ? SnapshotOf::TakeBack : SnapshotOf::Change);

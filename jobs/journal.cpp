@@ -116,7 +116,7 @@ QString JobName(const QString &verb, const QByteArray &about)
 
 QString HandheldName(const HandheldInfo &info)
 {
-    return info.type + u' ' + info.version;
+    return QStringList{info.type, info.version, info.date}.join(u' ');
 }
 
 QString JournalName(const QString &fileName)

@@ -5,7 +5,7 @@
 //
 //   handregler-fortschritt 2
 //   auftrag <what>            "sichern" or "schreiben", and what it is about: a checksum of file or selection
-//   handregler <type> <version>
+//   handregler <type> <version> <date>
 //   begonnen <yyyy-MM-ddTHH:mm:ss>
 //   saetze <kind>:<list> ...  the records that a writing job is about
 //   vorher <file>             the undo snapshot (jobs/undo_snapshot.h); missing where there is none
@@ -40,7 +40,7 @@ struct JournalHead {
 /// "sichern" or "schreiben" with a checksum of what it is about.
 QString JobName(const QString &verb, const QByteArray &about);
 
-/// What identifies the handheld: type and version.
+/// What identifies the handheld: type, version and date.
 QString HandheldName(const HandheldInfo &info);
 
 /// What a journal says.

@@ -66,7 +66,7 @@ std::vector<OpenPage> OpenPages(const QString &handheld)
     for (const QString &name : names) {
         const QString path = Folder() + u'/' + name;
         const ReadState read = ReadSavedState(ReadWholeFile(path).value_or(QByteArray()));
-        pages.push_back({path, read.state, read.sound});
+        pages.push_back({path, read.state, read.sound, read.foreign});
     }
     return pages;
 }

@@ -15,7 +15,11 @@ namespace hr::jobs
 struct OpenPage {
     QString fileName;
     SavedState state;
-    bool sound = true; // false: only a part of the file can be believed
+    bool sound = true;    // false: only a part of the file can be believed
+    bool foreign = false; // made by another version of the program
+
+    /// Why it cannot be used: "ist beschädigt".
+    [[nodiscard]] QString fault() const { return FileFault(foreign); }
 };
 
 /// Before a page is programmed: remembers its records. False when that could not be written: the page must not be

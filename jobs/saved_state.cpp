@@ -162,6 +162,12 @@ ReadState ReadSavedState(const QByteArray &file)
     return read;
 }
 
+QString FileFault(bool foreign)
+{
+    return foreign ? QStringLiteral("stammt von einer anderen Version dieses Programms")
+                   : QStringLiteral("ist beschädigt");
+}
+
 QString IdText(const RecordId &id)
 {
     return QString::number(ByteOfKind(id.kind)) + u' ' + QString::number(id.number);

@@ -4,7 +4,7 @@
 // Text, UTF-8, checked lines (jobs/checked_lines.h):
 //
 //   handregler-vorher 1
-//   handregler <type> <version>
+//   handregler <type> <version> <date>
 //   zeit <yyyy-MM-dd HH:mm:ss>
 //   auftrag <what wrote>        "schreiben loks.csv"
 //   fortschritt <file>          the journal of the job; missing where it has none
@@ -57,6 +57,9 @@ struct ReadState {
 };
 
 ReadState ReadSavedState(const QByteArray &file);
+
+/// "ist beschädigt", or that another version of the program has made it.
+QString FileFault(bool foreign);
 
 /// "1 3" and back; nothing when there is no such record.
 QString IdText(const RecordId &id);

@@ -20,9 +20,10 @@ QString Shown(const QString &fileName)
 }
 
 /// The damaged one keeps its name: it may be all that is left of those bytes.
-bool SoundPartIsWanted(const QString &fileName, const SavedState &state, const QString &title)
+bool SoundPartIsWanted(const QString &fileName, const LoadedSnapshot &loaded, const QString &title)
 {
-    const QString damage = QStringLiteral("Die Datei %1 ist beschädigt.\r").arg(Shown(fileName));
+    const SavedState &state = loaded.state;
+    const QString damage = QStringLiteral("Die Datei %1 %2.\r").arg(Shown(fileName), FileFault(loaded.foreign));
     if (state.before.empty()) {
         TheAsk().showBox({damage + QStringLiteral("Es ist nichts darin zu brauchen."), title, BoxIcon::Critical});
         return false;
@@ -79,7 +80,7 @@ std::optional<TakeBackOffer> OfferTakeBack(const QString &title, int number)
         return {};
     }
     const LoadedSnapshot loaded = LoadUndoSnapshot(offer.fileName);
-    if (loaded.is != SnapshotState::Sound && !SoundPartIsWanted(offer.fileName, loaded.state, title))
+    if (loaded.is != SnapshotState::Sound && !SoundPartIsWanted(offer.fileName, loaded, title))
         return {};
     for (const auto &[id, bytes] : loaded.state.before) {
         const SavedRecord record{id, bytes};

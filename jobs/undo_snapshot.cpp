@@ -122,9 +122,10 @@ void RemoveOldest()
     }
 }
 
-QString TakenBackName(QString fileName)
+QString TakenBackName(const QString &fileName)
 {
-    return fileName.replace(BeforeMark, TakenBackMark);
+    const QFileInfo file(fileName);
+    return file.path() + u'/' + file.fileName().replace(BeforeMark, TakenBackMark); // folders may be called so too
 }
 
 /// What an older version has saved: whole pages as well, but only what a backup file can say.
@@ -132,7 +133,7 @@ LoadedSnapshot LoadOldSnapshot(const QString &fileName)
 {
     const auto file = LoadDds(fileName);
     const DdsContent content = file ? ReadDds(*file) : DdsContent();
-    LoadedSnapshot loaded{content.fault ? SnapshotState::Damaged : SnapshotState::Sound, {}};
+    LoadedSnapshot loaded{content.fault ? SnapshotState::Damaged : SnapshotState::Sound, {}, false};
     LocoBytes erased{};
     erased.fill(EmptyByte);
     for (const DdsRecord &record : content.records) {
@@ -182,11 +183,11 @@ LoadedSnapshot LoadUndoSnapshot(const QString &fileName)
 {
     const auto file = ReadWholeFile(fileName);
     if (!file)
-        return {FileExists(TakenBackName(fileName)) ? SnapshotState::TakenBack : SnapshotState::Gone, {}};
+        return {FileExists(TakenBackName(fileName)) ? SnapshotState::TakenBack : SnapshotState::Gone, {}, false};
     if (fileName.endsWith(DdsEnding))
         return LoadOldSnapshot(fileName);
     const ReadState read = ReadSavedState(*file);
-    return {read.sound ? SnapshotState::Sound : SnapshotState::Damaged, read.state};
+    return {read.sound ? SnapshotState::Sound : SnapshotState::Damaged, read.state, read.foreign};
 }
 
 void MarkAsTakenBack(const QString &fileName)

@@ -37,7 +37,8 @@ enum class SnapshotState { Sound, TakenBack, Damaged, Gone };
 
 struct LoadedSnapshot {
     SnapshotState is = SnapshotState::Gone;
-    SavedState state; // of a damaged one what is sound
+    SavedState state;     // of a damaged one what is sound
+    bool foreign = false; // made by another version of the program
 };
 LoadedSnapshot LoadUndoSnapshot(const QString &fileName);
 

@@ -88,8 +88,8 @@ std::optional<QByteArray> ReadWholeFile(const QString &path)
 bool ReplaceFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);
-    return file.open(QIODevice::WriteOnly) && TheDisk().write(file, content) && TheDisk().replace(file)
-        && TheDisk().flushFolder(QFileInfo(path).absolutePath());
+    return file.open(QIODevice::WriteOnly) && TheDisk().write(file, content) && TheDisk().flush(file)
+        && TheDisk().replace(file) && TheDisk().flushFolder(QFileInfo(path).absolutePath());
 }
 
 bool ReplaceFileInScannedFolder(const QString &path, const QByteArray &content)

@@ -471,6 +471,13 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
             QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde abgebrochen."), before, 0, stop},
         {"go on, Enter", search, QStringLiteral(" "), Exit::Done,
             QStringLiteral("Soll sie fortgesetzt werden?|[J/n]"), before, 0}});
+    scene({{"broken off", search, none, Exit::Stopped, {}, before, 0, stop},
+        {"--ja does not give it up", QStringLiteral("sichern --ja --loks 3 x.dds"), none, Exit::Usage,
+            QStringLiteral("zu einem anderen Auftrag|beantwortet --ja nicht"), before, 0},
+        {"nor does it go on", QStringLiteral("sichern --ja --loks-suchen 1-30 x.dds"), none, Exit::Done,
+            QStringLiteral("Das tut nur --fortsetzen."), before, 0},
+        {"nothing to go on with", QStringLiteral("sichern --fortsetzen --loks 3 x.dds"), none, Exit::Usage,
+            QStringLiteral("Es gibt nichts fortzusetzen."), before, 0}});
     scene({{"make a backup", QStringLiteral("sichern --loks 3,8 s.dds"), none, Exit::Done, {}, before, 0},
         {"compare equal", QStringLiteral("vergleichen s.dds"), none, Exit::Done,
             QStringLiteral("Kein Unterschied: 2 Datensätze."), before, 0},
@@ -492,7 +499,8 @@ TEST_F(Calls, ChangesAreTakenBackOneAfterTheOther)
     const auto take = QStringLiteral("zuruecknehmen");
     const auto no = QStringLiteral("n");
     const auto yes = QStringLiteral("j");
-    scene({{"one file", QStringLiteral("schreiben a.csv"), QStringLiteral("-"), Exit::Done, {}, first, 2},
+    scene({{"one file", QStringLiteral("schreiben a.csv"), QStringLiteral("-"), Exit::Done,
+               QStringLiteral("-vorher.bytes\n\"handregler zuruecknehmen\""), first, 2},
         {"another one", QStringLiteral("schreiben b.csv"), QStringLiteral("-"), Exit::Done, {}, both, 1},
         {"list", QStringLiteral("zuruecknehmen --liste"), QStringLiteral("-"), Exit::Done,
             QStringLiteral("     2  23.11.2026 10:0|1 Lokdatensatz: 4\n     1  23.11.|2 Lokdatensätze: 3, 20"), both,
@@ -500,7 +508,7 @@ TEST_F(Calls, ChangesAreTakenBackOneAfterTheOther)
         {"no such number", QStringLiteral("zuruecknehmen 7"), QStringLiteral("-"), Exit::Usage,
             QStringLiteral("mit der Nummer 7"), both, 0},
         {"another handheld", take, QStringLiteral("-"), Exit::Usage,
-            QStringLiteral("im Handregler 51201 1.2 gemacht; verbunden ist jetzt 51202 1.2."), both, 0,
+            QStringLiteral("im Handregler 51201 1.2 14.3.8 gemacht; verbunden ist jetzt 51202 1.2 14.3.8."), both, 0,
             [this] { handheld().settings.type = "51202"; }},
         {"an earlier one", QStringLiteral("zuruecknehmen 1"), no, Exit::Stopped, QStringLiteral("3, 20."), both, 0,
             [this] { handheld().settings.type = "51201"; }},

@@ -2,6 +2,7 @@
 
 #include "jobs/backup.h"
 #include "jobs/careful_job.h"
+#include "jobs/checked_lines.h"
 #include "jobs/journal.h"
 #include "jobs/open_page.h"
 #include "jobs/saved_state.h"
@@ -514,6 +515,41 @@ TEST_F(CarefulJobs, APageThatCannotBeMadeGoodIsLeftAlone)
     EXPECT_FALSE(pagesWait());
 }
 
+/// What is remembered of a page is all that is left of it: it goes when the page is surely good, or on demand.
+TEST_F(CarefulJobs, ARememberedPageIsNotForgottenOnASuspicion)
+{
+    strike(&sim::Faults::powerCut, 1);
+    run({writeStep(11, 1)});
+    const World cut = world();
+    const QString page = cut.files.keys().filter(QStringLiteral(".offen")).value(0);
+    ASSERT_FALSE(page.isEmpty());
+    enter(cut); // another handheld of the same type
+    for (int n = 8; n < 16; ++n)
+        flash().setBytes(LocoRecordAddress(n), recordBytes(n, 9));
+    const auto others = flash().state.memory;
+    face.refused = {Topic::DropPage};
+    runOther({writeStep(22, 1)});
+    EXPECT_EQ(last, Is::Refused);
+    EXPECT_EQ(flash().state.memory, others);
+    flash().state.memory = cut.memory;
+    runOther({writeStep(22, 1)});
+    EXPECT_TRUE(flashIs({writeStep(11, 1), writeStep(22, 1)})) << "back at the first one the page is made good";
+    EXPECT_FALSE(pagesWait());
+    // Of a spoilt file the sound part is put back; what else the page held is asked about.
+    enter(cut);
+    QByteArray spoilt = cut.files.value(page);
+    const qsizetype line = spoilt.indexOf("war 1 12 ");
+    ASSERT_GT(line, 0);
+    spoilt[line + 20] = 'x';
+    ASSERT_TRUE(ReplaceFile(page, spoilt));
+    runOther({writeStep(22, 1)});
+    EXPECT_EQ(last, Is::Refused);
+    EXPECT_TRUE(SameContent(stored(13), originals.at(13)));
+    EXPECT_FALSE(SameContent(stored(12), originals.at(12)));
+    EXPECT_TRUE(face.questions.constLast().contains(QStringLiteral("ist beschädigt")));
+    EXPECT_TRUE(pagesWait());
+}
+
 TEST_F(CarefulJobs, AnotherHandheldAfterTheQuestionGetsNothing)
 {
     struct Row {
@@ -626,6 +662,13 @@ TEST_F(CarefulJobs, AFileIsReplacedAsAWholeOrNotAtAll)
     ASSERT_TRUE(ReplaceFile(name, "alt"));
     FullDisk full;
     InstallDisk(&full);
+    EXPECT_FALSE(ReplaceFile(name, "neuer Inhalt"));
+    InstallDisk(nullptr);
+    class Unflushed : public Disk
+    {
+        bool flush(QFileDevice &) override { return false; }
+    } unflushed; // as when only then there is no room
+    InstallDisk(&unflushed);
     EXPECT_FALSE(ReplaceFile(name, "neuer Inhalt"));
     InstallDisk(nullptr);
     EXPECT_EQ(*ReadWholeFile(name), "alt");
@@ -756,6 +799,11 @@ TEST_F(CarefulJobs, SnapshotsAreOrderedByNumberAndTheLastTwentyStay)
         {}, QStringLiteral("Nein"));
     EXPECT_FALSE(OfferTakeBack().has_value());
     EXPECT_FALSE(user.defaultYes);
+    ASSERT_TRUE(ReplaceFile(name, CheckedLine(QStringLiteral("handregler-vorher 9"))));
+    user.acceptAnyBox();
+    user.boxes.clear();
+    EXPECT_FALSE(OfferTakeBack().has_value());
+    EXPECT_TRUE(user.boxes.constLast().contains(QStringLiteral("von einer anderen Version"))) << "it is not damaged";
     // One that an open journal names stays, however old it is.
     state.journal = QStringLiteral("offen.fortschritt");
     ASSERT_TRUE(ReplaceFile(folder.filePath(state.journal), "x"));
@@ -764,6 +812,29 @@ TEST_F(CarefulJobs, SnapshotsAreOrderedByNumberAndTheLastTwentyStay)
     for (int i = 0; i < 25; ++i)
         EXPECT_FALSE(SaveUndoSnapshot(state, SnapshotOf::Change).isEmpty());
     EXPECT_TRUE(UndoSnapshots().contains(needed));
+}
+
+/// Where the program is called and how its folders are called is of no importance.
+TEST_F(CarefulJobs, NamesOfFoldersDoNotMatter)
+{
+    const QString data = folder.filePath(QStringLiteral("alt-vorher"));
+    const QString lists = folder.filePath(QStringLiteral("listen"));
+    ASSERT_TRUE(QDir().mkpath(data + QStringLiteral("/konf")) && QDir().mkpath(lists));
+    const QString dataBefore = DataFolder();
+    const QString before = QDir::currentPath();
+    SetDataFolder(data);
+    QDir::setCurrent(lists);
+    CarefulJob job = jobOf(fourWrites());
+    job.fileName = QStringLiteral("a.dds");
+    strike(&sim::Faults::skippedProgram, 1);
+    layout().faults.faults.skippedProgram.probability = 1;
+    EXPECT_FALSE(IsSettled(run(job)));
+    QDir::setCurrent(before);
+    EXPECT_TRUE(FileExists(FromDataFolder(lastSnapshot().journal))) << lastSnapshot().journal.toStdString();
+    restart();
+    takeBack();
+    EXPECT_EQ(UndoSnapshots(), QStringList()) << "it was taken back";
+    SetDataFolder(dataBefore);
 }
 
 TEST_F(CarefulJobs, AJournalThatDoesNotFitIsRefused)
