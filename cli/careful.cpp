@@ -85,11 +85,9 @@ public:
             return true;
         if (topic == Topic::Resume)
             return AgreesToGoOn(call, question, defaultYes);
-        if ((topic == Topic::DropJournal || topic == Topic::DropPage) && call.options.yes) {
-            Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Diese Frage beantwortet --ja nicht."));
-            return false;
-        }
-        return TheAsk().askYesNo(question, defaultYes);
+        BoxText asked = question;
+        asked.needsUser = topic == Topic::DropJournal || topic == Topic::DropPage || topic == Topic::WithoutPage;
+        return TheAsk().askYesNo(asked, defaultYes);
     }
 
     /// The line stays open while a question waits; who has gone meanwhile does not answer.

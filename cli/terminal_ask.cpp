@@ -64,6 +64,10 @@ bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
     hideProgress();
     if (BoxesAreSilent())
         return false;
+    if (manner.yes && box.needsUser) {
+        Tell(LineText(box) + QStringLiteral(" Nein: Diese Frage beantwortet --ja nicht."));
+        return false;
+    }
     if (manner.yes && box.text != lastYes) { // asked again at once, Ja did not help and never will
         lastYes = box.text;
         if (!manner.quiet)

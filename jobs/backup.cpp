@@ -252,7 +252,7 @@ bool MayBeJoined(const JournalContent &earlier)
                        "Vielleicht ist es ein anderer Handregler, oder diese Daten wurden seither geändert.\r"
                        "Soll trotzdem fortgesetzt werden? (Nein: alles wird noch einmal gelesen.)")
             .arg(RecordsText(changed));
-    return TheAsk().askYesNo({text, QStringLiteral("Datensicherung"), BoxIcon::Critical}, false);
+    return TheAsk().askYesNo({text, QStringLiteral("Datensicherung"), BoxIcon::Critical, true}, false);
 }
 
 /// Begins a journal or goes on with the one that fits. False after a box.

@@ -216,7 +216,8 @@ bool Journal::isOfAnotherComputer()
         QStringLiteral("Der Fortschritt %1 ist vom Programm %2 auf dem Computer %3 belegt (Datei %4).\r"
                        "Läuft dort gewiss keines mehr, und soll er übernommen werden?")
             .arg(QDir::toNativeSeparators(file.fileName()), program, computer, QDir::toNativeSeparators(name));
-    return TheAsk().askYesNo({question, QStringLiteral("Achtung!"), BoxIcon::Critical}, false) && QFile::remove(name);
+    return TheAsk().askYesNo({question, QStringLiteral("Achtung!"), BoxIcon::Critical, true}, false)
+        && QFile::remove(name);
 }
 
 bool Journal::lockIt()

@@ -864,6 +864,7 @@ TEST_F(Calls, YesToAllIsNotYesForEver)
     const BoxText question{QStringLiteral("Noch einmal?"), {}, BoxIcon::None};
     EXPECT_TRUE(terminal.askYesNo(question, false));
     EXPECT_FALSE(terminal.askYesNo(question, true)) << "Ja did not help";
+    EXPECT_FALSE(terminal.askYesNo({QStringLiteral("Derselbe Handregler?"), {}, BoxIcon::Critical, true}, true));
 }
 
 } // namespace hr::tests

@@ -56,6 +56,14 @@ void ShowReport(const CarefulJob &job, const CarefulReport &report)
         TheAsk().showBox({text, QStringLiteral("Achtung!"), BoxIcon::Critical});
 }
 
+/// Nothing of the job is written; an earlier page may have been made good before, or not.
+QString BreakText(const CarefulReport &report)
+{
+    if (report.restored.empty() && report.unproved.empty())
+        return QStringLiteral("\rEs wurde nichts geschrieben.");
+    return QStringLiteral("\rVon diesem Auftrag wurde nichts geschrieben.\r\r") + ReportText(report);
+}
+
 } // namespace
 
 CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
@@ -65,9 +73,9 @@ CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
     if (end.is == CarefulEnd::Is::Written)
         ShowReport(job, end.report);
     else if (end.is == CarefulEnd::Is::BrokenOff && EndedEarly(end.end))
-        ShowEndBox(end.end,
-            EndText(end.end, QStringLiteral("Das Lesen wurde abgebrochen."))
-                + QStringLiteral("\rEs wurde nichts geschrieben."));
+        ShowEndBox(end.end, EndText(end.end, QStringLiteral("Das Lesen wurde abgebrochen.")) + BreakText(end.report));
+    else if (!end.report.restored.empty())
+        ShowDoneBox(ReportText(end.report), job.title);
     return end;
 }
 
