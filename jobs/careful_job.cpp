@@ -7,6 +7,7 @@
 #include "jobs/report.h"
 #include "jobs/selection.h"
 #include "jobs/undo_snapshot.h"
+#include "link/message_layer.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/world.h"
@@ -651,10 +652,13 @@ private:
             return diskFails();
         const WrittenPage written = WritePage(page, neighboursOf(page), job.options.prove);
         const bool untouched = IsUntouched(written.result.page);
-        bool proved = written.neighboursSound;
+        const bool sure = !TheMessages().secondHandheld(); // otherwise the proof may be the other one's
+        bool proved = written.neighboursSound && sure;
         for (size_t i = 0; i < page.size(); ++i) {
             JobEntry &entry = entryOf(page.at(i).id);
             entry.state = written.states.at(i);
+            if (entry.state == RecordState::Done && !sure)
+                entry.state = RecordState::Doubtful;
             entry.outcome = written.result.outcome;
             proved = proved && entry.state == RecordState::Done;
             if (entry.state == RecordState::Done)

@@ -932,6 +932,33 @@ TEST_F(CarefulJobs, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)
     }
 }
 
+/// Also one that is first noticed while the last page is proved: the proof may be its answer.
+TEST_F(CarefulJobs, ASecondHandheldEndsAWritingJobWhereverItIsNoticed)
+{
+    user.acceptAnyBox();
+    ChooseCadence(Cadence::Events);
+    int noticed = 0;
+    for (int from = 0; from < 40; ++from) {
+        int seen = 0;
+        layout().bus.onEnd = [&](const sim::BusMessage &message) {
+            if (message.sender != sim::Sender::Pc || seen++ != from)
+                return;
+            sim::Handheld &other = layout().plugSecond();
+            other.settings.answerDelayUs = handheld().settings.answerDelayUs + 15'000;
+            other.flash.state.memory = flash().state.memory;
+        };
+        const LocoRecord loco{.name = QStringLiteral("N%1").arg(from)};
+        const CarefulReport report = run(jobOf({{StepKind::Write, {RecordKind::Loco, 3}, loco, {}}}));
+        layout().bus.onEnd = nullptr;
+        layout().unplugSecond();
+        const bool well = last == Is::Written && report.job.end == JobEnd::Complete;
+        EXPECT_EQ(well, !TheMessages().secondHandheld()) << from;
+        noticed += TheMessages().secondHandheld() ? 1 : 0;
+        TheMessages().forgetSecondHandheld();
+    }
+    EXPECT_GT(noticed, 20);
+}
+
 /// An earlier part of a job, and what of it is believed.
 TEST_F(CarefulJobs, AnEarlierPartCountsAsFarAsItIsStillTrue)
 {
