@@ -157,11 +157,12 @@ bool QtFrontend::askYesNo(const BoxText &box, bool defaultYes)
     return widget->clickedButton() == widget->button(QMessageBox::Yes);
 }
 
-QString QtFrontend::askText(const QString &prompt, const QString &title)
+QString QtFrontend::askText(const QString &prompt, const QString &title, const QString &proposal)
 {
     if (BoxesAreSilent())
         return {};
     QInputDialog dialog;
+    dialog.setTextValue(proposal);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);
@@ -177,14 +178,14 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
 QString QtFrontend::fileName(const QString &title, const QString &filter, const QString *proposal)
 {
     const bool forSaving = proposal != nullptr;
-    QFileDialog dialog(nullptr, title, lastFolder, filter);
+    QFileDialog dialog(nullptr, title, lastFolders.value(filter), filter);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     // The dialog's own questions would wait in a loop of their own.
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (!forSaving && filter == u"*.bmp") // the pixel editor reads PNG files as well
-        dialog.setNameFilters({filter, QStringLiteral("Alle Dateien (*)")});
+        dialog.setNameFilters({filter, QStringLiteral("Bilder (*.bmp *.png)"), QStringLiteral("Alle Dateien (*)")});
     dialog.setDefaultSuffix(filter.section(u'.', -1));
     if (forSaving && !proposal->isEmpty())
         dialog.selectFile(*proposal);
@@ -198,7 +199,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
             return {};
         if (!fileAccepted(chosen.constFirst(), forSaving))
             continue;
-        lastFolder = QFileInfo(chosen.constFirst()).absolutePath();
+        lastFolders.insert(filter, QFileInfo(chosen.constFirst()).absolutePath());
         lastFiles.insert(filter, chosen.constFirst());
         return chosen.constFirst();
     }

@@ -28,6 +28,17 @@ QPixmap PictureOfFile(const QString &path)
     return QPixmap::fromImage(QImage::fromData(ReadWholeFile(path).value_or(QByteArray()), "BMP"));
 }
 
+QString HalfWord(SymbolKind kind, int handheldHalf)
+{
+    if (kind == SymbolKind::Loco)
+        return {};
+    if (kind == SymbolKind::Function)
+        return handheldHalf == HalfOn ? QStringLiteral(", ON") : QStringLiteral(", OFF");
+    return handheldHalf == HalfOn ? QStringLiteral(", Grün") : QStringLiteral(", Rot");
+}
+
+} // namespace
+
 QString KindWord(SymbolKind kind)
 {
     switch (kind) {
@@ -40,17 +51,6 @@ QString KindWord(SymbolKind kind)
     }
     Q_UNREACHABLE();
 }
-
-QString HalfWord(SymbolKind kind, int handheldHalf)
-{
-    if (kind == SymbolKind::Loco)
-        return {};
-    if (kind == SymbolKind::Function)
-        return handheldHalf == HalfOn ? QStringLiteral(", ON") : QStringLiteral(", OFF");
-    return handheldHalf == HalfOn ? QStringLiteral(", Grün") : QStringLiteral(", Rot");
-}
-
-} // namespace
 
 QImage ImageOf(const Picture &picture)
 {

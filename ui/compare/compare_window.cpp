@@ -5,6 +5,7 @@
 #include "jobs/restore.h"
 #include "jobs/selection.h"
 #include "platform/files.h"
+#include "platform/text.h"
 #include "roster/csv_sheet.h"
 #include "shown/connection.h"
 #include "ui/common/desktop.h"
@@ -45,6 +46,20 @@ public:
     }
 
 protected:
+    /// Records in their own order, texts as in a register, pictures by their number.
+    [[nodiscard]] bool lessThan(const QModelIndex &one, const QModelIndex &other) const override
+    {
+        const auto key = [this](const QModelIndex &index) {
+            const bool byText = index.column() == ChangeTable::ChangeColumn
+                || index.column() == ChangeTable::OldNameColumn || index.column() == ChangeTable::NewNameColumn
+                || index.column() == ChangeTable::FieldsColumn;
+            const QString text = byText ? index.data().toString() : QString();
+            return std::pair(
+                UpperLatin1(text).normalized(QString::NormalizationForm_D), table->change(index.row()).id);
+        };
+        return key(one) < key(other);
+    }
+
     [[nodiscard]] bool filterAcceptsRow(int row, const QModelIndex &) const override
     {
         const RecordChange &change = table->change(row);
@@ -182,6 +197,9 @@ void CompareWindow::buildTable()
     QHeaderView *header = table->horizontalHeader();
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
+    header->setToolTip(QStringLiteral("Klick: nach dieser Spalte sortieren"));
+    table->setSortingEnabled(true);
+    table->sortByColumn(ChangeTable::RecordColumn, Qt::AscendingOrder);
     const int letter = table->fontMetrics().averageCharWidth();
     for (const auto &[column, letters] : {std::pair(ChangeTable::RecordColumn, 26), {ChangeTable::ChangeColumn, 31},
              {ChangeTable::OldNameColumn, 22}, {ChangeTable::NewNameColumn, 22}})
@@ -339,7 +357,6 @@ void CompareWindow::showChanges(std::vector<RecordChange> changes)
         ids.insert(record.id);
     const bool any = !changes.empty();
     model->setChanges(std::move(changes), ids);
-    writeBut->setEnabled(any);
     csvBut->setEnabled(any);
     sidesLbl->setVisible(any);
     filterChanged();
@@ -356,11 +373,14 @@ void CompareWindow::showCount()
 {
     if (model->rowCount() == 0) {
         countLbl->clear();
+        writeBut->setEnabled(false);
         return;
     }
     QString text = QStringLiteral("Gezeigt: %1 von %2").arg(shown->rowCount()).arg(model->rowCount());
     const std::vector<RecordChange> written =
         ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second ? Written::Changes : Written::All);
+    // A page that an earlier job left half written is made good by the same button.
+    writeBut->setEnabled(!written.empty() || PagesWait(HandheldName(ShownHandheld())));
     if (written.empty())
         text += shown->rowCount() == 0 && filterTxt->text().isEmpty() ? QStringLiteral(". Kein Unterschied.")
                                                                       : QStringLiteral(". Zu schreiben: nichts.");
