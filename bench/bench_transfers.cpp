@@ -8,8 +8,13 @@
 #include "jobs/backup.h"
 #include "jobs/careful_job.h"
 #include "link/cadence.h"
+#include "platform/disk.h"
+#include "platform/qt/machine_disk.h"
 #include "tests/support/virtual_world.h"
 
+#include <QSaveFile>
+
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 
@@ -25,6 +30,47 @@ public:
     [[nodiscard]] QString handheld() const override { return QStringLiteral("51201 1.2"); }
     [[nodiscard]] bool agrees(Topic, const BoxText &, bool) override { return true; }
     [[nodiscard]] Handheld handheldNow() override { return Handheld::Same; }
+};
+
+/// The machine's disk, and what of the real time goes by in it.
+class TimedDisk : public MachineDisk
+{
+public:
+    int flushes = 0;
+    double ms = 0;
+
+    [[nodiscard]] bool write(QFileDevice &file, const QByteArray &bytes) override
+    {
+        return timed([&] { return MachineDisk::write(file, bytes); });
+    }
+    [[nodiscard]] bool replace(QSaveFile &file) override
+    {
+        ++flushes; // of the new file
+        return timed([&] { return MachineDisk::replace(file); });
+    }
+    bool remove(const QString &path) override
+    {
+        return timed([&] { return MachineDisk::remove(path); });
+    }
+    [[nodiscard]] bool flush(QFileDevice &file) override
+    {
+        ++flushes;
+        return timed([&] { return MachineDisk::flush(file); });
+    }
+    [[nodiscard]] bool flushFolder(const QString &path) override
+    {
+        ++flushes;
+        return timed([&] { return MachineDisk::flushFolder(path); });
+    }
+
+private:
+    bool timed(const std::function<bool()> &work)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        const bool done = work();
+        ms += std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+        return done;
+    }
 };
 
 constexpr double RestMs = 60; // after each page program, in the fast cadence
@@ -145,6 +191,33 @@ protected:
         measure({"8 neighbours, save too", write({true, true, true})});
     }
 };
+
+/// What the disk costs a proved job of 300 pages with journal and snapshot: its real time beside the bus's simulated one.
+TEST_F(Bench, TheDiskOfACarefulJob)
+{
+    std::vector<Step> steps;
+    for (int page = 0; page < 300; ++page)
+        steps.push_back({StepKind::Write, {RecordKind::Loco, 8 + page * 8},
+            LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
+    YesFace face;
+    for (const Cadence cadence : {Cadence::Ticks, Cadence::Events}) {
+        ChooseCadence(cadence);
+        flash().setBytes(0, QByteArray(64 * 9999, '\xFF'));
+        CarefulJob job;
+        job.fileName = folder.filePath(QStringLiteral("bench.csv"));
+        job.steps = steps;
+        TimedDisk disk;
+        InstallDisk(&disk);
+        const qint64 start = events.nowUs;
+        const int programs = executed(ProgramOpcode);
+        static_cast<void>(RunCarefulJob(job, face));
+        InstallDisk(nullptr);
+        const double busMs = static_cast<double>(events.nowUs - start) / 1000;
+        std::printf("300 pages proved, %-6s %9.0f ms  %d programs  disk %6.0f ms in %d flushes: %4.2f %%\n",
+            cadence == Cadence::Ticks ? "ticks" : "events", busMs, executed(ProgramOpcode) - programs, disk.ms,
+            disk.flushes, 100 * disk.ms / busMs);
+    }
+}
 
 /// Runs a backup of what the selection names, as a transfer of its own.
 Kind BackupOf(const char *name, const QString &folder, const BackupSelection &selection)

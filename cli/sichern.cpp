@@ -118,8 +118,6 @@ Exit Run(const Call &call)
     else if (outcome.end != JobEnd::Complete || !sound)
         ReportBackup(outcome);
     PrintSaved(call, outcome);
-    if (outcome.end == JobEnd::Complete && sound && !outcome.written)
-        return Exit::Usage;
     return ExitOf(outcome.end, sound);
 }
 

@@ -478,6 +478,8 @@ private:
                 entry.state = RecordState::Unchanged;
             if (change.change == Change::Nameless)
                 entry.state = RecordState::Empty;
+            if (change.change == Change::Unknown)
+                end.report.unreadable.push_back(change.id);
             if (change.change == Change::EditedSince && !job.options.writeAll)
                 end.report.edited.push_back(change.id);
             if (isFinished(change) && entry.state == RecordState::Unchanged)

@@ -2,60 +2,74 @@
 // What is not named here is not seen: the simulated bus knows nothing of link or handheld.
 #pragma once
 
-namespace hr::platform {
+namespace hr::platform
+{
 }
 
-namespace hr::program {
+namespace hr::program
+{
 using namespace platform;
 }
 
-namespace hr::link {
+namespace hr::link
+{
 using namespace program;
 }
 
-namespace hr::handheld {
+namespace hr::handheld
+{
 using namespace link;
 }
 
-namespace hr::station {
+namespace hr::station
+{
 using namespace handheld;
 }
 
-namespace hr::symbols {
+namespace hr::symbols
+{
 using namespace handheld;
 }
 
-namespace hr::roster {
+namespace hr::roster
+{
 using namespace symbols;
 }
 
-namespace hr::jobs {
+namespace hr::jobs
+{
 using namespace station;
 using namespace roster;
-}
+} // namespace hr::jobs
 
-namespace hr::shown {
+namespace hr::shown
+{
 using namespace jobs;
 }
 
-namespace hr::ui {
+namespace hr::ui
+{
 using namespace shown;
 }
 
-namespace hr::cli {
+namespace hr::cli
+{
 using namespace jobs;
 }
 
-namespace hr::sim {
+namespace hr::sim
+{
 using namespace platform;
 }
 
-namespace hr::app {
+namespace hr::app
+{
 using namespace ui;
 using namespace cli;
-}
+} // namespace hr::app
 
-namespace hr::tests {
+namespace hr::tests
+{
 using namespace ui;
 using namespace cli;
-}
+} // namespace hr::tests

@@ -8,10 +8,14 @@ namespace hr::sim
 
 void Bus::transmit(Bytes bytes, Sender sender, qint64 earliestUs)
 {
-    if (bytes.empty())
-        return;
-    const auto place = std::ranges::upper_bound(queue, earliestUs, {}, &Waiting::earliestUs);
-    queue.insert(place, Waiting{std::move(bytes), sender, earliestUs});
+    if (!bytes.empty())
+        put({std::move(bytes), sender, earliestUs});
+}
+
+void Bus::put(Waiting message)
+{
+    const auto place = std::ranges::upper_bound(queue, message.earliestUs, {}, &Waiting::earliestUs);
+    queue.insert(place, std::move(message));
 }
 
 qint64 Bus::nextDueUs() const
@@ -36,6 +40,8 @@ void Bus::start()
     const qint64 startUs = nextDueUs();
     Waiting next = std::move(queue.front());
     queue.erase(queue.begin());
+    if (next.from != nullptr && !next.from->hasPower())
+        return;
     current = BusMessage{std::move(next.bytes), next.sender, startUs};
     if (onStart)
         onStart(*current);
@@ -52,7 +58,7 @@ void Bus::finish()
         onEnd(message);
     for (BusDevice *device : devices) {
         for (BusAnswer &answer : device->receive(message.bytes, freeFromUs))
-            transmit(std::move(answer.bytes), Sender::Device, freeFromUs + answer.delayUs);
+            put({std::move(answer.bytes), Sender::Device, freeFromUs + answer.delayUs, device});
     }
 }
 

@@ -37,6 +37,9 @@ public:
 
     /// Gets every complete message on the line, also with a wrong checksum; the time is the end of the message.
     virtual std::vector<BusAnswer> receive(const Bytes &message, qint64 timeUs) = 0;
+
+    /// An answer that has not begun when its device loses its power never comes.
+    [[nodiscard]] virtual bool hasPower() const { return true; }
 };
 
 class Bus
@@ -67,8 +70,10 @@ private:
         Bytes bytes;
         Sender sender;
         qint64 earliestUs;
+        const BusDevice *from = nullptr; // of an answer
     };
 
+    void put(Waiting message);
     void start();
     void finish();
 

@@ -9,12 +9,13 @@
 namespace hr::sim
 {
 
-/// One kind of fault: strikes at the nth occasion (1 = the next one, 0 = never) and at each occasion with the given
-/// probability (0..1). `seen` counts the occasions since the faults were set.
+/// One kind of fault: strikes at the nth occasion (1 = the next one, 0 = never), as many times in a row as `times` says, and
+/// at each occasion with the given probability (0..1). `seen` counts the occasions since the faults were set.
 struct Fault {
     int nth = 0;
     double probability = 0;
     int seen = 0;
+    int times = 1;
 };
 
 struct Faults {
@@ -47,6 +48,9 @@ struct Faults {
     Fault lostAck;
     Fault otherAck; // it carries otherAckCode instead of the usual code
     quint8 otherAckCode = 0x00;
+
+    // Occasion: an answer of the handheld. One bit of its data is another one on the bus.
+    Fault damagedAnswer;
 
     // Occasion: an acknowledge or answer of the handheld.
     Fault doubledAnswer; // it comes once more, doubledUs later
@@ -86,7 +90,8 @@ public:
     bool strikes(Fault &fault)
     {
         ++fault.seen;
-        return fault.seen == fault.nth || (fault.probability > 0 && dice() < fault.probability * DiceRange);
+        const bool chosen = fault.nth > 0 && fault.seen >= fault.nth && fault.seen < fault.nth + fault.times;
+        return chosen || (fault.probability > 0 && dice() < fault.probability * DiceRange);
     }
 
     /// 0 <= number < count.

@@ -19,6 +19,7 @@ constexpr quint8 Store = 0x00;
 constexpr quint8 Execute = 0x10;
 constexpr quint8 ReadBack = 0x20;
 constexpr quint8 Identify = 0x30;
+constexpr std::size_t FirstData = 6;
 constexpr std::size_t SliceSize = 20;
 constexpr std::size_t TypeLength = 5;
 constexpr quint8 ProgramOpcode = 0x83;
@@ -159,7 +160,11 @@ std::vector<BusAnswer> Handheld::acknowledge(qint64 workUs)
 
 std::vector<BusAnswer> Handheld::answer(std::span<const quint8> data) const
 {
-    return {{Packed(data), settings.answerDelayUs}};
+    BusAnswer whole{Packed(data), settings.answerDelayUs};
+    if (box.strikes(box.faults.damagedAnswer))
+        whole.bytes.at(FirstData + static_cast<std::size_t>(box.number(4))) ^=
+            static_cast<quint8>(1 << box.number(7));
+    return {whole};
 }
 
 Bytes Handheld::identification() const

@@ -48,6 +48,7 @@ public:
     explicit Handheld(FaultBox &faultBox);
 
     std::vector<BusAnswer> receive(const Bytes &message, qint64 timeUs) override;
+    [[nodiscard]] bool hasPower() const override { return powered; }
 
     /// The supply fails: the handheld is silent and forgets its buffers until restorePower().
     void cutPower(qint64 nowUs);

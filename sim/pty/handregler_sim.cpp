@@ -45,6 +45,7 @@ const std::array FaultOptions{
     FaultOption{"double-answer", &Faults::doubledAnswer, "Antwort des Handreglers kommt zweimal."},
     FaultOption{"late-answer", &Faults::lateAnswer, "Antwort des Handreglers kommt 3 s zu spät."},
     FaultOption{"foreign-answer", &Faults::foreignPeerAfter, "Antwort eines fremden Geräts vor der eigenen."},
+    FaultOption{"damage-answer", &Faults::damagedAnswer, "Bit einer Antwort des Handreglers ändern."},
     FaultOption{"skip-program", &Faults::skippedProgram, "Seite quittieren und nicht programmieren."},
     FaultOption{"skip-load", &Faults::skippedLoad, "Laden einer Seite quittieren und nicht tun."},
     FaultOption{"power-cut", &Faults::powerCut, "Stromausfall beim Programmieren einer Seite."},

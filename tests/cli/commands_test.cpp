@@ -6,6 +6,7 @@
 #include "jobs/undo_snapshot.h"
 #include "link/cadence.h"
 #include "link/link_state.h"
+#include "platform/disk.h"
 #include "platform/files.h"
 #include "platform/qt/console.h"
 #include "program/run_control.h"
@@ -17,6 +18,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSaveFile>
+#include <QTemporaryDir>
 
 #include <random>
 
@@ -360,6 +363,15 @@ protected:
         return list.join(u',');
     }
 
+    /// Does it when so many messages more of the program are on the bus.
+    void afterMessages(int count, const std::function<void()> &what)
+    {
+        layout().bus.onEnd = [left = count, what](const sim::BusMessage &message) mutable {
+            if (message.sender == sim::Sender::Pc && --left == 0)
+                what();
+        };
+    }
+
     void call(const Row &row)
     {
         SCOPED_TRACE(row.what);
@@ -446,6 +458,17 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
     scene({{"without saving", QStringLiteral("schreiben --ohne-sicherung a.csv"), none, Exit::Done, wrote, after, 2},
         {"nothing to take back", QStringLiteral("zuruecknehmen"), none, Exit::Usage,
             QStringLiteral("Es gibt nichts zurückzunehmen."), after, 0}});
+    scene({{"a backup of one", QStringLiteral("sichern --loks 3 s.dds"), none, Exit::Done, {}, before, 0},
+        {"not comparable", QStringLiteral("vergleichen s.dds"), none, Exit::Incomplete,
+            QStringLiteral("Lok 3: nicht sicher gelesen"), before, 0,
+            [this] { afterMessages(3, [this] { handheld().settings.present = false; }); }}});
+    handheld().settings.present = true;
+    const auto search = QStringLiteral("sichern --loks-suchen 1-30 x.dds");
+    const auto stop = [this] { events.after(6'000'000, [] { TakeInterrupt(); }); };
+    scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde abgebrochen."),
+               before, 0, stop},
+        {"go on, Enter", search, QStringLiteral(" "), Exit::Done,
+            QStringLiteral("Soll sie fortgesetzt werden?|[J/n]"), before, 0}});
     scene({{"make a backup", QStringLiteral("sichern --loks 3,8 s.dds"), none, Exit::Done, {}, before, 0},
         {"compare equal", QStringLiteral("vergleichen s.dds"), none, Exit::Done,
             QStringLiteral("Kein Unterschied: 2 Datensätze."), before, 0},
@@ -578,14 +601,250 @@ TEST_F(Calls, SymbolsAndTheStartImageAreAskedAboutAndTakenBack)
                 Exit::Done, QStringLiteral("Funktionssymbole ON: 201"), names, 1},
             {"the start image back in", QStringLiteral("startbild schreiben i.png"), QStringLiteral("j"), Exit::Done,
                 QStringLiteral("In den Handregler geschrieben:\nStartbild"), names, 1,
-                [this] { flash().setBytes(StartImageAddress + 100, QByteArray(99, '\x11')); }}})
+                [this] { flash().setBytes(StartImageAddress + 100, QByteArray(99, '\x11')); }},
+            {"not read for sure", QStringLiteral("symbol lesen funktion 200 ein t.png"), none, Exit::Incomplete,
+                QStringLiteral("Das Bild wurde nicht sicher gelesen; die Datei wird nicht geschrieben."), names, 0,
+                [this] { strike(&sim::Faults::missedRequest, 4); }},
+            {"nobody answers any more", QStringLiteral("symbol schreiben funktion 202 ein s.png"), none,
+                Exit::Incomplete,
+                QStringLiteral("weil ihre Speicherseite nicht sicher gelesen wurde:\nFunktionssymbole ON: 202"),
+                names, 0, [this] { afterMessages(3, [this] { handheld().settings.present = false; }); }}})
         call(row);
+    handheld().settings.present = true;
+    EXPECT_FALSE(QFile::exists(path(QStringLiteral("t.png"))));
     EXPECT_EQ(flashBytes(FktSymbolAddress + 201 * 64, 30), flashBytes(FktSymbolAddress + 200 * 64, 30));
     for (int i = 0; i < 3; ++i)
         call({"taken back", QStringLiteral("zuruecknehmen"), QStringLiteral("j"), Exit::Done, {}, names, 1});
     EXPECT_EQ(flashBytes(StartImageAddress + 100, 99), QByteArray(99, '\x11'));
     flash().setBytes(StartImageAddress + 100, QByteArray(99, '\x55'));
     EXPECT_EQ(flash().state.memory, before);
+}
+
+/// From the moment of a kill on nothing comes to the disk any more.
+class DeadDisk : public Disk
+{
+public:
+    bool dead = false;
+    [[nodiscard]] bool write(QFileDevice &file, const QByteArray &bytes) override
+    {
+        return !dead && Disk::write(file, bytes);
+    }
+    [[nodiscard]] bool replace(QSaveFile &file) override
+    {
+        if (!dead)
+            return Disk::replace(file);
+        file.cancelWriting();
+        return false;
+    }
+    bool remove(const QString &path) override { return !dead && Disk::remove(path); }
+};
+
+/// Calls that are broken in every way at a random moment, in both cadences, and what is called next.
+class Breaks : public Calls
+{
+protected:
+    struct Scene {
+        const char *before; // called undisturbed; nothing: null
+        const char *words;  // broken
+        const char *again;  // wanted after a break
+    };
+    static constexpr std::array Scenes{Scene{nullptr, "schreiben --ja a.csv", "schreiben --fortsetzen a.csv"},
+        Scene{nullptr, "schreiben --ja --alles-schreiben a.csv", "schreiben --ja a.csv"},
+        Scene{nullptr, "schreiben --ja --nicht-pruefen a.csv", "schreiben --ja a.csv"},
+        Scene{nullptr, "schreiben --ja --ohne-sicherung a.csv", "schreiben --fortsetzen a.csv"},
+        Scene{nullptr, "zurueck --ja s.dds", "zurueck --ja s.dds"},
+        Scene{nullptr, "loeschen --ja 3,9", "loeschen --ja 3,9"},
+        Scene{
+            nullptr, "symbol schreiben --ja funktion 200 ein s.png", "symbol schreiben --ja funktion 200 ein s.png"},
+        Scene{"schreiben --ja a.csv", "zuruecknehmen --ja", "zuruecknehmen --ja"}};
+    enum class How { Kill, Signal, HangUp, Power, PowerInPage, Late, Doubled, Lost, Count };
+    struct Course { // of a scene without a break
+        std::vector<QByteArray> begins;
+        std::vector<QByteArray> ends;
+        qint64 longUs = 0;
+        int answers = 0;
+    };
+
+    void begin(const Scene &scene)
+    {
+        freshWorld();
+        QFile::copy(pictures.filePath(QStringLiteral("s.png")), path(QStringLiteral("s.png")));
+        EXPECT_EQ(exitOf("umwandeln a.csv s.dds"), Exit::Done);
+        flash().setBytes(FktSymbolAddress + 200 * 64, QByteArray("\x06\x0D", 2) + QByteArray(28, '\x11'));
+        flash().setBytes(FktSymbolAddress + 201 * 64, QByteArray("\x06\x0D", 2) + QByteArray(28, '\x22'));
+        if (scene.before != nullptr) {
+            EXPECT_EQ(exitOf(scene.before), Exit::Done);
+        }
+    }
+
+    Exit exitOf(const char *call, const QStringList &answers = {})
+    {
+        QStringList words = QString::fromLatin1(call).split(u' ');
+        for (QString &word : words)
+            word = word.contains(u'.') ? path(word) : word;
+        typing.present = !answers.isEmpty();
+        typing.lines = answers;
+        atTerminal = true;
+        return run({}, words);
+    }
+
+    /// Records 1 to 31 as far as they count, and the symbols of a page.
+    std::vector<QByteArray> records()
+    {
+        std::vector<QByteArray> all;
+        for (int n = 1; n < 32; ++n) {
+            const QByteArray bytes = flashBytes(LocoRecordAddress(n), LocoRecordSize);
+            all.push_back(bytes.startsWith('\xFF') ? QByteArray(LocoRecordSize, '\xFF') : bytes);
+        }
+        for (int half = 0; half < 16; ++half)
+            all.push_back(flashBytes(FktSymbolAddress + 200 * 64 + half * 32, 32));
+        return all;
+    }
+
+    static int requests(const sim::Handheld &one) { return one.state.stores + one.state.readBacks; }
+
+    Course undisturbed(const Scene &scene)
+    {
+        begin(scene);
+        Course course{records(), {}, events.nowUs, requests(handheld())};
+        EXPECT_EQ(exitOf(scene.words), Exit::Done) << messages.toStdString();
+        course.ends = records();
+        course.longUs = events.nowUs - course.longUs;
+        course.answers = requests(handheld()) - course.answers;
+        return course;
+    }
+
+    void arrange(How how, const Course &course)
+    {
+        const auto moment = 50'000 + static_cast<qint64>(dice() % 1000) * course.longUs / 1000;
+        const int nth = 1 + static_cast<int>(dice() % static_cast<unsigned>(course.answers));
+        sim::Faults faults;
+        faults.seed = dice();
+        faults.doubledUs = 1'000 + dice() % 50'000;
+        faults.lateAnswerUs = 1'900'000 + dice() % 3'000'000;
+        const double often = std::array{0.0, 0.03, 0.4}.at(dice() % 3);
+        for (const auto &[of, fault] : {std::pair(How::Late, &sim::Faults::lateAnswer),
+                 {How::Doubled, &sim::Faults::doubledAnswer}, {How::Lost, &sim::Faults::missedRequest}}) {
+            if (how == of)
+                faults.*fault = {nth, often};
+        }
+        if (how == How::Lost && dice() % 2 == 0)
+            std::swap(faults.lostAck, faults.missedRequest);
+        if (how == How::PowerInPage)
+            faults.powerCut.nth = 1 + static_cast<int>(dice() % 2);
+        layout().faults.set(faults);
+        const auto strikes = [this, how] {
+            disk.dead = how == How::Kill;
+            if (how == How::Kill || how == How::HangUp)
+                port.hangUp();
+            else if (how == How::Power)
+                handheld().cutPower(events.nowUs);
+            else
+                TakeInterrupt();
+        };
+        if (how <= How::Power)
+            events.after(moment, strikes);
+    }
+
+    /// The next program, on the next day of the handheld.
+    void afterBreak(const Course &course)
+    {
+        events.run(6 + static_cast<double>(course.longUs) / 1e6); // the moment is over, whether it was reached or not
+        disk.dead = false;
+        layout().faults.set({});
+        handheld().restorePower();
+        port.replug();
+        ResetRunControl();
+        events.run(6);
+    }
+
+    /// Each record is what it was or what it was to be; destroyed ones are allowed in the pages in work.
+    static bool isOldOrNew(const std::vector<QByteArray> &now, const Course &course)
+    {
+        for (size_t i = 0; i < now.size(); ++i) {
+            if (now.at(i) != course.begins.at(i) && now.at(i) != course.ends.at(i))
+                return false;
+        }
+        return true;
+    }
+
+    bool aPageWaits()
+    {
+        return !QDir(path(QStringLiteral("konf/Sicherungen"))).entryList({QStringLiteral("*.offen")}).isEmpty();
+    }
+
+    QTemporaryDir pictures;
+    DeadDisk disk;
+    std::mt19937 dice;
+};
+
+/// 200 as a rule; HR_BREAKS and HR_SEED ask for more, and for others.
+TEST_F(Breaks, NothingIsWrongAndSilentAndWhateverIsCalledNextMakesItGood)
+{
+    const int wanted = qEnvironmentVariableIntValue("HR_BREAKS");
+    const int breaks = wanted > 0 ? wanted : 200;
+    dice.seed(static_cast<unsigned>(qEnvironmentVariableIntValue("HR_SEED")));
+    events.limitSeconds = 1e9;
+    layout().bus.keepLog = false;
+    InstallDisk(&disk);
+    flash().setBytes(FktSymbolAddress + 202 * 64, QByteArray("\x06\x0D", 2) + QByteArray(28, '\x54'));
+    ASSERT_EQ(run(QStringLiteral("symbol lesen funktion 202 ein"), {pictures.filePath(QStringLiteral("s.png"))}),
+        Exit::Done);
+    std::map<std::pair<size_t, Cadence>, Course> courses;
+    std::array<int, static_cast<size_t>(How::Count)> broken{};
+    for (int i = 0; i < breaks; ++i) {
+        const size_t number = dice() % Scenes.size();
+        const Scene &scene = Scenes.at(number);
+        const auto how = static_cast<How>(dice() % static_cast<unsigned>(How::Count));
+        const Cadence cadence = dice() % 2 == 0 ? Cadence::Ticks : Cadence::Events;
+        SCOPED_TRACE(testing::Message() << i << ": " << scene.words << ", how " << static_cast<int>(how)
+                                        << (cadence == Cadence::Ticks ? " in ticks" : " fast"));
+        ChooseCadence(cadence);
+        if (!courses.contains({number, cadence}))
+            courses.emplace(std::pair(number, cadence), undisturbed(scene));
+        const Course &course = courses.at({number, cadence});
+        begin(scene);
+        ChooseCadence(cadence);
+        arrange(how, course);
+        const Exit first = exitOf(scene.words);
+        const QString said = messages;
+        const bool inPage = how == How::Kill || how == How::HangUp || how == How::Power || how == How::PowerInPage;
+        broken.at(static_cast<size_t>(how)) += first != Exit::Done ? 1 : 0;
+        if (first == Exit::Done) {
+            ASSERT_EQ(records(), course.ends) << "wrong and silent: " << said.toStdString();
+        } else {
+            ASSERT_FALSE(said.isEmpty() && out.isEmpty());
+            ASSERT_TRUE(inPage || isOldOrNew(records(), course)) << said.toStdString();
+        }
+        ASSERT_TRUE(aPageWaits() || isOldOrNew(records(), course))
+            << "destroyed and forgotten: " << said.toStdString();
+        afterBreak(course);
+        ChooseCadence(cadence);
+        // Another list on the same page finds the page first; then what was wanted is wanted again.
+        if (dice() % 3 == 0) {
+            ASSERT_EQ(exitOf("schreiben --ja b.csv"), Exit::Done) << said.toStdString() << "\n"
+                                                                  << messages.toStdString();
+            std::vector<QByteArray> now = records();
+            ASSERT_NE(now.at(3), course.ends.at(3)) << "loco 4 is another one";
+            now.at(3) = course.ends.at(3);
+            ASSERT_TRUE(isOldOrNew(now, course)) << said.toStdString() << "\n" << messages.toStdString();
+            setLoco(4, QStringLiteral("LOK 4"));
+        }
+        for (int more = 0; more < 2 && (records() != course.ends || aPageWaits()); ++more) {
+            Exit again = exitOf(scene.again);
+            if (again == Exit::Usage) // there was nothing to go on with
+                again = exitOf(scene.words);
+            if (messages.contains(
+                    QStringLiteral("Diese Frage beantwortet --ja nicht."))) // killed in a journal's head
+                again = exitOf(QByteArray(scene.words).replace("--ja ", ""), QStringList(4, QStringLiteral("j")));
+            ASSERT_EQ(again, Exit::Done) << said.toStdString() << "\n" << messages.toStdString();
+        }
+        ASSERT_EQ(records(), course.ends) << said.toStdString() << "\n" << messages.toStdString();
+        ASSERT_FALSE(aPageWaits());
+    }
+    InstallDisk(nullptr);
+    for (size_t how = 0; how < broken.size() && breaks >= 200; ++how)
+        EXPECT_GT(broken.at(how), 2) << how;
 }
 
 TEST_F(Calls, YesToAllIsNotYesForEver)

@@ -1,5 +1,6 @@
 #include "handheld/discovery.h"
 
+#include "link/cadence.h"
 #include "link/message_layer.h"
 #include "link/open_link.h"
 #include "program/run_control.h"
@@ -83,6 +84,25 @@ TEST_F(Discovery, AHandheldThatDoesNotIdentifyItselfIsStillUsable)
     EXPECT_TRUE(found.ok());
     EXPECT_TRUE(HandreglerGefunden);
     EXPECT_TRUE(found.value.version.isEmpty());
+}
+
+TEST_F(Discovery, ADamagedIdentificationIsNobodys)
+{
+    user.acceptAnyBox();
+    for (const Cadence cadence : {Cadence::Ticks, Cadence::Events}) {
+        ResetCore();
+        UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+        ChooseCadence(cadence);
+        for (const int damaged : {1, 9}) {
+            sim::Faults faults;
+            faults.damagedAnswer = {1, 0, 0, damaged};
+            layout().faults.set(faults);
+            const Result<HandheldInfo> found = FindHandheld();
+            EXPECT_TRUE(found.ok()) << "reading is allowed";
+            EXPECT_EQ(found.value.type, damaged == 1 ? QStringLiteral("51201") : QString());
+            EXPECT_EQ(found.value.version.isEmpty(), damaged > 1);
+        }
+    }
 }
 
 /// The program ends at any moment of a search or of a sending back: a handheld that was called is sent back once, one

@@ -2,6 +2,7 @@
 // the user is told; neighbours in the same page are never harmed; the next command works.
 
 #include "handheld/flash_map.h"
+#include "handheld/options.h"
 #include "handheld/record_kinds.h"
 #include "jobs/runner.h"
 #include "link/cadence.h"
@@ -18,10 +19,15 @@ namespace hr::tests
 namespace
 {
 
+constexpr int RequestSize = 31;
+
 struct FaultKind {
     const char *name;
     sim::Fault sim::Faults::*fault;
     int occasionsAMessage; // how many occasions a request and its answer are at most
+    int times = 1;
+    bool breaksPage = false; // nobody can keep the neighbours then
+    bool ofCts = false;      // behind the interface with the text prompt; the next request is not heard
 };
 
 const FaultKind FaultKinds[] = {{"lost byte", &sim::Faults::lostByte, 62},
@@ -32,7 +38,11 @@ const FaultKind FaultKinds[] = {{"lost byte", &sim::Faults::lostByte, 62},
     {"missed request", &sim::Faults::missedRequest, 1}, {"lost acknowledge", &sim::Faults::lostAck, 1},
     {"other acknowledge", &sim::Faults::otherAck, 1}, {"foreign answer before", &sim::Faults::foreignPeerBefore, 1},
     {"foreign answer after", &sim::Faults::foreignPeerAfter, 1}, {"doubled answer", &sim::Faults::doubledAnswer, 1},
-    {"late answer", &sim::Faults::lateAnswer, 1}, {"hang-up", &sim::Faults::hangUp, 1}};
+    {"late answer", &sim::Faults::lateAnswer, 1}, {"hang-up", &sim::Faults::hangUp, 1},
+    {"answer damaged", &sim::Faults::damagedAnswer, 1}, {"answer damaged twice", &sim::Faults::damagedAnswer, 1, 2},
+    {"answers damaged", &sim::Faults::damagedAnswer, 1, 9},
+    {"power cut in a page", &sim::Faults::powerCut, 1, 1, true},
+    {"CTS off", &sim::Faults::ctsOff, RequestSize, 1, false, true}};
 
 /// Everything that can be wrong with the answers all the time.
 struct Disturbance {
@@ -88,12 +98,35 @@ protected:
         flash().state.buffer1.fill(0xA5); // what an unloaded buffer would spread
         user.boxes.clear();
         begin();
-        strike(kind.fault, nth);
+        plugInto(kind.ofCts ? InterfaceOrvanto1 : InterfaceDirect);
+        sim::Faults faults;
+        (faults.*kind.fault).nth = nth;
+        (faults.*kind.fault).times = kind.times;
+        if (kind.ofCts) {
+            faults.ctsOffUs = 2'010'000 + nth % 4 * 326'000;
+            faults.missedRequest.nth = 1 + (nth + RequestSize - 1) / RequestSize;
+        }
+        layout().faults.set(faults);
+    }
+
+    /// The interface with the text prompt passes messages through, as after its set-up.
+    void plugInto(int type)
+    {
+        if (InterfaceType == type)
+            return;
+        InterfaceType = static_cast<qint16>(type);
+        layout().adapter.setKind(
+            type == InterfaceOrvanto1 ? sim::InterfaceKind::TextPrompt : sim::InterfaceKind::Direct);
+        layout().adapter.setLineUnknown();
+        if (type == InterfaceOrvanto1)
+            layout().adapter.fromPc(sim::ToBytes("xB19200\rx&LN$55AA\r"), events.nowUs);
+        events.run(6);
     }
 
     /// The row before may have lost the port, fallen back to the slow cadence, and left late answers.
     void begin()
     {
+        handheld().restorePower();
         port.replug();
         if (!port.isOpen()) {
             ASSERT_TRUE(port.open());
@@ -121,12 +154,14 @@ protected:
         ASSERT_EQ(read.value, DecodeLoco(bytes)) << row;
     }
 
-    /// True when all bytes outside the target's own are as before.
-    bool neighboursUnharmed(const Target &target)
+    /// True when all bytes outside the target's own are as before; where the page itself breaks, all outside its pages.
+    bool neighboursUnharmed(const Target &target, bool breaksPage = false)
     {
         const auto isOwn = [&](int address) {
-            return std::ranges::any_of(
-                target.own, [&](const auto &range) { return address >= range.first && address <= range.second; });
+            const int rest = breaksPage ? 511 : 0;
+            return std::ranges::any_of(target.own, [&](const auto &range) {
+                return address >= (range.first & ~rest) && address <= (range.second | rest);
+            });
         };
         for (int address = target.page; address < target.page + 2'560; ++address) {
             if (!isOwn(address)
@@ -228,7 +263,7 @@ TEST_P(FaultMatrix, Writes)
                     SpiImage fresh = image;
                     const PageResult written = WriteRecord(fresh, target.id, value, patience);
                     const Outcome &outcome = written.outcome;
-                    ASSERT_TRUE(neighboursUnharmed(target)) << row << ": neighbours harmed";
+                    ASSERT_TRUE(neighboursUnharmed(target, kind.breaksPage)) << row << ": neighbours harmed";
                     if (outcome.ok()) {
                         ASSERT_EQ(flash().state.memory, wanted) << row << ": wrong without a word";
                     } else if (outcome.how() != End::SecondHandheld) {
@@ -253,12 +288,52 @@ TEST_P(FaultMatrix, Deletes)
             restart(kind, nth);
             SpiImage image{};
             const Outcome outcome = DeleteLoco(image, 9, Patience::Agreed).outcome;
-            ASSERT_TRUE(neighboursUnharmed(target)) << row;
+            ASSERT_TRUE(neighboursUnharmed(target, kind.breaksPage)) << row;
             ASSERT_TRUE(!outcome.ok() || flashBytes(9 * 64, 15) == QByteArray(15, '\xFF')) << row;
             ASSERT_TRUE(outcome.ok() || !user.boxes.isEmpty() || outcome.how() == End::SecondHandheld) << row;
             expectNextCommandWorks(row);
         }
     }
+}
+
+/// A settings page that was not read for sure is asked about; after No it stays as it is.
+TEST_P(FaultMatrix, SwitchOffTime)
+{
+    const Target target{"", {}, SettingsAddress, {{SettingsAddress, SettingsAddress + 511}}, 18};
+    QByteArray settings;
+    for (int i = 0; i < SettingsSize; ++i)
+        settings.append(static_cast<char>(i + 100));
+    flash().setBytes(SettingsAddress, settings);
+    memory = flash().state.memory;
+    QByteArray wanted = settings;
+    wanted[5] = 0;
+    int asked = 0;
+    for (const bool mayWrite : {false, true}) {
+        for (const FaultKind &kind : FaultKinds) {
+            for (const int nth : occasions(kind, target.messages)) {
+                const std::string row = std::string(kind.name) + (mayWrite ? ", Ja " : " ") + std::to_string(nth);
+                restart(kind, nth);
+                SpiImage image{};
+                image.fill(7);
+                const int before = asked;
+                const int programs = executed(0x83);
+                const Outcome outcome = ClearSwitchOffTime(image, [&] {
+                    ++asked;
+                    return mayWrite;
+                });
+                const bool wasAsked = asked > before;
+                ASSERT_TRUE(neighboursUnharmed(target)) << row;
+                ASSERT_TRUE(!outcome.ok() || flashBytes(SettingsAddress, SettingsSize) == wanted) << row;
+                ASSERT_TRUE(outcome.ok() || wasAsked || !user.boxes.isEmpty() || outcome.how() == End::SecondHandheld)
+                    << row;
+                if (wasAsked) {
+                    ASSERT_EQ(executed(0x83) - programs, mayWrite ? 1 : 0) << row;
+                }
+                expectNextCommandWorks(row);
+            }
+        }
+    }
+    EXPECT_GT(asked, 10);
 }
 
 /// Answers of others all the time, from every message of a job on: what the job says it has read is right, or it ends and

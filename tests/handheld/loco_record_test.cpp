@@ -1,7 +1,6 @@
 #include "handheld/loco_record.h"
 
 #include "handheld/flash_map.h"
-#include "handheld/options.h"
 #include "handheld/page_sequence.h"
 #include "handheld/symbol_storage.h"
 #include "link/open_link.h"
@@ -124,34 +123,6 @@ TEST_F(LocoRecords, HangUpAtAnyMessageLeavesTheOldPageOrTheNew)
         port.replug();
         ASSERT_TRUE(port.open());
     }
-}
-
-TEST_F(LocoRecords, SwitchOffTimeIsTheOnlyByteChanged)
-{
-    QByteArray settings;
-    for (int i = 0; i < 128; ++i)
-        settings.append(static_cast<char>(i + 100));
-    flash().setBytes(SettingsAddress, settings);
-    bool answer = false;
-    int asked = 0;
-    const auto mayWrite = [&] {
-        ++asked;
-        return answer;
-    };
-    user.acceptAnyBox();
-    strike(&sim::Faults::missedRequest, 3); // the second slice was not read
-    EXPECT_EQ(ClearSwitchOffTime(image, mayWrite).how(), End::NoAnswer);
-    EXPECT_EQ(flashBytes(SettingsAddress, 128), settings) << "not without a word";
-    EXPECT_EQ(executed(0x83), 0);
-    answer = true;
-    strike(&sim::Faults::missedRequest, 3);
-    EXPECT_EQ(ClearSwitchOffTime(image, mayWrite).how(), End::NoAnswer);
-    EXPECT_EQ(executed(0x83), 1) << "after Ja the agreed bytes";
-    flash().setBytes(SettingsAddress, settings);
-    EXPECT_TRUE(ClearSwitchOffTime(image, mayWrite).ok());
-    EXPECT_EQ(asked, 2);
-    settings[5] = 0;
-    EXPECT_EQ(flashBytes(SettingsAddress, 128), settings);
 }
 
 TEST_F(LocoRecords, SymbolsMoveWithinTheirSlots)

@@ -90,6 +90,9 @@ TEST_F(Downloads, EntryFailuresSayThatThereIsNoStation)
         user.boxes.clear();
         EXPECT_EQ(DownloadLocos().status, row.status);
         EXPECT_TRUE(user.boxes.contains(attention + QStringLiteral(": ") + noStation())) << row.status;
+        if (row.status == 111012) {
+            EXPECT_EQ(layout().station.requests.back().at(25), 0x10) << "it is in its download mode";
+        }
         expectHandheldUsable();
     }
     settings = {};

@@ -224,16 +224,17 @@ TEST_F(CompareTest, OnlyWhatIsTickedAndOnlyIntoTheHandheldThatWasLookedAt)
     EXPECT_EQ(nameIn(8), QStringLiteral("ANDERS"));
     EXPECT_EQ(flashBytes(LocoRecordAddress(1201), 1), QByteArray(1, '\xFF'));
     // While the question is open another handheld comes, of another type or of the same one.
-    for (const char *type : {"51202", "51201"}) {
+    for (const auto &[type, other] : {std::pair("51202", true), {"51201", true}, {"51202", false}}) {
         flash().state.memory = before;
         openOnHandheld();
         bool came = false;
-        user.onBox = [&] {
+        user.onBox = [&, newType = type, otherContent = other] {
             if (std::exchange(came, true))
                 return;
             HandreglerGefunden = false;
-            handheld().settings.type = type;
-            flash().setBytes(LocoRecordAddress(8), bytesOf(named(8, u"FREMD")));
+            handheld().settings.type = newType;
+            if (otherContent)
+                flash().setBytes(LocoRecordAddress(8), bytesOf(named(8, u"FREMD")));
         };
         answer(QStringLiteral("Ja"));
         answerBox();
@@ -245,6 +246,13 @@ TEST_F(CompareTest, OnlyWhatIsTickedAndOnlyIntoTheHandheldThatWasLookedAt)
         handheld().settings.type = "51201";
         ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
     }
+    // What was not read for sure is not offered.
+    user.acceptAnyBox();
+    layout().faults.faults.damagedAnswer.probability = 1;
+    openOnHandheld();
+    ASSERT_GT(rows()->rowCount(), 0);
+    for (int row = 0; row < rows()->rowCount(); ++row)
+        EXPECT_FALSE(rows()->index(row, 0).flags() & Qt::ItemIsUserCheckable) << row;
 }
 
 TEST_F(CompareTest, TwoFilesSideBySide)

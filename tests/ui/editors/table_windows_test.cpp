@@ -424,6 +424,11 @@ TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
     EXPECT_EQ(row(3), "7||X");
     EXPECT_TRUE(shown("GeaendertLbl"));
     EXPECT_EQ(UnwrittenTables(), QStringList{QStringLiteral("Fahrstraßendaten ändern")});
+    user.acceptAnyBox();
+    handheld().settings.present = false;
+    button("SchreibeFSDatenBut")->click();
+    EXPECT_TRUE(shown("GeaendertLbl")) << "it could not be written";
+    handheld().settings.present = true;
     button("SchreibeFSDatenBut")->click();
     EXPECT_FALSE(shown("GeaendertLbl"));
     EXPECT_TRUE(UnwrittenTables().isEmpty());
