@@ -83,11 +83,8 @@ public:
     {
         if (topic == Topic::MendPage && call.has(ResumeOption))
             return true;
-        if (topic == Topic::Resume && call.options.yes) {
-            Tell(ScreenLines(question.text)
-                + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
-            return false;
-        }
+        if (topic == Topic::Resume)
+            return AgreesToGoOn(call, question, defaultYes);
         if (topic == Topic::DropJournal && call.options.yes) {
             Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Diese Frage beantwortet --ja nicht."));
             return false;

@@ -5,7 +5,6 @@
 #include "jobs/report.h"
 #include "platform/files.h"
 #include "platform/text.h"
-#include "program/ask.h"
 
 #include <QDir>
 
@@ -89,6 +88,14 @@ Exit FileFaults(const QString &fileName, const QString &faults)
     Tell(QStringLiteral("Die Datei %1 kann nicht verwendet werden:\n").arg(QDir::toNativeSeparators(fileName))
         + ScreenLines(faults));
     return Exit::Usage;
+}
+
+bool AgreesToGoOn(const Call &call, const BoxText &question, bool defaultYes)
+{
+    if (!call.options.yes)
+        return TheAsk().askYesNo(question, defaultYes);
+    Tell(ScreenLines(question.text) + QStringLiteral(" Nein: Das tut nur --fortsetzen. Es wird von vorn begonnen."));
+    return false;
 }
 
 } // namespace hr::cli

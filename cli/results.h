@@ -3,6 +3,7 @@
 
 #include "cli/call.h"
 #include "jobs/runner.h"
+#include "program/ask.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -29,5 +30,9 @@ Exit UsageFault(const QString &text);
 
 /// Tells what is wrong in a file: its name and the faults.
 Exit FileFaults(const QString &fileName, const QString &faults);
+
+/// A question whether a broken-off job is to be gone on with. --ja is no answer to it: the job is begun anew then, and the
+/// user is told.
+bool AgreesToGoOn(const Call &call, const BoxText &question, bool defaultYes = true);
 
 } // namespace hr::cli

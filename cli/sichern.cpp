@@ -102,11 +102,13 @@ Exit Run(const Call &call)
         return service.failure();
     const QString fileName = call.arguments.value(0);
     const QString handheld = HandheldName(service.handheld());
-    const auto question = GoOnQuestion(fileName, BackupHead(*selection, handheld));
-    if (!question && call.has(GoOnOption))
+    auto broken = FindBrokenOff(fileName, BackupHead(*selection, handheld));
+    if (broken && broken->fileName != fileName)
+        broken.reset(); // here the user has named the file
+    if (!broken && call.has(GoOnOption))
         return UsageFault(
             QStringLiteral("Es gibt nichts fortzusetzen, oder der Fortschritt gehört zu einem anderen Auftrag."));
-    const bool goOn = question && (call.has(GoOnOption) || TheAsk().askYesNo(*question, true));
+    const bool goOn = broken && (call.has(GoOnOption) || AgreesToGoOn(call, broken->question));
     const BackupOutcome outcome = Backup(fileName, *selection, BackupMemory{handheld, goOn});
     if (outcome.kept > 0 && call.has(KeepOption)) {
         if (const QString part = KeepPart(fileName); !part.isEmpty())

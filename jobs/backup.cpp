@@ -372,15 +372,30 @@ JournalHead BackupHead(const BackupSelection &selection, const QString &handheld
     return {JobName(QStringLiteral("sichern"), SelectionText(selection)), handheld};
 }
 
-std::optional<BoxText> GoOnQuestion(const QString &fileName, const JournalHead &head)
+std::optional<BrokenOffBackup> FindBrokenOff(const QString &fileName, const JournalHead &head)
 {
-    const auto earlier = ReadJournal(fileName);
-    if (!earlier || earlier->head != head || earlier->read.empty())
-        return {};
-    return BoxText{QStringLiteral("Diese Datensicherung wurde abgebrochen; %1 davon gelesen.\r"
-                                  "Soll sie fortgesetzt werden?\r(Nein: alles wird noch einmal gelesen.)")
-                       .arg(RecordCount(earlier->read.size()) + QStringLiteral(" sind")),
-        QStringLiteral("Datensicherung"), BoxIcon::None};
+    const auto begun = [&head](const QString &name) {
+        const auto earlier = ReadJournal(name);
+        return earlier && earlier->head == head ? *earlier : JournalContent();
+    };
+    const auto question = [](const JournalContent &earlier, const QString &place, const QString &otherwise) {
+        return BoxText{
+            QStringLiteral("Diese Datensicherung wurde%1 abgebrochen; %2 davon gelesen.\r"
+                           "Soll sie fortgesetzt werden?%3\r(Nein: alles wird noch einmal gelesen%4.)")
+                .arg(place.isEmpty() ? QString() : earlier.begun.toString(QStringLiteral(" am d.M.yyyy um hh:mm")),
+                    RecordCount(earlier.read.size()) + QStringLiteral(" sind"), place, otherwise),
+            QStringLiteral("Datensicherung"), BoxIcon::None};
+    };
+    if (const JournalContent own = begun(fileName); !own.read.empty())
+        return BrokenOffBackup{fileName, question(own, {}, {})};
+    for (const QString &other : FilesWithJournal(QFileInfo(fileName).absolutePath())) {
+        if (const JournalContent earlier = begun(other); !earlier.read.empty()) {
+            return BrokenOffBackup{other,
+                question(earlier, QStringLiteral("\rSie wird dann in %1 gespeichert.").arg(Shown(other)),
+                    QStringLiteral(" und in %1 gespeichert").arg(Shown(fileName)))};
+        }
+    }
+    return {};
 }
 
 QString KeepPart(const QString &fileName)

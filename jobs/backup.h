@@ -34,8 +34,15 @@ struct BackupMemory {
 /// What the journal of such a backup must say.
 JournalHead BackupHead(const BackupSelection &selection, const QString &handheld);
 
-/// The question whether a broken-off backup is to be gone on with. Nothing when there is none that fits.
-std::optional<BoxText> GoOnQuestion(const QString &fileName, const JournalHead &head);
+/// A broken-off backup that can be gone on with.
+struct BrokenOffBackup {
+    QString fileName; // that it is to become
+    BoxText question; // whether it is to be gone on with
+};
+
+/// The one that fits: of this file, else the last one under another name in the same folder (the proposed names hold the
+/// date, so that yesterday's has another one).
+std::optional<BrokenOffBackup> FindBrokenOff(const QString &fileName, const JournalHead &head);
 
 /// Keeps what a broken-off backup has read as a backup file of its own, "NAME (unvollständig).dds", whose name is
 /// returned. Empty when there is nothing, or (after a box) when it cannot be written.

@@ -128,6 +128,14 @@ QString JournalName(const QString &fileName)
     return QFile::exists(elsewhere) || !TakesFiles(QFileInfo(fileName).absolutePath()) ? elsewhere : beside;
 }
 
+QStringList FilesWithJournal(const QString &folder)
+{
+    QStringList files = QDir(folder).entryList({u'*' + JournalEnding}, QDir::Files, QDir::Time);
+    for (QString &name : files)
+        name = QDir(folder).filePath(name.chopped(JournalEnding.size()));
+    return files;
+}
+
 std::optional<JournalContent> ReadJournal(const QString &fileName)
 {
     QFile file(JournalName(fileName));

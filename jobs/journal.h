@@ -58,6 +58,9 @@ struct JournalContent {
 /// The journal of a job's file: the one that is there, or where one would be begun.
 QString JournalName(const QString &fileName);
 
+/// The files in a folder beside which a journal lies, whatever it says, the journal that was written last first.
+QStringList FilesWithJournal(const QString &folder);
+
 /// What the journal of a file says; nothing when there is none. A damaged one has no head.
 std::optional<JournalContent> ReadJournal(const QString &fileName);
 

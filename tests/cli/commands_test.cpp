@@ -467,6 +467,8 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
     const auto stop = [this] { events.after(6'000'000, [] { TakeInterrupt(); }); };
     scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde abgebrochen."),
                before, 0, stop},
+        {"a script does not go on", search + u" --ja", none, Exit::Stopped,
+            QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde abgebrochen."), before, 0, stop},
         {"go on, Enter", search, QStringLiteral(" "), Exit::Done,
             QStringLiteral("Soll sie fortgesetzt werden?|[J/n]"), before, 0}});
     scene({{"make a backup", QStringLiteral("sichern --loks 3,8 s.dds"), none, Exit::Done, {}, before, 0},

@@ -833,7 +833,15 @@ TEST_F(CarefulJobs, ABackupThatWasBrokenOffGoesOnAndEqualsAnUndisturbedOne)
         EXPECT_FALSE(broken.written);
         reconnect();
         if (broken.kept > 0) {
-            EXPECT_TRUE(GoOnQuestion(file(), BackupHead(selection, memory.handheld)).has_value());
+            const auto asked = [&](const QString &name) {
+                return FindBrokenOff(name, BackupHead(selection, memory.handheld));
+            };
+            EXPECT_FALSE(asked(file())->question.text.contains(u"gespeichert"));
+            const auto tomorrow = asked(folder.filePath(QStringLiteral("Tomorrow.dds")));
+            EXPECT_EQ(tomorrow->fileName, file());
+            EXPECT_TRUE(tomorrow->question.text.contains(QDir::toNativeSeparators(file())));
+            EXPECT_FALSE(FindBrokenOff(file(), BackupHead(selection, QStringLiteral("51202 1.2"))))
+                << "another handheld";
             EXPECT_FALSE(ReadDds(*ReadWholeFile(KeepPart(file()))).records.empty());
         }
         memory.goOn = true;

@@ -47,7 +47,7 @@ void SaveHandheldData()
     const Command command;
     if (!command.ok())
         return;
-    const QString fileName =
+    QString fileName =
         TheDesktop().saveFileName(TheBranding().saveDialogTitle, Filter(), DatedName(QStringLiteral("Handregler")));
     BackupSelection selection = ReadSelection();
     if (fileName.isEmpty() || !AskForBackupSelection(selection))
@@ -56,10 +56,12 @@ void SaveHandheldData()
     if (!command.connected())
         return;
     const QString handheld = HandheldName(ShownHandheld());
-    const auto question = GoOnQuestion(fileName, BackupHead(selection, handheld));
-    const bool goesOn = question && TheAsk().askYesNo(*question, true);
-    if (question && !command.connected()) // the port may have gone while the question was open
+    const auto broken = FindBrokenOff(fileName, BackupHead(selection, handheld));
+    const bool goesOn = broken && TheAsk().askYesNo(broken->question, true);
+    if (broken && !command.connected()) // the port may have gone while the question was open
         return;
+    if (goesOn)
+        fileName = broken->fileName;
     const BackupOutcome outcome = Backup(fileName, selection, BackupMemory{handheld, goesOn});
     if (outcome.written)
         NoteRecentFile(outcome.fileName);

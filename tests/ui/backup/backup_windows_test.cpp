@@ -167,6 +167,34 @@ TEST_F(BackupWindows, WhatIsTypedDuringABackupIsWhatTheWindowWrites)
     EXPECT_EQ(LokSymbol, symbol);
 }
 
+/// The proposed name holds the date: tomorrow's backup still finds the part that was broken off today.
+TEST_F(BackupWindows, ABrokenOffBackupIsFoundUnderAnotherName)
+{
+    const auto choose = [] {
+        entry("LokDatenTxt")->setText(QStringLiteral("3,8,9,24"));
+        check("LokDatenChk")->setChecked(true);
+        pressIn("SicherungWin", "OKButton");
+    };
+    expectSaveDialog();
+    inSelection([&] {
+        choose();
+        events.after(2'500'000, [] { ConfirmStop(); });
+    });
+    user.acceptAnyBox();
+    trigger("datenlesen_menu");
+    EXPECT_FALSE(QFile::exists(file));
+    const QString tomorrow = folder.path() + QStringLiteral("/tomorrow.dds");
+    user.expect(QStringLiteral("*.dds"), TheBranding().saveDialogTitle, tomorrow);
+    inSelection(choose);
+    user.boxes.clear();
+    const int before = handheld().state.readBacks;
+    trigger("datenlesen_menu");
+    EXPECT_TRUE(user.boxes.join(u'|').contains(u"Sie wird dann in")) << user.boxes.join(u'|').toStdString();
+    EXPECT_TRUE(QFile::exists(file)) << "gone on with";
+    EXPECT_FALSE(QFile::exists(tomorrow));
+    EXPECT_GT(handheld().state.readBacks, before);
+}
+
 TEST_F(BackupWindows, RestoreLooksForTheHandheldFirst)
 {
     QFile backup(file);
