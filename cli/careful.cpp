@@ -111,7 +111,7 @@ void PrintGroup(const ReportGroup &group)
 Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Heading &heading)
 {
     if (report.job.end != JobEnd::Complete && report.job.end != JobEnd::NothingDone)
-        Tell(EndText(report.job.end, QStringLiteral("Abgebrochen.")));
+        Tell(EndText(report.job.end, QStringLiteral("Angehalten.")));
     QJsonObject object;
     bool nothing = true;
     for (const ReportGroup &group : ReportGroups(report, heading.text, heading.key)) {
@@ -203,7 +203,7 @@ Exit RunCarefully(const Call &call, const CarefulJob &job, const Heading &headin
         PrintGroup(ReportGroups(end.report, {}, {}).front());
         return end.is == CarefulEnd::Is::Refused ? Exit::Stopped : Exit::Usage;
     case CarefulEnd::Is::BrokenOff:
-        Tell(EndText(end.end, QStringLiteral("Abgebrochen.")) + QStringLiteral(" Es wurde nichts geschrieben."));
+        Tell(EndText(end.end, QStringLiteral("Angehalten.")) + QStringLiteral(" Es wurde nichts geschrieben."));
         return ExitOf(end.end, true);
     }
     Q_UNREACHABLE();

@@ -417,9 +417,8 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
         {"write", QStringLiteral("schreiben a.csv"), none, Exit::Done, wrote + u"|zurückgenommen werden: ", after, 2},
         {"an older call", QStringLiteral("schreiben --nur-aenderungen a.csv"), none, Exit::Done, wrote, after, 2},
         {"dry run", QStringLiteral("schreiben --probe a.csv"), none, Exit::Done,
-            QStringLiteral(
-                "Lok 3: überschreibt eine andere Lok\n  Name: LOK 3 -> ANDERS|Lok 8: unverändert|Lok 20: neu|"
-                "Anders: 2 von 3, 2 Speicherseiten"),
+            QStringLiteral("Lok 3: geändert\n  Name: LOK 3 -> ANDERS|Lok 8: unverändert|Lok 20: neu|"
+                           "Anders: 2 von 3, 2 Speicherseiten"),
             before, 0},
         {"all", QStringLiteral("schreiben --alles-schreiben a.csv"), none, Exit::Done,
             QStringLiteral("Lokdatensätze: 3,8,20"), after, 3},
@@ -465,10 +464,10 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
     handheld().settings.present = true;
     const auto search = QStringLiteral("sichern --loks-suchen 1-30 x.dds");
     const auto stop = [this] { events.after(6'000'000, [] { TakeInterrupt(); }); };
-    scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde abgebrochen."),
-               before, 0, stop},
+    scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde angehalten."), before,
+               0, stop},
         {"a script does not go on", search + u" --ja", none, Exit::Stopped,
-            QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde abgebrochen."), before, 0, stop},
+            QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde angehalten."), before, 0, stop},
         {"go on, Enter", search, QStringLiteral(" "), Exit::Done,
             QStringLiteral("Soll sie fortgesetzt werden?|[J/n]"), before, 0}});
     scene({{"make a backup", QStringLiteral("sichern --loks 3,8 s.dds"), none, Exit::Done, {}, before, 0},
@@ -524,7 +523,7 @@ TEST_F(Calls, AfterABreakTheNextCallMakesThePageGoodAndGoesOnOnlyWhenAsked)
     const auto write = QStringLiteral("schreiben a.csv");
     const auto none = QStringLiteral("-");
     const Row stop{"stop", write, none, Exit::Stopped,
-        QStringLiteral("Abgebrochen.|Nicht geschrieben:\nLokdatensätze: 20|mit --fortsetzen"), first, 1,
+        QStringLiteral("Angehalten.|Nicht geschrieben:\nLokdatensätze: 20|mit --fortsetzen"), first, 1,
         [this] { afterNextProgram(TakeInterrupt); }};
     const auto resume = QStringLiteral("Dieser Auftrag wurde abgebrochen; erledigt: 1 Datensatz.");
     const auto already = QStringLiteral("Schon geschrieben:\nLokdatensätze: 3");
