@@ -136,6 +136,8 @@ void TakeEntry(BackupOutcome &outcome, const JobEntry &entry, const BackupSelect
         outcome.unread.push_back(entry.step.id);
     else if (entry.state == RecordState::Doubtful)
         outcome.doubtful.push_back(entry.step.id);
+    if (entry.state == RecordState::Untouched)
+        outcome.missing.push_back(entry.step.id);
     if (IsInFile(entry))
         outcome.saved.push_back(entry.step.id);
     const bool searched = selection.lokSuche && number >= selection.lokSucheStart && number <= selection.lokSucheStop;
@@ -183,8 +185,8 @@ QString KeptText(const BackupOutcome &outcome)
         return {};
     return QStringLiteral(
         "\r\rWas schon gelesen ist (%1), bleibt erhalten: Beginnen Sie dieselbe Sicherung in dieselbe Datei "
-        "noch einmal,\rdann wird sie auf Wunsch fortgesetzt.")
-        .arg(RecordCount(outcome.kept));
+        "noch einmal,\rdann wird sie auf Wunsch fortgesetzt. Es fehlen noch:\r%2")
+        .arg(RecordCount(outcome.kept), RecordsText(outcome.missing));
 }
 
 BoxText BrokenOffBox(const BackupOutcome &outcome)

@@ -21,6 +21,7 @@ struct BackupOutcome {
     std::vector<RecordId> saved;    // all that is in the file
     std::vector<RecordId> doubtful; // in the file all the same
     std::vector<RecordId> unread;   // loco records that seemed empty and may not be: not in the file
+    std::vector<RecordId> missing;  // not read any more, in a broken-off one
     std::vector<int> found;         // addresses of the loco records that the search found
     size_t kept = 0;                // records that the journal of a broken-off backup holds
 };

@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "program/ask.h"
 
+#include <QFile>
 #include <QStringList>
 
 #include <cmath>
@@ -187,6 +188,14 @@ QString DurationText(double seconds)
     return QStringLiteral("Dauer: ca. %1 Std. %2 Min.").arg(minutes / perHour).arg(minutes % perHour);
 }
 
+BackupSelection EverythingSelected()
+{
+    BackupSelection all{.numbered = {}, .fsDaten = true, .magSymZuord = true, .magListe = true, .lokSuche = true};
+    for (const NumberedKind kind : {LokSymbolList, FktSymbolList, MagSymbolList})
+        all.numbered.at(kind) = {true, true, {}};
+    return all;
+}
+
 BackupSelection ParseSelection(const QByteArray &content)
 {
     BackupSelection selection;
@@ -215,6 +224,11 @@ BackupSelection ReadSelection()
     if (unsaved)
         return *unsaved;
     return ParseSelection(ReadWholeFile(SettingsPath()).value_or(QByteArray()));
+}
+
+BackupSelection ProposedSelection()
+{
+    return unsaved || QFile::exists(SettingsPath()) ? ReadSelection() : EverythingSelected();
 }
 
 void WriteSelection(const BackupSelection &selection)

@@ -59,11 +59,18 @@ double EstimatedSeconds(const BackupSelection &selection);
 /// "Dauer: ca. 12 Minuten".
 QString DurationText(double seconds);
 
+/// All that a handheld holds: the locos by a search over all addresses.
+BackupSelection EverythingSelected();
+
 BackupSelection ParseSelection(const QByteArray &content);
 QByteArray SelectionText(const BackupSelection &selection);
 
 /// Reads konf\Sicherung.txt; the defaults when there is none.
 BackupSelection ReadSelection();
+
+/// What the next backup begins with: the kept selection, or everything where there is none, since the first backup should
+/// miss nothing.
+BackupSelection ProposedSelection();
 
 /// Writes konf\Sicherung.txt. When the folder cannot be written, a "Fehler!" box says so once in a run, and
 /// the selection holds until the program ends.

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include <optional>
 
@@ -25,6 +26,13 @@ constexpr int OffsetCompression = 30;
 constexpr int OffsetDataSize = 34;
 constexpr int NewDataOffset = 62; // file header, info header, palette of two colours
 constexpr int ByteMask = 0xFF;
+constexpr int OffsetInfoSize = 14;
+constexpr int OffsetPaletteSize = 46;
+constexpr int HeaderSize = 54;
+constexpr int FileHeaderSize = 14;
+constexpr int PaletteEntry = 4;
+constexpr int BitsPerByte = 8;
+constexpr int White = 255;
 
 struct BmpLayout {
     int dataOffset;
@@ -100,7 +108,7 @@ QByteArray NewTemplate(PictureGeometry geometry)
     file[1] = 'M';
     PutLittleEndian(file, 2, NewDataOffset + dataSize);
     PutLittleEndian(file, OffsetDataOffset, NewDataOffset);
-    PutLittleEndian(file, 14, 40); // size of the info header
+    PutLittleEndian(file, OffsetInfoSize, 40); // size of the info header
     PutLittleEndian(file, OffsetWidth, geometry.width);
     PutLittleEndian(file, OffsetHeight, geometry.height);
     file[26] = 1; // planes
@@ -146,6 +154,89 @@ bool SaveFile(const QString &path, const QByteArray &content)
     return false;
 }
 
+quint8 Grey(int red, int green, int blue)
+{
+    return static_cast<quint8>((red * 11 + green * 16 + blue * 5) / 32);
+}
+
+template <typename Number> Number At(const QByteArray &file, qsizetype offset)
+{
+    return qFromLittleEndian<Number>(file.constData() + offset);
+}
+
+/// The layout of a BMP file whose header has been checked.
+struct GeneralBmp {
+    int width;
+    int height;
+    bool topDown;
+    int depth;
+    qsizetype data;
+    qsizetype stride;
+    std::vector<quint8> palette; // as grey values
+};
+
+std::vector<quint8> PaletteOf(const QByteArray &file, int depth)
+{
+    if (depth > BitsPerByte)
+        return {};
+    if (depth == 1)
+        return {0, White}; // whatever the file's own palette says, as everywhere with the handheld's pictures
+    const auto listed = At<quint32>(file, OffsetPaletteSize);
+    const auto all = static_cast<quint32>(1 << depth);
+    const qsizetype start = FileHeaderSize + At<quint32>(file, OffsetInfoSize);
+    std::vector<quint8> palette(all, White);
+    for (quint32 i = 0; i < (listed == 0 || listed > all ? all : listed); ++i) {
+        const qsizetype at = start + static_cast<qsizetype>(i) * PaletteEntry;
+        if (at + PaletteEntry > file.size())
+            break;
+        const auto *entry = reinterpret_cast<const quint8 *>(file.constData()) + at;
+        palette.at(i) = Grey(entry[2], entry[1], entry[0]);
+    }
+    return palette;
+}
+
+std::optional<GeneralBmp> GeneralLayout(const QByteArray &file, QString &fault)
+{
+    if (file.size() < HeaderSize || !file.startsWith("BM")) {
+        fault = QStringLiteral("das ist keine BMP-Datei");
+        return {};
+    }
+    const auto width = At<qint32>(file, OffsetWidth);
+    const auto height = At<qint32>(file, OffsetHeight);
+    const int depth = At<quint16>(file, OffsetBitDepth);
+    if (width <= 0 || width > LargestSide || height == 0 || height < -LargestSide || height > LargestSide)
+        fault = QStringLiteral("das Bild ist größer als %1 Punkte").arg(LargestSide);
+    else if (At<quint32>(file, OffsetCompression) != 0)
+        fault = QStringLiteral("die BMP-Datei ist komprimiert");
+    else if (depth != 1 && depth != 4 && depth != 8 && depth != 24 && depth != 32)
+        fault = QStringLiteral("eine Farbtiefe von %1 Bit wird nicht unterstützt").arg(depth);
+    if (!fault.isEmpty())
+        return {};
+    const qsizetype stride = (static_cast<qsizetype>(width) * depth + 31) / 32 * 4;
+    const GeneralBmp bmp{width, qAbs(height), height < 0, depth,
+        static_cast<qsizetype>(At<quint32>(file, OffsetDataOffset)), stride, PaletteOf(file, depth)};
+    const qsizetype lastRow =
+        (static_cast<qsizetype>(width) * depth + BitsPerByte - 1) / BitsPerByte; // without padding
+    if (bmp.data + stride * (bmp.height - 1) + lastRow > file.size()) {
+        fault = QStringLiteral("die BMP-Datei ist abgeschnitten");
+        return {};
+    }
+    return bmp;
+}
+
+quint8 BmpPixel(const QByteArray &file, const GeneralBmp &bmp, int x, int y)
+{
+    const int row = bmp.topDown ? y : bmp.height - 1 - y;
+    const auto *line = reinterpret_cast<const quint8 *>(file.constData()) + bmp.data + row * bmp.stride;
+    if (bmp.depth > BitsPerByte) {
+        const auto *pixel = line + static_cast<qsizetype>(x) * (bmp.depth / BitsPerByte);
+        return Grey(pixel[2], pixel[1], pixel[0]);
+    }
+    const int bit = x * bmp.depth;
+    const int shift = BitsPerByte - bmp.depth - bit % BitsPerByte;
+    return bmp.palette.at(static_cast<size_t>(line[bit / BitsPerByte] >> shift & ((1 << bmp.depth) - 1)));
+}
+
 } // namespace
 
 QString TemplatePath(int width)
@@ -159,6 +250,20 @@ QByteArray BmpBytes(const PictureRows &rows, PictureGeometry geometry)
     QByteArray file = NewTemplate(geometry);
     PutPixels(file, LayoutOf(file, geometry), rows, geometry.height);
     return file;
+}
+
+DecodedImage DecodeBmp(const QByteArray &file)
+{
+    DecodedImage decoded;
+    const auto bmp = GeneralLayout(file, decoded.fault);
+    if (!bmp)
+        return decoded;
+    decoded.image = {bmp->width, bmp->height, {}};
+    for (int y = 0; y < bmp->height; ++y) {
+        for (int x = 0; x < bmp->width; ++x)
+            decoded.image.pixels.push_back(BmpPixel(file, *bmp, x, y));
+    }
+    return decoded;
 }
 
 PictureRows RowsOf(const Picture &picture)

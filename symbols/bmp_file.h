@@ -1,6 +1,6 @@
-// 1-bit BMP files: from a file into the rows of a picture, and back.
+// BMP files: the one place that knows their bytes.
 //
-// Only these bytes of a file's header are consulted:
+// The agreed 1-bit files: from a file into the rows of a picture, and back. Only these bytes of a file's header are consulted:
 //   10      offset of the pixel rows (below 256)
 //   18, 22  width and height, low bytes; must fit the picture
 //   28      bits a pixel, must be 1
@@ -32,6 +32,25 @@ std::optional<PictureRows> LoadBmp(const QString &fileName, PictureGeometry geom
 /// Writes the rows into the template of their width and, unless fileName is empty, copies the template to fileName.
 /// False when it failed; without a box for widths other than 48 and 14, which have no template.
 [[nodiscard]] bool SaveBmp(const PictureRows &rows, PictureGeometry geometry, const QString &fileName);
+
+constexpr int LargestSide = 4096; // of a picture file that is read: nothing huge is unpacked only to be refused
+
+/// Grey values, 0 = black, top row first.
+struct GreyImage {
+    int width = 0;
+    int height = 0;
+    std::vector<quint8> pixels;
+};
+
+/// What a file shows, or why it cannot be used (German, without a full stop).
+struct DecodedImage {
+    GreyImage image;
+    QString fault;
+};
+
+/// Any picture in a BMP file that is not compressed: 1, 4, 8, 24 or 32 bits a pixel, either way up. With 1 bit a pixel
+/// 0 is black whatever the palette says, as everywhere with the handheld's pictures.
+DecodedImage DecodeBmp(const QByteArray &file);
 
 /// A file of its own for the rows, without any template.
 QByteArray BmpBytes(const PictureRows &rows, PictureGeometry geometry);

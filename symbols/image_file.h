@@ -22,6 +22,9 @@ struct ReadImage {
 /// True for names that end in .bmp or .png.
 bool IsImageName(const QString &fileName);
 
+/// The rows of a picture of any size, dark where it is darker than half.
+PictureRows RowsOfGrey(const GreyImage &image);
+
 ReadImage ReadImageFile(const QString &fileName, const QByteArray &file, PictureGeometry geometry);
 
 /// The file of a picture; empty when it could not be made.

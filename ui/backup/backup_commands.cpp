@@ -49,7 +49,7 @@ void SaveHandheldData()
         return;
     QString fileName =
         TheDesktop().saveFileName(TheBranding().saveDialogTitle, Filter(), DatedName(QStringLiteral("Handregler")));
-    BackupSelection selection = ReadSelection();
+    BackupSelection selection = ProposedSelection();
     if (fileName.isEmpty() || !AskForBackupSelection(selection))
         return;
     WriteSelection(selection);

@@ -1,5 +1,6 @@
 #include "ui/backup/selection_window.h"
 
+#include "link/cadence.h"
 #include "platform/text.h"
 #include "program/run_control.h"
 #include "ui/common/desktop.h"
@@ -130,7 +131,7 @@ void SelectionWindow::buildLayout()
         buildNumberedRow(grid, kind);
     buildBlockRows(grid);
     allButton->setToolTip(QStringLiteral("alle Lokdatensätze (durch Suchen), alle Symbole und alle Tabellen"));
-    connect(allButton, &QPushButton::clicked, this, &SelectionWindow::chooseAll);
+    connect(allButton, &QPushButton::clicked, this, [this] { lay(EverythingSelected()); });
     auto *buttonRow = new QHBoxLayout;
     buttonRow->addWidget(allButton);
     buttonRow->addStretch();
@@ -196,21 +197,7 @@ void SelectionWindow::addKeys()
         AltKey(control, key);
 }
 
-/// All that a handheld holds: the locos by a search over all addresses.
-void SelectionWindow::chooseAll()
-{
-    for (const NumberedRow &row : rows) {
-        row.wanted->setChecked(row.all != nullptr);
-        if (row.all != nullptr)
-            row.all->setChecked(true);
-    }
-    startTxt->setText(QString::number(FirstLoco));
-    stopTxt->setText(QString::number(LastLoco));
-    for (QCheckBox *box : {lokSucheChk, fsDatenChk, magSymZuordChk, magListeChk})
-        box->setChecked(true);
-}
-
-void SelectionWindow::open(const BackupSelection &selection)
+void SelectionWindow::lay(const BackupSelection &selection)
 {
     for (size_t i = 0; i < rows.size(); ++i) {
         rows.at(i).wanted->setChecked(selection.numbered.at(i).wanted);
@@ -225,6 +212,11 @@ void SelectionWindow::open(const BackupSelection &selection)
     magSymZuordChk->setChecked(selection.magSymZuord);
     magListeChk->setChecked(selection.magListe);
     check();
+}
+
+void SelectionWindow::open(const BackupSelection &selection)
+{
+    lay(selection);
     present();
     rows.at(LokDatenList).wanted->setFocus();
 }
@@ -279,6 +271,7 @@ void SelectionWindow::check()
     const BackupSelection chosen = selection();
     const QStringList faults = markFaults(chosen);
     const bool nothing = NothingWanted(chosen);
+    const bool isSlow = CurrentCadence() == Cadence::Ticks;
     okButton->setEnabled(faults.isEmpty() && !nothing);
     if (nothing)
         hintLbl->setText(QStringLiteral("Bitte wählen Sie aus, was gesichert werden soll."));
@@ -286,7 +279,10 @@ void SelectionWindow::check()
         hintLbl->setText(faults.join(u'\n'));
     else
         hintLbl->setText(DurationText(EstimatedSeconds(chosen))
-            + (chosen.lokSuche ? QStringLiteral(", für jede gefundene Lok etwas länger") : QString()));
+            + (chosen.lokSuche ? QStringLiteral(", für jede gefundene Lok etwas länger") : QString())
+            + (isSlow
+                    ? QStringLiteral("\nMit der schnellen Übertragung (Auswahl der Zentrale) etwa ein Fünftel davon.")
+                    : QString()));
 }
 
 void SelectionWindow::answer(bool ok)

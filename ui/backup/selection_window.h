@@ -48,7 +48,7 @@ private:
     void connectControls();
     void check();
     void addKeys();
-    void chooseAll();
+    void lay(const BackupSelection &selection);
     QStringList markFaults(const BackupSelection &chosen);
     void answer(bool ok);
 

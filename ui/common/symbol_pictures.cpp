@@ -1,7 +1,7 @@
 #include "ui/common/symbol_pictures.h"
 
 #include "platform/files.h"
-#include "symbols/bmp_file.h"
+#include "symbols/image_file.h"
 #include "ui/widgets/grid.h"
 
 #include <QRegularExpression>
@@ -23,9 +23,24 @@ std::map<Key, QPixmap> known;
 std::optional<QPixmap> hook;
 constexpr int ToolTipFactor = 6;
 
+QImage ImageOfRows(const PictureRows &rows, PictureGeometry geometry)
+{
+    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
+    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
+    const auto rowBytes = static_cast<size_t>(RowBytesOf(geometry.width));
+    for (int line = 0; line < geometry.height; ++line) { // the bottom row comes first
+        const size_t first = static_cast<size_t>(geometry.height - 1 - line) * rowBytes;
+        std::copy_n(rows.begin() + static_cast<std::ptrdiff_t>(first), rowBytes, image.scanLine(line));
+    }
+    return image;
+}
+
 QPixmap PictureOfFile(const QString &path)
 {
-    return QPixmap::fromImage(QImage::fromData(ReadWholeFile(path).value_or(QByteArray()), "BMP"));
+    const GreyImage image = DecodeBmp(ReadWholeFile(path).value_or(QByteArray())).image;
+    if (image.pixels.empty())
+        return {};
+    return QPixmap::fromImage(ImageOfRows(RowsOfGrey(image), {image.width, image.height}));
 }
 
 QString HalfWord(SymbolKind kind, int handheldHalf)
@@ -54,16 +69,7 @@ QString KindWord(SymbolKind kind)
 
 QImage ImageOf(const Picture &picture)
 {
-    const PictureGeometry geometry = picture.geometry;
-    QImage image(geometry.width, geometry.height, QImage::Format_Mono);
-    image.setColorTable({qRgb(255, 255, 255), qRgb(0, 0, 0)});
-    const PictureRows rows = RowsOf(picture);
-    const auto rowBytes = static_cast<size_t>(RowBytesOf(geometry.width));
-    for (int line = 0; line < geometry.height; ++line) { // the bottom row comes first
-        const size_t first = static_cast<size_t>(geometry.height - 1 - line) * rowBytes;
-        std::copy_n(rows.begin() + static_cast<std::ptrdiff_t>(first), rowBytes, image.scanLine(line));
-    }
-    return image;
+    return ImageOfRows(RowsOf(picture), picture.geometry);
 }
 
 QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf)

@@ -1,7 +1,6 @@
 #include "ui/compare/change_table.h"
 
 #include "roster/loco_csv.h"
-#include "symbols/bmp_file.h"
 #include "ui/common/symbol_pictures.h"
 
 #include <algorithm>
@@ -18,7 +17,7 @@ QPixmap PictureOf(const std::optional<RecordValue> &value)
     if (!value)
         return {};
     if (const auto *picture = std::get_if<Picture>(&*value))
-        return QPixmap::fromImage(QImage::fromData(BmpBytes(RowsOf(*picture), picture->geometry), "BMP"));
+        return QPixmap::fromImage(ImageOf(*picture));
     const auto *loco = std::get_if<LocoRecord>(&*value);
     const bool hasPicture = loco != nullptr && !IsEmptyName(loco->name) && loco->locoSymbol < LokSymbolCount;
     return hasPicture ? SymbolPictureOfHalf(SymbolKind::Loco, loco->locoSymbol, HalfOn) : QPixmap();

@@ -1,6 +1,7 @@
 // The comparison of backups and the careful writing, through the window.
 
 #include "handheld/backup/dds_file.h"
+#include "jobs/selection.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -329,8 +330,9 @@ TEST_F(CompareTest, AListOfLocosKeepsWhatItDoesNotSay)
 TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
 {
     const QString backup = folder.filePath(QStringLiteral("Alle.dds"));
-    const auto save = [&](const QString &goOn) {
-        answer(backup);
+    WriteSelection({});
+    const auto save = [&](const QString &name, const QString &goOn) {
+        answer(name);
         events.after(200'000, [] {
             for (QWidget *widget : QApplication::topLevelWidgets()) {
                 if (widget->objectName() != u"SicherungWin" || !widget->isVisible())
@@ -343,7 +345,7 @@ TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
         if (!goOn.isEmpty())
             answer(goOn);
     };
-    save({});
+    save(backup, {});
     const auto plug = events.every(10, [this] {
         if (port.isOpen() && user.progress.endsWith(QStringLiteral("Lok-Daten: 1201")))
             port.hangUp();
@@ -358,7 +360,8 @@ TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)
     EXPECT_EQ(ReadDds(*part).records.front().id.number, 3);
     reconnect();
     const int reads = handheld().state.readBacks;
-    save(QStringLiteral("Ja"));
+    const QString tomorrow = folder.filePath(QStringLiteral("Morgen.dds")); // the proposed name holds the date
+    save(tomorrow, QStringLiteral("Ja"));
     answerBox();
     trigger("datenlesen_menu");
     EXPECT_EQ(ReadDds(ReadWholeFile(backup).value_or(QByteArray())).records.size(), 3U);
