@@ -310,8 +310,8 @@ TEST_F(CompareTest, AListOfLocosKeepsWhatItDoesNotSay)
     answer(file);
     press("ZweiteDateiBut");
     EXPECT_EQ(shown(),
-        QStringList({QStringLiteral("Lok 9: fehlt in der zweiten Datei"), QStringLiteral("Lok 1201: geändert"),
-            QStringLiteral("Lok 3: neu")}));
+        QStringList({QStringLiteral("Lok 3: neu"), QStringLiteral("Lok 9: fehlt in der zweiten Datei"),
+            QStringLiteral("Lok 1201: geändert")}));
     answer(file);
     trigger("vergleichen_menu");
     answer(list);
