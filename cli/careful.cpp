@@ -119,7 +119,7 @@ void PrintRestored(const Call &call, const CarefulReport &report)
 Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Heading &heading)
 {
     if (report.job.end != JobEnd::Complete && report.job.end != JobEnd::NothingDone)
-        Tell(EndText(report.job.end, QStringLiteral("Abgebrochen.")));
+        Tell(EndText(report.job.end, QStringLiteral("Angehalten.")));
     QJsonObject object;
     bool nothing = true;
     for (const ReportGroup &group : ReportGroups(report, heading.text, heading.key)) {
@@ -152,7 +152,7 @@ Exit PrintCarefulReport(const Call &call, const CarefulReport &report, const Hea
 Exit PrintBreak(const Call &call, const CarefulEnd &end)
 {
     const bool mended = !end.report.restored.empty() || !end.report.unproved.empty();
-    Tell(EndText(end.end, QStringLiteral("Abgebrochen."))
+    Tell(EndText(end.end, QStringLiteral("Angehalten."))
         + (mended ? QStringLiteral(" Von diesem Auftrag wurde nichts geschrieben.")
                   : QStringLiteral(" Es wurde nichts geschrieben.")));
     PrintRestored(call, end.report);

@@ -2,8 +2,6 @@
 
 #include "cli/output.h"
 #include "cli/results.h"
-#include "program/ask.h"
-#include "roster/loco_files.h"
 
 namespace hr::cli
 {
@@ -28,17 +26,6 @@ std::optional<std::vector<ListedLoco>> ReadLocoFile(const QString &fileName)
         return list.locos;
     FileFaults(fileName, FaultsText(list.faults));
     return {};
-}
-
-bool NamesAccepted(const std::vector<ListedLoco> &locos)
-{
-    const QString adapted = AdaptedNames(locos);
-    if (adapted.isEmpty())
-        return true;
-    return TheAsk().askYesNo({QStringLiteral("Diese Namen haben Zeichen, die der Handregler nicht hat:\r") + adapted
-                                     + QStringLiteral("\rSollen sie so geschrieben werden?"),
-                                 {}, BoxIcon::None},
-        false);
 }
 
 bool WriteLocoFile(const QString &fileName, const std::vector<RosterLoco> &locos)

@@ -2,16 +2,13 @@
 #pragma once
 
 #include "cli/call.h"
-#include "roster/loco_csv.h"
+#include "roster/loco_files.h"
 
 namespace hr::cli
 {
 
 /// The locos of a file by its ending, or nothing after a message that names what is wrong and where.
 std::optional<std::vector<ListedLoco>> ReadLocoFile(const QString &fileName);
-
-/// Asks when names hold characters that the handheld does not have: what would be written. False for Nein.
-bool NamesAccepted(const std::vector<ListedLoco> &locos);
 
 /// True for the endings that hold locos (after a message otherwise).
 bool IsLocoFileName(const QString &fileName);

@@ -34,7 +34,7 @@ std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo)
 void TellDoubts(const Report &report)
 {
     if (report.end != JobEnd::Complete)
-        Tell(EndText(report.end, QStringLiteral("Abgebrochen.")));
+        Tell(EndText(report.end, QStringLiteral("Angehalten.")));
     std::vector<RecordId> doubtful;
     std::vector<RecordId> unread;
     for (const JobEntry &entry : report.entries) {

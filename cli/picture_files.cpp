@@ -20,7 +20,7 @@ Exit ExitOfTransfer(const Outcome &outcome, const QString &what)
     if (outcome.ok())
         return Exit::Done;
     if (outcome.how() == End::ProgramEnds)
-        Tell(QStringLiteral("Abgebrochen: Es wurde nichts geschrieben."));
+        Tell(QStringLiteral("Angehalten: Es wurde nichts geschrieben."));
     else
         Tell(what);
     return outcome.how() == End::ProgramEnds ? Exit::Stopped : Exit::Incomplete;

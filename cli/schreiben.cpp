@@ -2,6 +2,7 @@
 #include "cli/loco_files.h"
 #include "cli/results.h"
 #include "handheld/flash_map.h"
+#include "jobs/listed_step.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -13,16 +14,6 @@ namespace
 {
 
 const auto OnlyOption = QStringLiteral("nur");
-
-/// A record that the handheld has keeps what the file does not say, also the bytes that nobody interprets. An empty one
-/// is filled when the file gives a name.
-Step WriteStep(const ListedLoco &loco)
-{
-    Step step{StepKind::Merge, {RecordKind::Loco, loco.address}, Applied(loco, {}),
-        [loco](const RecordValue &present) { return Applied(loco, std::get<LocoRecord>(present)); }};
-    step.fillsEmpty = loco.name.has_value();
-    return step;
-}
 
 /// Only those that --nur lists; each of them must be in the file.
 bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
@@ -55,7 +46,7 @@ Exit Run(const Call &call)
     job.about = ReadWholeFile(fileName).value_or(QByteArray());
     job.asks = false; // overwriting is what the command is for
     for (const ListedLoco &loco : *locos)
-        job.steps.push_back(WriteStep(loco));
+        job.steps.push_back(ListedStep(loco));
     return RunCarefully(call, job);
 }
 

@@ -130,7 +130,7 @@ Exit Run(const Call &call)
     }
     const bool sound = outcome.doubtful.empty() && outcome.unread.empty();
     if (BoxesAreSilent() && !outcome.written)
-        Tell(QStringLiteral("Die Datensicherung wurde abgebrochen; es wurde keine Datei geschrieben."));
+        Tell(QStringLiteral("Die Datensicherung wurde angehalten; es wurde keine Datei geschrieben."));
     else if (outcome.end != JobEnd::Complete || !sound)
         ReportBackup(outcome);
     PrintSaved(call, outcome);

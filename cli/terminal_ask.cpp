@@ -90,7 +90,7 @@ bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
     return word.isEmpty() ? defaultYes : word.startsWith(u'j');
 }
 
-QString TerminalAsk::askText(const QString &, const QString &)
+QString TerminalAsk::askText(const QString &, const QString &, const QString &)
 {
     return {};
 }

@@ -29,7 +29,7 @@ public:
     [[nodiscard]] bool askYesNo(const BoxText &box, bool defaultYes) override;
 
     /// Nothing here asks for a text: always empty.
-    [[nodiscard]] QString askText(const QString &prompt, const QString &title) override;
+    [[nodiscard]] QString askText(const QString &prompt, const QString &title, const QString &proposal) override;
 
     /// The progress is one line that is written over, on a terminal only.
     void showProgress(const QString &text) override;

@@ -3,6 +3,7 @@
 #include "cli/results.h"
 #include "cli/service.h"
 #include "jobs/report.h"
+#include "jobs/restore.h"
 
 #include <algorithm>
 
@@ -46,7 +47,7 @@ Exit WithHandheld(const Call &call, const std::vector<DdsRecord> &records)
     PrintChanges(call, look.changes, Listed::OnlyDifferent);
     if (look.end == JobEnd::Complete)
         return ExitOfChanges(look.changes);
-    Tell(EndText(look.end, QStringLiteral("Abgebrochen.")));
+    Tell(EndText(look.end, QStringLiteral("Angehalten.")));
     return ExitOf(look.end, false);
 }
 
@@ -60,7 +61,7 @@ Exit Run(const Call &call)
     const auto second = RecordsIn(call.arguments.value(1));
     if (!second)
         return Exit::Usage;
-    const auto changes = Differences(*first, *second);
+    const auto changes = Differences(RestorePlan(*first).steps, RestorePlan(*second).steps);
     PrintChanges(call, changes, Listed::OnlyDifferent);
     return ExitOfChanges(changes);
 }

@@ -194,7 +194,7 @@ BoxText BrokenOffBox(const BackupOutcome &outcome)
     const QString file = outcome.fileExisted ? QStringLiteral("Die vorhandene Datei %1 ist unverändert.")
                                              : QStringLiteral("Die Datei %1 wurde nicht angelegt.");
     return EndBox(outcome.end,
-        EndText(outcome.end, QStringLiteral("Die Datensicherung wurde abgebrochen."))
+        EndText(outcome.end, QStringLiteral("Die Datensicherung wurde angehalten."))
             + QStringLiteral("\rEs wurde kein Datensatz gesichert.\r") + file.arg(Shown(outcome.fileName))
             + KeptText(outcome));
 }

@@ -262,6 +262,7 @@ public:
 
     CarefulEnd run()
     {
+        end.report.proves = job.options.prove;
         head = {JobName(QStringLiteral("schreiben"), job.about), face.handheld()};
         if (job.dryRun)
             tellOfWaitingPages();

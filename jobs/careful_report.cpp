@@ -66,6 +66,9 @@ std::vector<ReportGroup> ReportGroups(const CarefulReport &report, const QString
 QStringList ReportAdvice(const CarefulReport &report)
 {
     QStringList advice;
+    if (!IdsOf(report.job, RecordState::Done).empty() && report.unproved.empty())
+        advice += report.proves ? QStringLiteral("Geprüft: Was geschrieben ist, wurde zurückgelesen und stimmt.")
+                                : QStringLiteral("Nicht geprüft, weil es so gewünscht war.");
     if (!report.unproved.empty())
         advice += QStringLiteral("Nicht bewiesen ist, was jetzt hier steht: %1.\rWas vorher dort stand, ist "
                                  "aufbewahrt: Das nächste Schreiben in diesen Handregler bietet an, es zuerst "

@@ -14,6 +14,7 @@ struct CarefulReport {
     std::vector<RecordId> unreadable; // not written, because a record of their page could not be read for sure
     std::vector<RecordId> unproved;   // the neighbours too of pages of which nobody knows what they hold
     QString snapshot;                 // undo snapshot of what was written; empty: there is none
+    bool proves = false;              // what was written is proved and read back
     bool goesOn = false;              // there is a journal with which the rest can be written
 };
 

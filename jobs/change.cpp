@@ -105,6 +105,14 @@ std::vector<FieldChange> TableChanges(const RecordValue &from, const RecordValue
     return changes;
 }
 
+/// A loco that only gets another name is the same; so is one that keeps its name.
+bool IsAnother(const LocoRecord &before, const LocoRecord &after)
+{
+    const bool looksTheSame = before.locoSymbol == after.locoSymbol && before.multiUni == after.multiUni
+        && before.symbols == after.symbols && before.modes == after.modes;
+    return ShownName(before) != ShownName(after) && !looksTheSame;
+}
+
 /// The wanted value of a step, or nothing where it leaves the record alone.
 std::optional<RecordValue> WantedBy(const Step &step, const std::optional<RecordValue> &present)
 {
@@ -153,6 +161,34 @@ SavedRecord WithoutRemains(SavedRecord record)
 SavedRecord Exactly(const RecordId &id, const LocoBytes &bytes)
 {
     return {id, QByteArray(reinterpret_cast<const char *>(bytes.data()), static_cast<qsizetype>(bytes.size()))};
+}
+
+using StepsById = std::map<RecordId, const Step *>;
+
+const Step *StepOf(const StepsById &steps, const RecordId &id)
+{
+    const auto found = steps.find(id);
+    return found != steps.end() ? found->second : nullptr;
+}
+
+/// What one side holds beside the other: what a list does not say is as there.
+std::optional<RecordValue> Beside(const RecordId &id, const Step *step, const Step *other)
+{
+    if (step != nullptr)
+        return step->kind == StepKind::Merge && other != nullptr ? step->merge(other->value) : step->value;
+    return id.kind == RecordKind::Loco ? std::optional<RecordValue>(LocoRecord{.name = EmptyName()}) : std::nullopt;
+}
+
+RecordChange DifferenceOf(const RecordId &id, const Step *left, const Step *right)
+{
+    const auto before = Beside(id, left, right);
+    const auto after = Beside(id, right, left);
+    if (!before || !after)
+        return {id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}, {}};
+    const auto *loco = std::get_if<LocoRecord>(&*before);
+    const bool nameless = loco != nullptr && IsEmptyName(loco->name) && right != nullptr
+        && right->kind == StepKind::Merge && !right->fillsEmpty;
+    return {id, nameless ? Change::Nameless : ChangeOf(before, *after), *after, before, {}, {}};
 }
 
 } // namespace
@@ -257,7 +293,7 @@ Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wa
         return Change::New;
     if (IsEmptyName(after.name))
         return Change::Emptied;
-    return ShownName(*before) == ShownName(after) ? Change::Changed : Change::OtherLoco;
+    return IsAnother(*before, after) ? Change::OtherLoco : Change::Changed;
 }
 
 std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present)
@@ -281,35 +317,21 @@ std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report
     return changes;
 }
 
-std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const std::vector<DdsRecord> &second)
+std::vector<RecordChange> Differences(const std::vector<Step> &first, const std::vector<Step> &second)
 {
-    std::map<RecordId, RecordValue> left;
-    std::map<RecordId, RecordValue> right;
+    StepsById left;
+    StepsById right;
     std::vector<RecordId> order;
-    for (auto &[records, values] : {std::pair(&first, &left), {&second, &right}}) {
-        for (const DdsRecord &record : *records) {
-            if (!left.contains(record.id) && !right.contains(record.id))
-                order.push_back(record.id);
-            values->insert_or_assign(record.id, UnpackRecord(record));
+    for (auto &[steps, byId] : {std::pair(&first, &left), {&second, &right}}) {
+        for (const Step &step : *steps) {
+            if (!left.contains(step.id) && !right.contains(step.id))
+                order.push_back(step.id);
+            byId->insert_or_assign(step.id, &step);
         }
     }
-    const auto valueIn = [](const auto &values, const RecordId &id) -> std::optional<RecordValue> {
-        const auto found = values.find(id);
-        if (found != values.end())
-            return found->second;
-        return id.kind == RecordKind::Loco ? std::optional<RecordValue>(LocoRecord{.name = EmptyName()})
-                                           : std::nullopt;
-    };
     std::vector<RecordChange> changes;
-    for (const RecordId &id : order) {
-        const auto before = valueIn(left, id);
-        const auto after = valueIn(right, id);
-        if (before && after)
-            changes.push_back({id, ChangeOf(before, *after), *after, before, {}, {}});
-        else
-            changes.push_back(
-                {id, before ? Change::Emptied : Change::New, before ? *before : *after, before, {}, {}});
-    }
+    for (const RecordId &id : order)
+        changes.push_back(DifferenceOf(id, StepOf(left, id), StepOf(right, id)));
     return changes;
 }
 

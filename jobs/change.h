@@ -16,7 +16,7 @@ namespace hr::jobs
 enum class Change {
     New,       // nothing stands there yet
     Changed,   // the same loco with other data; a picture or table with other content
-    OtherLoco, // another loco stands there and is overwritten
+    OtherLoco, // another loco stands there and is overwritten: name and symbol or functions differ
     Emptied,   // what stands there is deleted
     Unchanged,
     Nameless,    // an empty record, and nothing says which name it is to get: it is left alone
@@ -72,9 +72,9 @@ Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wa
 /// The steps of a write (Write, Merge, Delete) beside what a reading job (Read) found.
 std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present);
 
-/// Two files side by side: the records of both, each once, in the order of the first and then of the second. `present` is
+/// Two files side by side, each as the steps that write it: the records of both, each once, in the order of the first and then of the second. `present` is
 /// the first one's, `wanted` the second one's. What only the second one has is New, what only the first one has is Emptied.
-std::vector<RecordChange> Differences(const std::vector<DdsRecord> &first, const std::vector<DdsRecord> &second);
+std::vector<RecordChange> Differences(const std::vector<Step> &first, const std::vector<Step> &second);
 
 /// The pages that would be programmed, and about how long that takes at the measured speed.
 size_t PagesOf(const std::vector<RecordChange> &changes);

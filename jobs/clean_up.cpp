@@ -63,7 +63,7 @@ void ReportCleanUp(const Report &report, const QString &what, const QString &tit
     if (report.end == JobEnd::Complete)
         ShowDoneBox(text, title);
     else if (EndedEarly(report.end))
-        ShowEndBox(report.end, EndText(report.end, QStringLiteral("Abgebrochen.")) + u'\r' + text);
+        ShowEndBox(report.end, EndText(report.end, QStringLiteral("Angehalten.")) + u'\r' + text);
 }
 
 } // namespace hr::jobs

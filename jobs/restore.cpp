@@ -110,7 +110,7 @@ void ReportRestore(const RestoreOutcome &outcome)
 {
     if (EndedEarly(outcome.end)) {
         ShowEndBox(outcome.end,
-            EndText(outcome.end, QStringLiteral("Das Zurückschreiben wurde abgebrochen."))
+            EndText(outcome.end, QStringLiteral("Das Zurückschreiben wurde angehalten."))
                 + Group(QStringLiteral("Geschrieben:"), outcome.written) + DoubtfulGroup(outcome)
                 + Group(QStringLiteral("Nicht geschrieben:"), outcome.untouched));
     } else if (outcome.end == JobEnd::Complete) {

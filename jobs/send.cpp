@@ -84,7 +84,7 @@ void SendLocos(const std::vector<DownloadedLoco> &locos, const std::function<boo
     const Report looked = RunJob(LookPlan(locos));
     if (EndedEarly(looked.end)) {
         ShowEndBox(looked.end,
-            EndText(looked.end, QStringLiteral("Abgebrochen.")) + u'\r'
+            EndText(looked.end, QStringLiteral("Angehalten.")) + u'\r'
                 + QStringLiteral("Es wurde keine Lok gesendet."));
         return;
     }

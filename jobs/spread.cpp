@@ -52,8 +52,8 @@ void ReportSpread(const Report &report)
         + group("Leer, nicht geändert:", RecordState::Empty) + group("Unsicher:", RecordState::Doubtful)
         + group("Nicht geschrieben:", RecordState::Untouched);
     if (EndedEarly(report.end))
-        ShowEndBox(report.end,
-            EndText(report.end, QStringLiteral("Abgebrochen.")) + QStringLiteral("\r\r") + text.trimmed());
+        ShowEndBox(
+            report.end, EndText(report.end, QStringLiteral("Angehalten.")) + QStringLiteral("\r\r") + text.trimmed());
     else if (report.end == JobEnd::Complete)
         ShowDoneBox(text.trimmed(), Title());
 }

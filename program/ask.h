@@ -47,8 +47,9 @@ public:
     /// button Enter presses.
     [[nodiscard]] virtual bool askYesNo(const BoxText &box, bool defaultYes) = 0;
 
-    /// Asks for one line of text and waits. Empty text when cancelled.
-    [[nodiscard]] virtual QString askText(const QString &prompt, const QString &title) = 0;
+    /// Asks for one line of text and waits; a window proposes one. Empty text when cancelled.
+    [[nodiscard]] virtual QString askText(
+        const QString &prompt, const QString &title, const QString &proposal = {}) = 0;
 
     /// One line of text that says what runs. The first call shows it, hideProgress() takes it away.
     virtual void showProgress(const QString &text) = 0;

@@ -1,5 +1,6 @@
 #include "roster/loco_files.h"
 
+#include "program/ask.h"
 #include "roster/loco_json.h"
 
 #include <QJsonDocument>
@@ -63,6 +64,17 @@ LocoList LocosOfFile(const QString &fileName, const QByteArray &content)
     default:
         return ReadLocoDds(content);
     }
+}
+
+bool NamesAccepted(const std::vector<ListedLoco> &locos)
+{
+    const QString adapted = AdaptedNames(locos);
+    if (adapted.isEmpty())
+        return true;
+    return TheAsk().askYesNo({QStringLiteral("Diese Namen haben Zeichen, die der Handregler nicht hat:\r") + adapted
+                                     + QStringLiteral("\rSollen sie so geschrieben werden?"),
+                                 {}, BoxIcon::None},
+        false);
 }
 
 QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &locos)

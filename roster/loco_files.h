@@ -12,6 +12,9 @@ bool HoldsLocos(const QString &fileName);
 /// The locos of a file; with faults nothing of it may be used.
 LocoList LocosOfFile(const QString &fileName, const QByteArray &content);
 
+/// Asks when names hold characters that the handheld does not have: what would be written. False for Nein.
+bool NamesAccepted(const std::vector<ListedLoco> &locos);
+
 /// A file that holds the locos.
 QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &locos);
 

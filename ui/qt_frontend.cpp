@@ -157,11 +157,12 @@ bool QtFrontend::askYesNo(const BoxText &box, bool defaultYes)
     return widget->clickedButton() == widget->button(QMessageBox::Yes);
 }
 
-QString QtFrontend::askText(const QString &prompt, const QString &title)
+QString QtFrontend::askText(const QString &prompt, const QString &title, const QString &proposal)
 {
     if (BoxesAreSilent())
         return {};
     QInputDialog dialog;
+    dialog.setTextValue(proposal);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setWindowTitle(title);
     dialog.setLabelText(prompt);
@@ -177,15 +178,16 @@ QString QtFrontend::askText(const QString &prompt, const QString &title)
 QString QtFrontend::fileName(const QString &title, const QString &filter, const QString *proposal)
 {
     const bool forSaving = proposal != nullptr;
-    QFileDialog dialog(nullptr, title, lastFolder, filter);
+    const QString first = filter.section(u' ', 0, 0); // backups have one folder, alone or with lists
+    QFileDialog dialog(nullptr, title, lastFolders.value(first), filter);
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     // The dialog's own questions would wait in a loop of their own.
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
     if (!forSaving && filter == u"*.bmp") // the pixel editor reads PNG files as well
-        dialog.setNameFilters({filter, QStringLiteral("Alle Dateien (*)")});
-    dialog.setDefaultSuffix(filter.section(u'.', -1));
+        dialog.setNameFilters({filter, QStringLiteral("Bilder (*.bmp *.png)"), QStringLiteral("Alle Dateien (*)")});
+    dialog.setDefaultSuffix(first.section(u'.', -1));
     if (forSaving && !proposal->isEmpty())
         dialog.selectFile(*proposal);
     else if (const QString last = lastFiles.value(filter); !forSaving && QFileInfo(last).isFile())
@@ -198,7 +200,7 @@ QString QtFrontend::fileName(const QString &title, const QString &filter, const 
             return {};
         if (!fileAccepted(chosen.constFirst(), forSaving))
             continue;
-        lastFolder = QFileInfo(chosen.constFirst()).absolutePath();
+        lastFolders.insert(first, QFileInfo(chosen.constFirst()).absolutePath());
         lastFiles.insert(filter, chosen.constFirst());
         return chosen.constFirst();
     }
@@ -268,8 +270,8 @@ void QtFrontend::askToStop(bool andEnd)
     askingToStop = true;
     // Asked from the event loop: a question may not wait inside the window system's close handling.
     TheEvents().post([this, andEnd] {
-        const BoxText question{QStringLiteral("Soll nach dem laufenden Datensatz aufgehört werden?"),
-            QStringLiteral("Abbrechen?"), BoxIcon::None};
+        const BoxText question{QStringLiteral("Soll nach dem laufenden Datensatz angehalten werden?"),
+            QStringLiteral("Anhalten?"), BoxIcon::None};
         const bool stops = askYesNo(question, false);
         askingToStop = false;
         if (stops)

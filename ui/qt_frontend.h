@@ -39,7 +39,7 @@ public:
     void showBox(const BoxText &box) override;
     void postBox(const BoxText &box) override;
     bool askYesNo(const BoxText &box, bool defaultYes) override;
-    QString askText(const QString &prompt, const QString &title) override;
+    QString askText(const QString &prompt, const QString &title, const QString &proposal) override;
     QString openFileName(const QString &title, const QString &filter) override;
     QString saveFileName(const QString &title, const QString &filter, const QString &proposal) override;
     void showProgress(const QString &text) override;
@@ -80,7 +80,8 @@ private:
     std::unique_ptr<ProgressWindow> progress;
     std::unique_ptr<ZentraleForm> zentraleForm;
     std::vector<std::unique_ptr<QMessageBox>> postedBoxes;
-    QString lastFolder;               // of the file dialogs; empty = where the program was started
+    QMap<QString, QString>
+        lastFolders; // by filter: pictures and backups lie apart; none = where the program was started
     QMap<QString, QString> lastFiles; // by filter: proposed when a file is opened
     bool askingToStop = false;
     int hints = 0; // counts the "still running" hints, so that an older one does not take a newer away

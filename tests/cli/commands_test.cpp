@@ -417,9 +417,8 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
         {"write", QStringLiteral("schreiben a.csv"), none, Exit::Done, wrote + u"|zurückgenommen werden: ", after, 2},
         {"an older call", QStringLiteral("schreiben --nur-aenderungen a.csv"), none, Exit::Done, wrote, after, 2},
         {"dry run", QStringLiteral("schreiben --probe a.csv"), none, Exit::Done,
-            QStringLiteral(
-                "Lok 3: überschreibt eine andere Lok\n  Name: LOK 3 -> ANDERS|Lok 8: unverändert|Lok 20: neu|"
-                "Anders: 2 von 3, 2 Speicherseiten"),
+            QStringLiteral("Lok 3: geändert\n  Name: LOK 3 -> ANDERS|Lok 8: unverändert|Lok 20: neu|"
+                           "Anders: 2 von 3, 2 Speicherseiten"),
             before, 0},
         {"all", QStringLiteral("schreiben --alles-schreiben a.csv"), none, Exit::Done,
             QStringLiteral("Lokdatensätze: 3,8,20"), after, 3},
@@ -465,10 +464,10 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
     handheld().settings.present = true;
     const auto search = QStringLiteral("sichern --loks-suchen 1-30 x.dds");
     const auto stop = [this] { events.after(6'000'000, [] { TakeInterrupt(); }); };
-    scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde abgebrochen."),
-               before, 0, stop},
+    scene({{"broken off", search, none, Exit::Stopped, QStringLiteral("Die Datensicherung wurde angehalten."), before,
+               0, stop},
         {"a script does not go on", search + u" --ja", none, Exit::Stopped,
-            QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde abgebrochen."), before, 0, stop},
+            QStringLiteral("Das tut nur --fortsetzen.|Die Datensicherung wurde angehalten."), before, 0, stop},
         {"go on, Enter", search, QStringLiteral(" "), Exit::Done,
             QStringLiteral("Soll sie fortgesetzt werden?|[J/n]"), before, 0}});
     scene({{"broken off", search, none, Exit::Stopped, {}, before, 0, stop},
@@ -483,7 +482,7 @@ TEST_F(Calls, SayAndDoWhatTheOptionsSay)
             QStringLiteral("Kein Unterschied: 2 Datensätze."), before, 0},
         {"change", QStringLiteral("schreiben a.csv"), none, Exit::Done, wrote, after, 2},
         {"compare different", QStringLiteral("vergleichen s.dds"), none, Exit::Differs,
-            QStringLiteral("Lok 3: überschreibt"), after, 0},
+            QStringLiteral("Lok 3: geändert"), after, 0},
         {"restore, no", QStringLiteral("zurueck s.dds"), QStringLiteral("n"), Exit::Stopped,
             QStringLiteral("Soll die Datensicherung in den Handregler geschrieben werden? [j/N]"), after, 0},
         {"restore", QStringLiteral("zurueck s.dds"), QStringLiteral("j"), Exit::Done,
@@ -515,7 +514,7 @@ TEST_F(Calls, ChangesAreTakenBackOneAfterTheOther)
         {"no", take, no, Exit::Stopped, QStringLiteral("schreiben |Soll die Änderung zurückgenommen werden?"), both,
             0},
         {"only shown", QStringLiteral("zuruecknehmen --probe"), QStringLiteral("-"), Exit::Done,
-            QStringLiteral("Lok 4: überschreibt|Anders: 1 von 1"), both, 0},
+            QStringLiteral("Lok 4: geändert|Anders: 1 von 1"), both, 0},
         {"the second one", take, yes, Exit::Done, QStringLiteral("Zurückgenommen:\nLokdatensätze: 4"), first, 1},
         {"edited since", take, yes, Exit::Incomplete,
             QStringLiteral("Seither geändert und so gelassen:\nLokdatensätze: 3|Zurückgenommen:\nLokdatensätze: 20"),
@@ -532,7 +531,7 @@ TEST_F(Calls, AfterABreakTheNextCallMakesThePageGoodAndGoesOnOnlyWhenAsked)
     const auto write = QStringLiteral("schreiben a.csv");
     const auto none = QStringLiteral("-");
     const Row stop{"stop", write, none, Exit::Stopped,
-        QStringLiteral("Abgebrochen.|Nicht geschrieben:\nLokdatensätze: 20|mit --fortsetzen"), first, 1,
+        QStringLiteral("Angehalten.|Nicht geschrieben:\nLokdatensätze: 20|mit --fortsetzen"), first, 1,
         [this] { afterNextProgram(TakeInterrupt); }};
     const auto resume = QStringLiteral("Dieser Auftrag wurde abgebrochen; erledigt: 1 Datensatz.");
     const auto already = QStringLiteral("Schon geschrieben:\nLokdatensätze: 3");

@@ -186,7 +186,7 @@ TEST_F(BackupTest, ABrokenOffBackupLeavesTheOldFile)
     events.after(4'000'000, ConfirmStop);
     BackupOutcome outcome = Backup(path(), everything());
     EXPECT_EQ(outcome.end, JobEnd::Stopped);
-    user.expect(QStringLiteral("Die Datensicherung wurde abgebrochen.\rEs wurde kein Datensatz gesichert.\r"
+    user.expect(QStringLiteral("Die Datensicherung wurde angehalten.\rEs wurde kein Datensatz gesichert.\r"
                                "Die vorhandene Datei %1 ist unverändert.")
                     .arg(shown()),
         QStringLiteral("Achtung!"));
@@ -387,7 +387,7 @@ TEST_F(BackupTest, AStoppedRestoreAndTheProgramsEndFinishTheRecord)
     EXPECT_EQ(outcome.end, JobEnd::Stopped);
     EXPECT_EQ(static_cast<int>(outcome.written.size()), programs());
     const int written = programs();
-    user.expect(QStringLiteral("Das Zurückschreiben wurde abgebrochen.\r\rGeschrieben:\rLokdatensätze: 1-%1"
+    user.expect(QStringLiteral("Das Zurückschreiben wurde angehalten.\r\rGeschrieben:\rLokdatensätze: 1-%1"
                                "\r\rNicht geschrieben:\rLokdatensätze: %2-12")
                     .arg(written)
                     .arg(written + 1),

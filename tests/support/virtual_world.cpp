@@ -137,8 +137,9 @@ bool ScriptedAsk::askYesNo(const BoxText &box, bool yesIsDefault)
     return answerTo(box.text, box.title) == u"Ja";
 }
 
-QString ScriptedAsk::askText(const QString &prompt, const QString &boxTitle)
+QString ScriptedAsk::askText(const QString &prompt, const QString &boxTitle, const QString &proposed)
 {
+    textProposal = proposed;
     return answerTo(prompt, boxTitle);
 }
 

@@ -74,7 +74,7 @@ public:
     void showBox(const BoxText &box) override;
     void postBox(const BoxText &box) override;
     bool askYesNo(const BoxText &box, bool defaultYes) override;
-    QString askText(const QString &prompt, const QString &title) override;
+    QString askText(const QString &prompt, const QString &title, const QString &proposed) override;
     void showProgress(const QString &text) override;
     void showAmount(const Amount &amount) override { amounts.push_back(amount); }
     void hideProgress() override { progressVisible = false; }
@@ -88,6 +88,7 @@ public:
     bool progressVisible = false;
     bool defaultYes = false;  // of the last question
     bool ignoreTexts = false; // the script holds only answers
+    QString textProposal;     // of the last input
     int raised = 0;           // second commands while one ran
 
 protected:

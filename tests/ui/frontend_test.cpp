@@ -186,7 +186,7 @@ TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
         progress->close();
         later([answer] {
             EXPECT_EQ(OpenBoxes().size(), 1);
-            BoxTitled(QStringLiteral("Abbrechen?"))->button(answer)->click();
+            BoxTitled(QStringLiteral("Anhalten?"))->button(answer)->click();
         });
         events.run(1);
         EXPECT_EQ(StoppableJob::stopRequested(), answer == QMessageBox::Yes);
@@ -268,7 +268,7 @@ TEST_F(RealFrontend, LongJobsShowHowFarTheyAreAndClosingTheMainWindowAsksFirst)
         events.run(2.1);
         EXPECT_TRUE(hint->isHidden());
         for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
-            later([answer] { BoxTitled(QStringLiteral("Abbrechen?"))->button(answer)->click(); });
+            later([answer] { BoxTitled(QStringLiteral("Anhalten?"))->button(answer)->click(); });
             window().close();
             events.run(1);
             EXPECT_EQ(CurrentRunState() == RunState::Ending, answer == QMessageBox::Yes);

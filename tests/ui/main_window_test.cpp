@@ -14,6 +14,7 @@
 #include "ui/widgets/picture_box.h"
 #include "ui/widgets/row_names.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
@@ -99,6 +100,8 @@ TEST_F(MainWindowTest, ReadChangeAndWriteARecord)
     const QString mode = grid->text(5, 3);
     Q_EMIT grid->cellActed(5, 3);
     EXPECT_NE(grid->text(5, 3), mode);
+    const QString word = mode == u"1" ? QStringLiteral("Dauerfunktion") : QStringLiteral("Tastfunktion");
+    EXPECT_EQ(grid->model()->index(5, 3).data(Qt::AccessibleTextRole).toString(), word);
     click("SchreibeLokDatensatzBut");
     const char name[] = {22, 38, 21, 21, 14, 27, 39, 7};
     const QByteArray after = flashBytes(0, 512);
@@ -286,6 +289,30 @@ TEST_F(MainWindowTest, AWriteThatFailedLeavesTheMarkAndASureOneShowsWhatTheHandh
     click("SchreibeFktSymBut");
     EXPECT_TRUE(label("SchreibeFktSymButWasLbl")->text().isEmpty());
     EXPECT_TRUE(window().findChild<PictureBox *>(QStringLiteral("LokFktPic"))->showsPicture());
+}
+
+TEST_F(MainWindowTest, OnASmallScreenEveryControlIsReachedByTabAndNamedForThoseWhoHearIt)
+{
+    window().show();
+    QApplication::setActiveWindow(&window());
+    window().resize(683 - 20, 384 - 80); // 1366 × 768 at twice the size
+    QSet<QString> names;
+    for (QWidget *control = field("AdrTxt"); !names.contains(control->objectName());) {
+        names += control->objectName();
+        control->setFocus(Qt::TabFocusReason);
+        const QRect seen(control->mapTo(&window(), QPoint()), control->size());
+        EXPECT_FALSE(control->visibleRegion().isEmpty()) << control->objectName().toStdString();
+        EXPECT_TRUE(window().rect().intersects(seen)) << control->objectName().toStdString();
+        const QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(control);
+        EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty()) << control->objectName().toStdString();
+        do
+            control = control->nextInFocusChain();
+        while (!control->isVisibleTo(&window()) || !control->isEnabled()
+            || (control->focusPolicy() & Qt::TabFocus) == 0);
+    }
+    for (const char *name : {"LeseLokDatensatzBut", "ResetLokdatenBut", "EditLokSymBut", "EditMagSymBut", "FktTab"})
+        EXPECT_TRUE(names.contains(QLatin1String(name))) << name;
+    EXPECT_NE(field("LokSymNrTxt")->accessibleName(), field("FunksymTxt")->accessibleName());
 }
 
 TEST_F(MainWindowTest, TheStatusLineTellsWhereOneStands)

@@ -43,6 +43,17 @@ QPixmap PictureOfFile(const QString &path)
     return QPixmap::fromImage(ImageOfRows(RowsOfGrey(image), {image.width, image.height}));
 }
 
+QString HalfWord(SymbolKind kind, int handheldHalf)
+{
+    if (kind == SymbolKind::Loco)
+        return {};
+    if (kind == SymbolKind::Function)
+        return handheldHalf == HalfOn ? QStringLiteral(", ON") : QStringLiteral(", OFF");
+    return handheldHalf == HalfOn ? QStringLiteral(", Grün") : QStringLiteral(", Rot");
+}
+
+} // namespace
+
 QString KindWord(SymbolKind kind)
 {
     switch (kind) {
@@ -55,17 +66,6 @@ QString KindWord(SymbolKind kind)
     }
     Q_UNREACHABLE();
 }
-
-QString HalfWord(SymbolKind kind, int handheldHalf)
-{
-    if (kind == SymbolKind::Loco)
-        return {};
-    if (kind == SymbolKind::Function)
-        return handheldHalf == HalfOn ? QStringLiteral(", ON") : QStringLiteral(", OFF");
-    return handheldHalf == HalfOn ? QStringLiteral(", Grün") : QStringLiteral(", Rot");
-}
-
-} // namespace
 
 QImage ImageOf(const Picture &picture)
 {

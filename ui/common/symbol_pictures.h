@@ -18,6 +18,9 @@ QPixmap SymbolPicture(SymbolKind kind, int number, int catalogueHalf);
 /// The same by the handheld's half (HalfOn, HalfOff).
 QPixmap SymbolPictureOfHalf(SymbolKind kind, int number, int handheldHalf);
 
+/// What a kind of symbol is called: "Loksymbol".
+QString KindWord(SymbolKind kind);
+
 /// What a symbol is called: its description without number and ending. Empty where there is none.
 QString SymbolName(SymbolKind kind, int number);
 

@@ -48,7 +48,7 @@ void ShowReport(const CarefulJob &job, const CarefulReport &report)
     const QString text = ReportText(report);
     if (EndedEarly(report.job.end))
         ShowEndBox(report.job.end,
-            EndText(report.job.end, QStringLiteral("Das Schreiben wurde abgebrochen.")) + QStringLiteral("\r\r")
+            EndText(report.job.end, QStringLiteral("Das Schreiben wurde angehalten.")) + QStringLiteral("\r\r")
                 + text);
     else if (IsSettled(report))
         ShowDoneBox(text, job.title);
@@ -73,7 +73,7 @@ CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
     if (end.is == CarefulEnd::Is::Written)
         ShowReport(job, end.report);
     else if (end.is == CarefulEnd::Is::BrokenOff && EndedEarly(end.end))
-        ShowEndBox(end.end, EndText(end.end, QStringLiteral("Das Lesen wurde abgebrochen.")) + BreakText(end.report));
+        ShowEndBox(end.end, EndText(end.end, QStringLiteral("Das Lesen wurde angehalten.")) + BreakText(end.report));
     else if (!end.report.restored.empty())
         ShowDoneBox(ReportText(end.report), job.title);
     return end;

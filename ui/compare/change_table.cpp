@@ -29,6 +29,14 @@ QString NameOf(const std::optional<RecordValue> &value)
     return loco != nullptr ? ShownName(*loco) : QString();
 }
 
+/// "Funktionssymbol 12 ON: Licht"
+QString WithDescription(const RecordId &id)
+{
+    const auto symbol = RowOf(id.kind).symbol;
+    const QString words = symbol && RowOf(id.kind).numbered ? SymbolName(*symbol, id.number) : QString();
+    return RecordName(id) + (words.isEmpty() ? QString() : QStringLiteral(": ") + words);
+}
+
 bool CanBeWritten(Change change)
 {
     return change != Change::Nameless && change != Change::Unknown;
@@ -93,7 +101,7 @@ QString ChangeTable::text(int row, int column) const
 {
     switch (column) {
     case RecordColumn:
-        return RecordName(change(row).id);
+        return WithDescription(change(row).id);
     case ChangeColumn:
         return happening(row);
     case OldNameColumn:
@@ -116,7 +124,7 @@ QString ChangeTable::words(int row, int column) const
     const auto *loco = value ? std::get_if<LocoRecord>(&*value) : nullptr;
     if (loco != nullptr && !IsEmptyName(loco->name))
         return SymbolWords(SymbolKind::Loco, loco->locoSymbol, HalfOn);
-    return IsTableKind(change(row).id.kind) ? QString() : RecordName(change(row).id);
+    return IsTableKind(change(row).id.kind) ? QString() : WithDescription(change(row).id);
 }
 
 int ChangeTable::rowCount(const QModelIndex &parent) const

@@ -18,7 +18,7 @@ std::unique_ptr<CompareWindow> compareWindow;
 /// The window on a file; null where the file cannot be used.
 CompareWindow *OpenOn(const QString &fileName)
 {
-    const auto file = LoadBackupFile(fileName);
+    const auto file = LoadComparedFile(fileName);
     if (!file)
         return nullptr;
     if (!compareWindow)
@@ -35,7 +35,7 @@ void CompareBackup()
     if (!command.ok())
         return;
     const QString fileName =
-        TheDesktop().openFileName(QStringLiteral("Datensicherung vergleichen"), QStringLiteral("*.dds"));
+        TheDesktop().openFileName(QStringLiteral("Datensicherung vergleichen"), ComparedFilter());
     if (!fileName.isEmpty())
         OpenOn(fileName);
 }

@@ -1,11 +1,13 @@
 #include "ui/compare/compare_window.h"
 
 #include "jobs/journal.h"
+#include "jobs/listed_step.h"
 #include "jobs/report.h"
 #include "jobs/restore.h"
 #include "jobs/selection.h"
 #include "platform/files.h"
-#include "roster/csv_sheet.h"
+#include "platform/text.h"
+#include "roster/loco_files.h"
 #include "shown/connection.h"
 #include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
@@ -45,6 +47,20 @@ public:
     }
 
 protected:
+    /// Records in their own order, texts as in a register, pictures by their number.
+    [[nodiscard]] bool lessThan(const QModelIndex &one, const QModelIndex &other) const override
+    {
+        const auto key = [this](const QModelIndex &index) {
+            const bool byText = index.column() == ChangeTable::ChangeColumn
+                || index.column() == ChangeTable::OldNameColumn || index.column() == ChangeTable::NewNameColumn
+                || index.column() == ChangeTable::FieldsColumn;
+            const QString text = byText ? index.data().toString() : QString();
+            return std::pair(
+                UpperLatin1(text).normalized(QString::NormalizationForm_D), table->change(index.row()).id);
+        };
+        return key(one) < key(other);
+    }
+
     [[nodiscard]] bool filterAcceptsRow(int row, const QModelIndex &) const override
     {
         const RecordChange &change = table->change(row);
@@ -117,16 +133,14 @@ QString WriteTitle()
     return QStringLiteral("In den Handregler schreiben");
 }
 
-} // namespace
-
-std::optional<BackupFile> LoadBackupFile(const QString &fileName)
+bool IsList(const QString &fileName)
 {
-    const auto file = LoadDds(fileName);
-    if (!file) {
-        TheAsk().showBox(Fault(QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(Native(fileName))));
-        return {};
-    }
-    const DdsContent content = ReadDds(*file);
+    return HoldsLocos(fileName) && !fileName.endsWith(u".dds", Qt::CaseInsensitive);
+}
+
+std::optional<ComparedFile> BackupIn(const QString &fileName, const QByteArray &file)
+{
+    const DdsContent content = ReadDds(file);
     if (content.records.empty() && !content.fault) {
         TheAsk().showBox(Fault(QStringLiteral("Die Datei %1 enthält keine Datensätze!").arg(Native(fileName))));
         return {};
@@ -137,7 +151,43 @@ std::optional<BackupFile> LoadBackupFile(const QString &fileName)
         TheAsk().showBox(Fault(QStringLiteral("Die Datei %1 ist beschädigt.\r%2.\r%3")
                                    .arg(Native(fileName), FaultText(*content.fault), rest)));
     }
-    return content.records.empty() ? std::nullopt : std::optional(BackupFile{fileName, content.records});
+    ComparedFile compared{fileName, {}, RestorePlan(content.records).steps};
+    for (const DdsRecord &record : content.records)
+        compared.about += record.bytes;
+    return compared.steps.empty() ? std::nullopt : std::optional(compared);
+}
+
+std::optional<ComparedFile> ListIn(const QString &fileName, const QByteArray &file)
+{
+    const LocoList list = LocosOfFile(fileName, file);
+    if (!list.faults.empty()) {
+        TheAsk().showBox(Fault(QStringLiteral("Die Datei %1 kann so nicht gebraucht werden:\r%2")
+                                   .arg(Native(fileName), FaultsText(list.faults).replace(u'\n', u'\r'))));
+        return {};
+    }
+    if (!NamesAccepted(list.locos))
+        return {};
+    ComparedFile compared{fileName, file, {}};
+    for (const ListedLoco &loco : list.locos)
+        compared.steps.push_back(ListedStep(loco));
+    return compared;
+}
+
+} // namespace
+
+QString ComparedFilter()
+{
+    return QStringLiteral("*.dds *.csv *.json");
+}
+
+std::optional<ComparedFile> LoadComparedFile(const QString &fileName)
+{
+    const auto file = LoadDds(fileName);
+    if (!file) {
+        TheAsk().showBox(Fault(QStringLiteral("Die Datei %1 kann nicht gelesen werden!").arg(Native(fileName))));
+        return {};
+    }
+    return IsList(fileName) ? ListIn(fileName, *file) : BackupIn(fileName, *file);
 }
 
 CompareWindow::CompareWindow()
@@ -182,6 +232,9 @@ void CompareWindow::buildTable()
     QHeaderView *header = table->horizontalHeader();
     header->setHighlightSections(false);
     header->setStretchLastSection(true);
+    header->setToolTip(QStringLiteral("Klick: nach dieser Spalte sortieren"));
+    table->setSortingEnabled(true);
+    table->sortByColumn(ChangeTable::RecordColumn, Qt::AscendingOrder);
     const int letter = table->fontMetrics().averageCharWidth();
     for (const auto &[column, letters] : {std::pair(ChangeTable::RecordColumn, 26), {ChangeTable::ChangeColumn, 31},
              {ChangeTable::OldNameColumn, 22}, {ChangeTable::NewNameColumn, 22}})
@@ -285,16 +338,15 @@ void CompareWindow::addKeys()
     AltKey(saveBeforeChk, Qt::Key_V);
 }
 
-void CompareWindow::open(const BackupFile &file)
+void CompareWindow::open(const ComparedFile &file)
 {
     first = file;
     second.reset();
-    fileLbl->setText(QStringLiteral("Datei: ") + Native(file.name));
+    fileLbl->setText(
+        QStringLiteral("%1\n%2. Womit vergleichen?").arg(Native(file.name), RecordCount(file.steps.size())));
     setWindowTitle(QStringLiteral("Vergleich: ") + QFileInfo(file.name).fileName());
     filterTxt->clear();
     showChanges({});
-    countLbl->setText(
-        QStringLiteral("%1 in der Datei. Womit sollen sie verglichen werden?").arg(RecordCount(file.records.size())));
     present();
     handheldBut->setFocus();
 }
@@ -303,20 +355,20 @@ void CompareWindow::compareWithHandheld(const Command &command)
 {
     if (!command.connected())
         return;
-    const Look look = LookAt(RestorePlan(first.records).steps);
+    const Look look = LookAt(first.steps);
     second.reset();
     sidesLbl->setText(QStringLiteral("alt: im Handregler; neu: in der Datei"));
     showChanges(look.changes);
     if (EndedEarly(look.end))
-        ShowEndBox(look.end, EndText(look.end, QStringLiteral("Der Vergleich wurde abgebrochen.")));
+        ShowEndBox(look.end, EndText(look.end, QStringLiteral("Der Vergleich wurde angehalten.")));
     table->setFocus();
 }
 
-void CompareWindow::compareWithFile(const BackupFile &other)
+void CompareWindow::compareWithFile(const ComparedFile &other)
 {
     second = other;
     sidesLbl->setText(QStringLiteral("alt: in der Datei oben; neu: in %1").arg(Native(other.name)));
-    showChanges(Differences(first.records, other.records));
+    showChanges(Differences(first.steps, other.steps));
     table->setFocus();
 }
 
@@ -325,9 +377,8 @@ void CompareWindow::askForSecondFile()
     const Command command;
     if (!command.ok())
         return;
-    const QString fileName =
-        TheDesktop().openFileName(QStringLiteral("Zweite Datensicherung"), QStringLiteral("*.dds"));
-    const auto other = fileName.isEmpty() ? std::nullopt : LoadBackupFile(fileName);
+    const QString fileName = TheDesktop().openFileName(QStringLiteral("Zweite Datensicherung"), ComparedFilter());
+    const auto other = fileName.isEmpty() ? std::nullopt : LoadComparedFile(fileName);
     if (other)
         compareWithFile(*other);
 }
@@ -335,11 +386,10 @@ void CompareWindow::askForSecondFile()
 void CompareWindow::showChanges(std::vector<RecordChange> changes)
 {
     std::set<RecordId> ids;
-    for (const DdsRecord &record : offered().records)
-        ids.insert(record.id);
+    for (const Step &step : offered().steps)
+        ids.insert(step.id);
     const bool any = !changes.empty();
     model->setChanges(std::move(changes), ids);
-    writeBut->setEnabled(any);
     csvBut->setEnabled(any);
     sidesLbl->setVisible(any);
     filterChanged();
@@ -356,11 +406,14 @@ void CompareWindow::showCount()
 {
     if (model->rowCount() == 0) {
         countLbl->clear();
+        writeBut->setEnabled(false);
         return;
     }
     QString text = QStringLiteral("Gezeigt: %1 von %2").arg(shown->rowCount()).arg(model->rowCount());
     const std::vector<RecordChange> written =
         ToBeWritten(chosen(), onlyChangesChk->isChecked() && !second ? Written::Changes : Written::All);
+    // A page that an earlier job left half written is made good by the same button.
+    writeBut->setEnabled(!written.empty() || PagesWait(HandheldName(ShownHandheld())));
     if (written.empty())
         text += shown->rowCount() == 0 && filterTxt->text().isEmpty() ? QStringLiteral(". Kein Unterschied.")
                                                                       : QStringLiteral(". Zu schreiben: nichts.");
@@ -409,6 +462,16 @@ std::vector<RecordChange> CompareWindow::chosen() const
     return changes;
 }
 
+std::vector<Step> CompareWindow::chosenSteps() const
+{
+    std::set<RecordId> ids;
+    for (const RecordChange &change : chosen())
+        ids.insert(change.id);
+    std::vector<Step> steps = offered().steps;
+    std::erase_if(steps, [&ids](const Step &step) { return !ids.contains(step.id); });
+    return steps;
+}
+
 WriteOptions CompareWindow::options() const
 {
     return {!onlyChangesChk->isChecked(), verifyChk->isChecked(), saveBeforeChk->isChecked()};
@@ -421,18 +484,15 @@ void CompareWindow::write()
         CarefulJob job;
         job.command = QStringLiteral("Vergleich mit ") + Native(offered().name);
         job.fileName = offered().name;
-        job.about = QByteArrayLiteral("fenster");
         job.options = options();
         job.title = WriteTitle();
-        for (const RecordChange &change : chosen())
-            job.steps.push_back({StepKind::Write, change.id, change.wanted, {}});
+        job.about = QByteArrayLiteral("fenster") + offered().about;
+        job.steps = chosenSteps();
         return job;
     });
     if (!command.ok() || !command.connected())
         return;
-    CarefulJob job = command.shown;
-    for (const DdsRecord &record : offered().records)
-        job.about += record.bytes;
+    const CarefulJob &job = command.shown;
     if (job.steps.empty() && !PagesWait(HandheldName(ShownHandheld()))) {
         TheAsk().showBox(
             {QStringLiteral("Es ist nichts zum Schreiben angekreuzt."), WriteTitle(), BoxIcon::Information});

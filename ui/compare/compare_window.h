@@ -1,10 +1,10 @@
-// The window that compares a backup file with the handheld, or with a second file, and writes what differs.
+// The window that compares a backup file or a list of locos with the handheld, or with a second file, and writes what
+// differs. What a list does not say counts as equal and stays.
 //
 // "Alt" is what stands in the handheld (or in the first file), "neu" what the file (or the second one) holds and what would
 // be written. Written is what is ticked and to be seen.
 #pragma once
 
-#include "handheld/backup/dds_file.h"
 #include "jobs/careful_job.h"
 #include "ui/widgets/leavable_window.h"
 
@@ -22,10 +22,11 @@ class ChangeFilter;
 class ChangeTable;
 class Command;
 
-/// A backup file with its sound records.
-struct BackupFile {
+/// A file with what it would write: the sound records of a backup, or the locos of a list.
+struct ComparedFile {
     QString name;
-    std::vector<DdsRecord> records;
+    QByteArray about; // what it holds: another content is another job
+    std::vector<Step> steps;
 };
 
 class CompareWindow : public LeavableWindow
@@ -36,12 +37,12 @@ public:
     CompareWindow();
 
     /// Shows the window on a file that is not compared yet.
-    void open(const BackupFile &file);
+    void open(const ComparedFile &file);
 
     /// Reads the records of the file from the handheld and shows what differs. A reading that ended early is told; what it
     /// did not reach is shown as not read.
     void compareWithHandheld(const Command &command);
-    void compareWithFile(const BackupFile &other);
+    void compareWithFile(const ComparedFile &other);
 
 private:
     void buildTable();
@@ -60,16 +61,17 @@ private:
     void tickSelected();
     [[nodiscard]] std::vector<int> shownRows() const;
     [[nodiscard]] std::vector<RecordChange> chosen() const;
+    [[nodiscard]] std::vector<Step> chosenSteps() const;
     [[nodiscard]] WriteOptions options() const;
     void write();
     void exportCsv();
     [[nodiscard]] QByteArray csv() const;
 
     /// What would be written: the file, or the second one.
-    [[nodiscard]] const BackupFile &offered() const { return second ? *second : first; }
+    [[nodiscard]] const ComparedFile &offered() const { return second ? *second : first; }
 
-    BackupFile first;
-    std::optional<BackupFile> second; // nothing: compared with the handheld
+    ComparedFile first;
+    std::optional<ComparedFile> second; // nothing: compared with the handheld
     ChangeTable *model;
     ChangeFilter *shown;
     QTableView *table;
@@ -90,8 +92,12 @@ private:
     QPushButton *csvBut = nullptr;
 };
 
-/// The records of a backup file. A file that cannot be read or holds nothing is told; of a damaged one what stands before
-/// the damage is used after a box that names it.
-std::optional<BackupFile> LoadBackupFile(const QString &fileName);
+/// The file dialogs' filter.
+QString ComparedFilter();
+
+/// What a file holds, by its ending. A file that cannot be read or holds nothing is told; of a damaged backup what stands
+/// before the damage is used after a box that names it, of a list with faults nothing. Names with characters that the
+/// handheld does not have are asked about.
+std::optional<ComparedFile> LoadComparedFile(const QString &fileName);
 
 } // namespace hr::ui

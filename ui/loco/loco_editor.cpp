@@ -115,6 +115,12 @@ void LocoEditor::buildGrid()
     fktTab->setObjectName(QStringLiteral("FktTab"));
     fktTab->setAccessibleName(QStringLiteral("Funktionen"));
     fktTab->horizontalHeader()->hide();
+    QStringList functions; // for those who hear them
+    for (int row = 0; row < FunctionCount; ++row)
+        functions += u'f' + QString::number(row);
+    fktTab->setVerticalHeaderLabels(functions);
+    fktTab->setHorizontalHeaderLabels({QStringLiteral("Funktion"), QStringLiteral("Symbol ON"),
+        QStringLiteral("Symbol OFF"), QStringLiteral("Tastfunktion")});
     fktTab->takePlainClicks();
     for (size_t i = 0; i < ColumnWidths.size(); ++i)
         fktTab->setColumnWidth(static_cast<int>(i), ColumnWidths.at(i));
@@ -400,6 +406,7 @@ void LocoEditor::clearShownRecord()
             fktTab->setWords(row, column, row == 0 ? NoSymbolOfF0() : QString(), QString());
         }
         fktTab->setText(row, MomentaryColumn, QString());
+        fktTab->setWords(row, MomentaryColumn, QString(), QString());
         names->setName(row, QString());
     }
     const QSignalBlocker blocker(multiUniChk);
@@ -443,8 +450,16 @@ void LocoEditor::showFunctions()
 {
     for (int row = 0; row < FunctionCount; ++row) {
         showFunctionSymbols(row);
-        fktTab->setText(row, MomentaryColumn, QString::number(record.modes.at(static_cast<size_t>(row))));
+        showMode(row);
     }
+}
+
+void LocoEditor::showMode(int row)
+{
+    const int mode = record.modes.at(static_cast<size_t>(row));
+    fktTab->setText(row, MomentaryColumn, QString::number(mode));
+    const QString word = mode == 1 ? QStringLiteral("Tastfunktion") : QStringLiteral("Dauerfunktion");
+    fktTab->setWords(row, MomentaryColumn, word, word);
 }
 
 /// Everything but the name, as it stands in memory.
@@ -633,7 +648,7 @@ void LocoEditor::toggleMomentary(int row)
 {
     int &mode = record.modes.at(static_cast<size_t>(row));
     change([&mode] { mode = mode == 1 ? 0 : 1; });
-    fktTab->setText(row, MomentaryColumn, QString::number(mode));
+    showMode(row);
 }
 
 void LocoEditor::actOnFunction(int row, int column)

@@ -89,6 +89,7 @@ private:
     void showLocoSymbol();
     void showFunctionSymbols(int row);
     void showFunctions();
+    void showMode(int row);
     void showMemory();
     void readRecord();
     void writeRecord();

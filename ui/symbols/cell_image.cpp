@@ -2,13 +2,13 @@
 
 #include <QPainter>
 
+#include <climits>
+
 namespace hr::ui
 {
 
 namespace
 {
-
-constexpr int HalfGrey = 128;
 
 QImage OnWhite(QImage image)
 {
@@ -26,7 +26,7 @@ size_t CellIndex(PictureGeometry geometry, int x, int line)
 
 } // namespace
 
-PixelCells CellsOfImage(const QImage &image, PictureGeometry geometry)
+PixelCells CellsOfImage(const QImage &image, PictureGeometry geometry, int threshold)
 {
     const QImage flat = OnWhite(image);
     const QPoint shift((geometry.width - flat.width()) / 2, (geometry.height - flat.height()) / 2);
@@ -35,11 +35,34 @@ PixelCells CellsOfImage(const QImage &image, PictureGeometry geometry)
     for (int line = 0; line < geometry.height; ++line) {
         for (int x = 0; x < geometry.width; ++x) {
             const QPoint from = QPoint(x, line) - shift;
-            if (flat.valid(from) && qGray(flat.pixel(from)) < HalfGrey)
+            if (flat.valid(from) && qGray(flat.pixel(from)) < threshold)
                 cells.at(CellIndex(geometry, x, line)) = Black;
         }
     }
     return cells;
+}
+
+bool IsBlackAndWhite(const QImage &image)
+{
+    const QImage flat = OnWhite(image);
+    for (int y = 0; y < flat.height(); ++y) {
+        for (int x = 0; x < flat.width(); ++x) {
+            const int grey = qGray(flat.pixel(x, y));
+            if (grey != qGray(qRgb(0, 0, 0)) && grey != qGray(qRgb(UCHAR_MAX, UCHAR_MAX, UCHAR_MAX)))
+                return false;
+        }
+    }
+    return true;
+}
+
+QImage ImageOfCells(const PixelCells &cells, PictureGeometry geometry)
+{
+    QImage image(geometry.width, geometry.height, QImage::Format_RGB32);
+    for (int line = 0; line < geometry.height; ++line) {
+        for (int x = 0; x < geometry.width; ++x)
+            image.setPixelColor(x, line, cells.at(CellIndex(geometry, x, line)) == Black ? Qt::black : Qt::white);
+    }
+    return image;
 }
 
 QImage FittedImage(const QImage &image, PictureGeometry geometry)

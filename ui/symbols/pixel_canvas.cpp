@@ -55,6 +55,7 @@ PixelCanvas::PixelCanvas(
 void PixelCanvas::restart()
 {
     cursor = 1 + picture.SymbolWidth * (picture.SymbolHeight - 1); // top left
+    tellCell();
     update();
 }
 
@@ -134,12 +135,23 @@ void PixelCanvas::setCell(int number, int colour)
     preview.update();
 }
 
+/// For those who cannot see the cells; rows are counted from the top.
+void PixelCanvas::tellCell()
+{
+    const bool dark = picture.Pixel.at(static_cast<size_t>(cursor - 1)) == Black;
+    setAccessibleDescription(QStringLiteral("Zeile %1, Spalte %2: %3")
+                                 .arg(picture.SymbolHeight - (cursor - 1) / picture.SymbolWidth)
+                                 .arg((cursor - 1) % picture.SymbolWidth + 1)
+                                 .arg(dark ? QStringLiteral("schwarz") : QStringLiteral("weiß")));
+}
+
 /// By keyboard: each cell is a step of its own.
 void PixelCanvas::setCursorCell(int colour)
 {
     history.end();
     setCell(cursor, colour);
     history.end();
+    tellCell();
 }
 
 void PixelCanvas::moveCursor(int columns, int rows)
@@ -148,6 +160,7 @@ void PixelCanvas::moveCursor(int columns, int rows)
     const int row = qBound(0, (cursor - 1) / picture.SymbolWidth + rows, picture.SymbolHeight - 1);
     update(cellRect(cursor));
     cursor = picture.SymbolWidth * row + column + 1;
+    tellCell();
     update(cellRect(cursor));
     Q_EMIT cursorMoved(cellRect(cursor));
 }

@@ -63,6 +63,7 @@ private:
     void paintAt(QPointF position, Qt::MouseButtons mouseButtons);
     void setCell(int number, int colour);
     void setCursorCell(int colour);
+    void tellCell();
     void moveCursor(int columns, int rows);
 
     EditedPicture &picture;

@@ -7,6 +7,7 @@
 #include "shown/record.h"
 #include "ui/common/desktop.h"
 #include "ui/common/symbol_pictures.h"
+#include "ui/symbols/brightness_dialog.h"
 #include "ui/symbols/cell_image.h"
 #include "ui/symbols/pixel_canvas.h"
 #include "ui/widgets/build_controls.h"
@@ -309,8 +310,8 @@ void PixelEditor::loadBmp()
     history.end();
 }
 
-/// Nothing when the file is damaged, after its box, or when the user does not want a picture of another size.
-std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, const QString &name) const
+/// Nothing when the file is damaged, after its box, or when the user does not want a picture of another size, or cancels.
+std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, const QString &name)
 {
     const PictureGeometry geometry = picture.geometry();
     QImage image = QImage::fromData(content, "PNG");
@@ -319,6 +320,7 @@ std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, con
             QStringLiteral("Fehler!"), BoxIcon::Critical});
         return {};
     }
+    const bool photo = !IsBlackAndWhite(image);
     if (image.size() != QSize(geometry.width, geometry.height)) {
         const QString question =
             QStringLiteral("Das Bild hat %1 × %2 statt %3 × %4 Bildpunkte. Soll es eingepasst werden?")
@@ -330,7 +332,9 @@ std::optional<PixelCells> PixelEditor::cellsOfPng(const QByteArray &content, con
             return {};
         image = FittedImage(image, geometry);
     }
-    return CellsOfImage(image, geometry);
+    if (!photo)
+        return CellsOfImage(image, geometry);
+    return PixelEditDone == 0 ? CellsOfPhoto(image, geometry, this) : std::nullopt;
 }
 
 void PixelEditor::saveBmp()

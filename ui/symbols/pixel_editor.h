@@ -59,7 +59,7 @@ private:
     void copy();
     void paste();
     void loadBmp();
-    [[nodiscard]] std::optional<PixelCells> cellsOfPng(const QByteArray &content, const QString &name) const;
+    [[nodiscard]] std::optional<PixelCells> cellsOfPng(const QByteArray &content, const QString &name);
     void saveBmp();
 
     EditedPicture picture;

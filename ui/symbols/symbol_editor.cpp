@@ -157,7 +157,7 @@ const SymbolEditorLook &MagSymbolLook()
 SymbolEditor::SymbolEditor(const SymbolEditorLook &editorLook, QWidget *parent)
     : QGroupBox(editorLook.frameCaption, parent)
     , look(editorLook)
-    , numberTxt(NamedField(look.numberFieldName, QStringLiteral("Sym.Nr.:"), this))
+    , numberTxt(NamedField(look.numberFieldName, QStringLiteral("Sym.Nr.: ") + KindWord(look.kind), this))
     , preview(NamedPicture(look.pictureName, QStringLiteral("Vorschau"), look.pictureWidth, look.pictureHeight, this))
     , readBut(NamedButton(look.readButtonName, look.readCaption, this))
     , writeBut(NamedButton(look.writeButtonName, look.writeCaption, this))
@@ -403,11 +403,14 @@ void SymbolEditor::writeSymbol()
         return;
     if (!shown.complete && !command.mayWriteDoubtful(QStringLiteral("das Bild")))
         return;
+    const QString proposal = refused.isEmpty() ? SymbolName(look.kind, shown.number) : refused;
     const QString description =
-        TheAsk().askText(QStringLiteral("Kurzbeschreibung:"), QStringLiteral("Symbol Daten sichern"));
+        TheAsk().askText(QStringLiteral("Kurzbeschreibung:"), QStringLiteral("Symbol Daten sichern"), proposal);
     if (description.isEmpty())
         return;
-    if (const QString error = DescriptionError(description); !error.isEmpty()) {
+    const QString error = DescriptionError(description);
+    refused = error.isEmpty() ? QString() : description;
+    if (!error.isEmpty()) {
         TheAsk().showBox({error, QStringLiteral("Fehler!"), BoxIcon::Critical});
         return;
     }

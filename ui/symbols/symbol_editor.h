@@ -114,6 +114,7 @@ private:
     [[nodiscard]] Source sourceNow() const;
     Source source;
     Picture held;         // what the handheld holds of it, as far as this window knows
+    QString refused;      // a description that was not taken: the next question proposes it
     bool sure = true;     // false after a write that failed: any of it may be there
     bool complete = true; // false after a read with a time-out or a damaged answer
 };

@@ -49,7 +49,6 @@ ProgressWindow::ProgressWindow()
     setWindowTitle(Title());
     setAttribute(Qt::WA_ShowWithoutActivating);
     ausgabeLbl->setMinimumWidth(MinimumWidth);
-    ausgabeLbl->setAccessibleName(QStringLiteral("Fortschritt"));
     bar->setObjectName(QStringLiteral("FortschrittBar"));
     bar->setAccessibleName(QStringLiteral("Fortschritt"));
     bar->setFormat(QStringLiteral("%v von %m")); // the percentage stands in the title
@@ -68,6 +67,7 @@ ProgressWindow::ProgressWindow()
 void ProgressWindow::showText(const QString &text, bool closable, const QWidget &front)
 {
     ausgabeLbl->setText(text);
+    ausgabeLbl->setAccessibleName(text); // it is what is read aloud
     if (isVisible())
         return;
     setWindowFlag(Qt::WindowCloseButtonHint, closable);

@@ -1,5 +1,6 @@
 #include "ui/widgets/roomy_scroll_area.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QScrollBar>
 
@@ -14,6 +15,10 @@ RoomyScrollArea::RoomyScrollArea(QWidget *contents, QWidget *parent) : QScrollAr
     setWidget(contents);
     contents->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget * /*before*/, QWidget *now) {
+        if (now != nullptr && widget()->isAncestorOf(now))
+            ensureWidgetVisible(now);
+    });
 }
 
 QSize RoomyScrollArea::sizeHint() const

@@ -127,8 +127,7 @@ protected:
 TEST_F(CompareTest, WhatIsTickedAndShownIsWrittenAndTakenBack)
 {
     openOnHandheld();
-    EXPECT_EQ(shown(),
-        QStringList({QStringLiteral("Lok 8: überschreibt eine andere Lok"), QStringLiteral("Lok 1201: neu")}));
+    EXPECT_EQ(shown(), QStringList({QStringLiteral("Lok 8: geändert"), QStringLiteral("Lok 1201: neu")}));
     in<QCheckBox>("UnterschiedeChk")->click();
     EXPECT_EQ(rows()->rowCount(), 3);
     in<QLineEdit>("FilterTxt")->setText(QStringLiteral("neu"));
@@ -147,9 +146,7 @@ TEST_F(CompareTest, WhatIsTickedAndShownIsWrittenAndTakenBack)
     EXPECT_EQ(shown().constLast(), QStringLiteral("Lok 1201: unverändert"));
     rows()->setData(rows()->index(1, 0), Qt::Unchecked, Qt::CheckStateRole);
     const int programs = executed(0x83);
-    answerBox();
-    press("SchreibenBut");
-    EXPECT_EQ(executed(0x83), programs) << "nothing differs any more";
+    EXPECT_FALSE(in<QPushButton>("SchreibenBut")->isEnabled()) << "nothing differs any more";
     press("AlleBut");
     answer(QStringLiteral("Ja"));
     answerBox();
@@ -268,8 +265,8 @@ TEST_F(CompareTest, TwoFilesSideBySide)
     answer(other);
     press("ZweiteDateiBut");
     EXPECT_EQ(shown(),
-        QStringList({QStringLiteral("Lok 3: fehlt in der zweiten Datei"),
-            QStringLiteral("Lok 8: überschreibt eine andere Lok"), QStringLiteral("Lok 9: neu")}));
+        QStringList({QStringLiteral("Lok 3: fehlt in der zweiten Datei"), QStringLiteral("Lok 8: geändert"),
+            QStringLiteral("Lok 9: neu")}));
     answer(other);
     trigger("vergleichen_menu");
     EXPECT_EQ(rows()->rowCount(), 0) << "the window stands on the file opened last";
@@ -279,13 +276,55 @@ TEST_F(CompareTest, TwoFilesSideBySide)
     answerBox();
     press("CsvBut");
     const QString text = QString::fromUtf8(ReadWholeFile(sheet).value_or(QByteArray()));
-    EXPECT_TRUE(text.contains(u"\r\nLok 8;überschreibt eine andere Lok;LOK 8;ANDERS;")) << text.toStdString();
+    EXPECT_TRUE(text.contains(u"\r\nLok 8;geändert;LOK 8;ANDERS;")) << text.toStdString();
     // What the second file has different goes into the handheld; 1201 is the same in both and not shown.
     answer(QStringLiteral("Ja"));
     answerBox();
     press("SchreibenBut");
     EXPECT_EQ(nameIn(8), QStringLiteral("ANDERS"));
     EXPECT_EQ(flashBytes(LocoRecordAddress(1201), 1), QByteArray(1, '\xFF'));
+}
+
+TEST_F(CompareTest, AListOfLocosKeepsWhatItDoesNotSay)
+{
+    QString list = folder.filePath(QStringLiteral("Liste.json"));
+    const auto holds = [&](const QByteArray &text) { ASSERT_TRUE(ReplaceFile(list, text)); };
+    const auto open = [&] {
+        answer(list);
+        trigger("vergleichen_menu");
+        press("HandreglerBut");
+    };
+    holds(R"([{"adresse":8,"name":"ANDERS"},{"adresse":9,"name":"FREMD","symbol":11},{"adresse":1201,"symbol":3}])");
+    open();
+    EXPECT_EQ(shown(),
+        QStringList({QStringLiteral("Lok 8: geändert"), QStringLiteral("Lok 9: überschreibt eine andere Lok"),
+            QStringLiteral("Lok 1201: leer; ohne Namen wird nichts geschrieben")}));
+    const QByteArray wanted = bytesOf(named(8, u"ANDERS"));
+    answer(QStringLiteral("Ja"));
+    answerBox();
+    press("SchreibenBut");
+    EXPECT_TRUE(user.boxes.constLast().contains(u"wurde zurückgelesen und stimmt")) << "what was proved is said";
+    EXPECT_EQ(flashBytes(LocoRecordAddress(8), LocoRecordSize), wanted) << "functions and symbol stay";
+    EXPECT_EQ(nameIn(9), QStringLiteral("FREMD"));
+    // Beside a backup too what is not said is equal, in both directions.
+    answer(file);
+    press("ZweiteDateiBut");
+    EXPECT_EQ(shown(),
+        QStringList({QStringLiteral("Lok 3: neu"), QStringLiteral("Lok 9: fehlt in der zweiten Datei"),
+            QStringLiteral("Lok 1201: geändert")}));
+    answer(file);
+    trigger("vergleichen_menu");
+    answer(list);
+    press("ZweiteDateiBut");
+    EXPECT_TRUE(shown().contains(QStringLiteral("Lok 1201: geändert"))) << shown().join(u'|').toStdString();
+    // A list with a fault is not used at all.
+    list = folder.filePath(QStringLiteral("Liste.csv"));
+    holds("Adresse;Name\n8;A\n99999;B\n");
+    answer(list);
+    answerBox();
+    trigger("vergleichen_menu");
+    EXPECT_TRUE(user.boxes.constLast().contains(u"kann so nicht gebraucht werden")) << "named";
+    EXPECT_TRUE(shown().contains(QStringLiteral("Lok 1201: geändert"))) << "the window is as it was";
 }
 
 TEST_F(CompareTest, ABackupThatIsBrokenOffKeepsItsPartAndGoesOn)

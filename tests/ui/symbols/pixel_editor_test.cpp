@@ -230,9 +230,27 @@ TEST_F(PixelEditing, PngFilesOfAnyDepthAndSizeAreLoaded)
     const QString question =
         QStringLiteral("Das Bild hat 28 × 14 statt 14 × 14 Bildpunkte. Soll es eingepasst werden?");
     edit("EditFktSymBut", [&] {
-        expectFile(fitting);
-        press("LoadBMPBut");
-        EXPECT_EQ(topRow(), u"#.#...........");
+        // A photo: Escape leaves the picture, brighter takes the grey pixel away, Enter takes what is seen.
+        struct Row {
+            int steps;
+            Qt::Key end;
+            QString top;
+        };
+        for (const auto &[steps, end, top] :
+            {Row{0, Qt::Key_Escape, QString(14, u'.')}, Row{1, Qt::Key_Return, QStringLiteral("..#...........")},
+                Row{0, Qt::Key_Return, QStringLiteral("#.#...........")}}) {
+            expectFile(fitting);
+            events.after(300'000, [count = steps, key = end] {
+                auto *dialog = QApplication::activeModalWidget();
+                ASSERT_TRUE(dialog != nullptr && dialog->objectName() == u"HelligkeitWin");
+                for (int i = 0; i <= count; ++i) {
+                    QKeyEvent event(QEvent::KeyPress, i < count ? Qt::Key_Right : key, Qt::NoModifier);
+                    QApplication::sendEvent(dialog->focusWidget(), &event);
+                }
+            });
+            press("LoadBMPBut");
+            EXPECT_EQ(topRow(), top);
+        }
         EXPECT_EQ(edited().bytes.at(2 + 26), 0xA0) << "loading changes the picture at once";
         for (const char *answer : {"Nein", "Ja"}) {
             expectFile(tooWide);

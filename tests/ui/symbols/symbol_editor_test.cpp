@@ -85,6 +85,9 @@ TEST_F(SymbolEditors, RefusedDescriptionsLeaveDiskAndFlashAlone)
     const int programs = flash().state.executed.at(0x83);
     user.expect(prompt, descriptionTitle, QString());
     click("SchreibeMagSymBut");
+    EnterSymbolFile(SymbolKind::Accessory, 60, CatalogueHalf(SymbolKind::Accessory, HalfOn),
+        QStringLiteral("60 Signal %GRN%.bmp"));
+    QString proposed = QStringLiteral("Signal");
     for (const char *wrong : {"a/b", "a\\b", "x:y", "*", "?", "\"", "<", ">", "|", "tab\there", "A %rot%"}) {
         user.expect(prompt, descriptionTitle, QString::fromUtf8(wrong));
         const QString reason = QString::fromUtf8(wrong).contains(u'%')
@@ -92,6 +95,8 @@ TEST_F(SymbolEditors, RefusedDescriptionsLeaveDiskAndFlashAlone)
             : QStringLiteral("Die Kurzbeschreibung darf keines dieser Zeichen enthalten: / \\ : * ? \" < > |");
         user.expect(reason, QStringLiteral("Fehler!"));
         click("SchreibeMagSymBut");
+        EXPECT_EQ(user.textProposal, proposed) << "what was typed is not lost";
+        proposed = QString::fromUtf8(wrong);
     }
     EXPECT_TRUE(filesOf("MagSymbole", 60).isEmpty());
     EXPECT_EQ(flash().state.executed.at(0x83), programs);
