@@ -66,7 +66,6 @@ int main(int argc, char *argv[])
     if (german.load(QStringLiteral(":/translations/qtbase_de.qm")))
         QCoreApplication::installTranslator(&german);
     UseDataFolder(QCoreApplication::applicationDirPath());
-    BuildZeichensatz();
 
     QCommandLineParser parser;
     Exit exit = Exit::Done;

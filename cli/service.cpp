@@ -60,7 +60,7 @@ Exit Service::open(const Call &call, Wanted wanted)
         Tell(missing);
         return Exit::NoHandheld;
     }
-    UseSettings(settings);
+    TheLink().use(settings);
     if (SetUpLink().ok())
         return Exit::Done;
     return BoxesAreSilent() ? Exit::Stopped : Exit::NoHandheld;

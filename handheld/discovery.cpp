@@ -48,7 +48,7 @@ BoxText SecondHandheldBox()
 /// Later than in a search: the one that answers cannot be told from the other any more. The next command searches anew.
 void LoseBoth()
 {
-    EndService();
+    TheLink().endService();
     calledWithoutAnswer = true; // the end of the program sends both back
     if (!BoxesAreSilent())
         TheAsk().postBox(SecondHandheldBox());
@@ -100,7 +100,7 @@ QString KindOfType(const QString &type)
 
 void ReportNoHandheld()
 {
-    if (LinkLost || BoxesAreSilent())
+    if (TheLink().LinkLost || BoxesAreSilent())
         return;
     TheAsk().showBox({QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"),
         BoxIcon::Critical});
@@ -186,7 +186,7 @@ namespace
 /// Both answer, and nobody can tell them apart: they are sent back, which one message does.
 Result<HandheldInfo> GiveBothUp()
 {
-    HandreglerGefunden = true; // so that they are sent back
+    TheLink().HandreglerGefunden = true; // so that they are sent back
     static_cast<void>(SendHandheldBack());
     if (!BoxesAreSilent())
         TheAsk().showBox(SecondHandheldBox());
@@ -205,7 +205,7 @@ Result<HandheldInfo> FindHandheld()
         ReportNoHandheld();
         return {{}, called};
     }
-    HandreglerGefunden = true;
+    TheLink().HandreglerGefunden = true;
     ForgetKnownLocos(); // it may be another one
     HandheldInfo info = ReadHandheldInfo().value;
     if (!OnlyOneAnswers(SecondAnswerSeconds))
@@ -219,11 +219,11 @@ Result<HandheldInfo> FindHandheld()
 
 Outcome SendHandheldBack()
 {
-    if (!HandreglerGefunden && !calledWithoutAnswer)
+    if (!TheLink().HandreglerGefunden && !calledWithoutAnswer)
         return {};
     const MustFinish exchange; // behind a closed port, or without the program, it would stay in service
     calledWithoutAnswer = false;
-    EndService(); // at once: nobody sends it back a second time
+    TheLink().endService(); // at once: nobody sends it back a second time
     ExpectOneHandheld();
     Outcome outcome = SetNormalMode(false);
     if (outcome.how() == End::NotSent) // an older message held the slot; it is given up by now
@@ -241,7 +241,7 @@ Outcome SendHandheldBackNoWait()
         return laid;
     if (!LeavesInTime())
         return Outcome(End::NotSent); // still in service: the end of the program tries again
-    EndService();
+    TheLink().endService();
     WaitSeconds(LastTrafficSeconds);
     return laid;
 }

@@ -7,15 +7,8 @@
 namespace hr::handheld
 {
 
-std::array<QChar, 256> Zeichensatz;
-
 namespace
 {
-
-QString DefinedCharacters()
-{
-    return QStringLiteral("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÜ +-.:/=_?<>^|]");
-}
 
 QString ForeignCharacters()
 {
@@ -43,15 +36,6 @@ QString AdaptCharacter(QChar c)
 }
 
 } // namespace
-
-void BuildZeichensatz()
-{
-    const QString defined = DefinedCharacters();
-    Q_ASSERT(defined.size() == ZeichensatzLast + 1);
-    Zeichensatz.fill(FillerCharacter);
-    for (int code = 0; code <= ZeichensatzLast; ++code)
-        Zeichensatz.at(static_cast<size_t>(code)) = defined.at(code);
-}
 
 quint8 CharCode(const QString &character)
 {

@@ -8,8 +8,10 @@
 
 #include <QString>
 
+#include <algorithm>
 #include <array>
 #include <span>
+#include <string_view>
 
 namespace hr::handheld
 {
@@ -18,10 +20,15 @@ constexpr int ZeichensatzLast = 52; // highest defined code
 constexpr quint8 BlankCode = 39;
 constexpr QChar FillerCharacter(u'\u00FF'); // shown for every undefined code
 
-/// Character of each code 0..255. Built once by BuildZeichensatz() at start-up, then only read.
-extern std::array<QChar, 256> Zeichensatz;
-
-void BuildZeichensatz();
+/// Character of each code 0..255.
+inline constexpr std::array<QChar, 256> Zeichensatz = [] {
+    std::array<QChar, 256> characters{};
+    characters.fill(FillerCharacter);
+    constexpr std::u16string_view defined = u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ\u00C4\u00D6\u00DC +-.:/=_?<>^|]";
+    static_assert(defined.size() == ZeichensatzLast + 1);
+    std::copy(defined.begin(), defined.end(), characters.begin());
+    return characters;
+}();
 
 /// Code of a one-character text. Exact comparison (lower-case letters are not in the set); a character outside
 /// the set, and an empty text, give the blank's code.

@@ -5,37 +5,23 @@
 namespace hr::link
 {
 
-PortValue PortNumber;
-int InterfaceType = InterfaceNone;
-bool HandreglerGefunden = false;
-bool LinkLost = false;
-
-namespace
+void LinkState::use(const LinkSettings &settings)
 {
-std::function<void()> serviceEnds;
+    PortNumber = settings.port;
+    InterfaceType = settings.interfaceType;
 }
 
-void EndService()
+void LinkState::endService()
 {
     const bool was = std::exchange(HandreglerGefunden, false);
     if (was && serviceEnds)
         serviceEnds();
 }
 
-void OnServiceEnds(std::function<void()> handler)
+LinkState &TheLink()
 {
-    serviceEnds = std::move(handler);
-}
-
-void UseSettings(const LinkSettings &settings)
-{
-    PortNumber = settings.port;
-    InterfaceType = settings.interfaceType;
-}
-
-LinkSettings SettingsInUse()
-{
-    return {PortNumber, InterfaceType};
+    static LinkState link;
+    return link;
 }
 
 } // namespace hr::link

@@ -93,7 +93,7 @@ void MessageLayer::transmitUnderCts(int id)
 void MessageLayer::transmit()
 {
     layChecksum();
-    if (InterfaceType == InterfaceOrvanto1) {
+    if (TheLink().InterfaceType == InterfaceOrvanto1) {
         ctsPosition = 0;
         ctsStart = NowSeconds();
         transmitUnderCts(++transmission);

@@ -23,8 +23,6 @@ constexpr int PromptPollMs = 20; // the receive event belongs to the message lay
 constexpr int SetupInputLength = 100;
 constexpr int BufferSize = 1024;
 
-int lossTellers = 0; // TellsPortLoss objects alive
-
 /// Keeps the message layer's hands off the received bytes while prompts are expected.
 class TextMode
 {
@@ -102,7 +100,7 @@ Outcome ReopenForMessages()
 Outcome OpenForBreak()
 {
     if (!Comm().isOpen())
-        Comm().setPortName(PortNumber.text);
+        Comm().setPortName(TheLink().PortNumber.text);
     Outcome opened = OpenWithSettings(QStringLiteral("2400,n,8,2"));
     if (!opened.ok())
         return opened;
@@ -129,7 +127,7 @@ Outcome RunOrvanto1Sequence()
 
 Outcome SetupDirectInterface()
 {
-    Comm().setPortName(PortNumber.text);
+    Comm().setPortName(TheLink().PortNumber.text);
     Comm().setSettings(QStringLiteral("115200,n,8,1"));
     Comm().setReceiveThreshold(1);
     Comm().setDtr(false);
@@ -148,7 +146,7 @@ Outcome SetupOrvanto1Interface()
         return outcome;
     Comm().close();
     const bool notOpened = outcome.how() == End::NotOpened;
-    if (!LinkLost && !BoxesAreSilent() && !notOpened)
+    if (!TheLink().LinkLost && !BoxesAreSilent() && !notOpened)
         TheAsk().showBox({QStringLiteral("Zeichenübertragung nicht möglich!"), QStringLiteral("Orvanto 1:")});
     return outcome.brokenOff() || notOpened ? outcome : Outcome(End::NoAnswer);
 }
@@ -177,11 +175,12 @@ Outcome SendRawText(const QString &text)
 
 Outcome SetUpLink()
 {
-    LinkLost = false;
+    TheLink().LinkLost = false;
     BeginConnection();
-    if (InterfaceType != InterfaceDirect && InterfaceType != InterfaceOrvanto1)
+    if (TheLink().InterfaceType != InterfaceDirect && TheLink().InterfaceType != InterfaceOrvanto1)
         return {}; // kind 2 and no kind at all: nothing to set up
-    Outcome outcome = InterfaceType == InterfaceOrvanto1 ? SetupOrvanto1Interface() : SetupDirectInterface();
+    Outcome outcome =
+        TheLink().InterfaceType == InterfaceOrvanto1 ? SetupOrvanto1Interface() : SetupDirectInterface();
     if (outcome.how() == End::NotOpened && !BoxesAreSilent()) {
         TheAsk().showBox(
             {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
@@ -193,47 +192,43 @@ Outcome OpenLink()
 {
     Outcome outcome = SetUpLink();
     if (outcome.ok())
-        WriteSettings(SettingsInUse());
+        WriteSettings(TheLink().settings());
     return outcome;
 }
 
 void ClosePort()
 {
     Comm().close();
-    EndService();
+    TheLink().endService();
     TheMessages().dropAll();
 }
 
 void HandlePortLoss()
 {
-    LinkLost = true;
+    TheLink().LinkLost = true;
     ClosePort();
-    if (BoxesAreSilent() || lossTellers > 0)
+    if (BoxesAreSilent() || TheLink().lossTellers > 0)
         return;
     TheAsk().postBox(
         {QStringLiteral("Die Verbindung zum Anschluss \"%1\" ist abgebrochen!\r"
                         "Bitte Stecker und Interface überprüfen. Der nächste Befehl sucht den Handregler neu.")
-                .arg(PortNumber.text.trimmed()),
+                .arg(TheLink().PortNumber.text.trimmed()),
             QStringLiteral("Fehler"), BoxIcon::Critical});
 }
 
 TellsPortLoss::TellsPortLoss()
 {
-    ++lossTellers;
+    ++TheLink().lossTellers;
 }
 
 TellsPortLoss::~TellsPortLoss()
 {
-    --lossTellers;
+    --TheLink().lossTellers;
 }
 
 void ResetOpenLink()
 {
-    UseSettings({});
-    OnServiceEnds(nullptr);
-    EndService();
-    LinkLost = false;
-    lossTellers = 0;
+    TheLink() = {};
 }
 
 } // namespace hr::link

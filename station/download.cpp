@@ -321,7 +321,7 @@ int RunDownload(Download &download)
 
 void ReportFailure(int status)
 {
-    if (LinkLost || BoxesAreSilent())
+    if (TheLink().LinkLost || BoxesAreSilent())
         return; // the loss has been told
     QString text = QStringLiteral("Fehler beim Lesen der Datenbank:") + NumberText(status);
     if (status < BaseLeaving)

@@ -173,7 +173,7 @@ void MainWindow::setLokDataMenuVisible(bool visible)
 
 void MainWindow::updateLokDataMenu()
 {
-    setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+    setLokDataMenuVisible(TheLink().InterfaceType == InterfaceDirect);
     status->showConnection();
 }
 

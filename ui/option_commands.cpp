@@ -33,7 +33,7 @@ QString PublisherLine()
 void ReturnToOperatingMode()
 {
     const Command command;
-    if (!command.ok() || !HandreglerGefunden)
+    if (!command.ok() || !TheLink().HandreglerGefunden)
         return;
     if (SendHandheldBackNoWait().ok()) {
         NoteDeed(QStringLiteral("Handregler in den Bedienmodus zurückgeschickt"));

@@ -23,7 +23,7 @@ constexpr QColor DemoColour(255, 224, 130);
 /// A word or two; the whole caption is the tool tip.
 QString InterfaceName()
 {
-    switch (InterfaceType) {
+    switch (TheLink().InterfaceType) {
     case InterfaceOrvanto1:
         return QStringLiteral("Orvanto 1");
     case Interface48230:
@@ -50,10 +50,10 @@ QString StateName()
 
 QString ConnectionText()
 {
-    const QString device = PortPath(PortNumber.text);
+    const QString device = PortPath(TheLink().PortNumber.text);
     if (device.isEmpty())
         return QStringLiteral("kein Anschluss gewählt: ") + StateName();
-    if (!IsDemoPort(PortNumber.text))
+    if (!IsDemoPort(TheLink().PortNumber.text))
         return QStringLiteral("%1, %2: %3").arg(device, InterfaceName(), StateName());
     const QString demo = QStringLiteral("Demo: nachgebildeter Handregler, nichts wird gesendet");
     return PresentService() == Service::Connected ? demo : demo + QStringLiteral(" (%1)").arg(StateName());
@@ -61,7 +61,7 @@ QString ConnectionText()
 
 QString InterfaceWords()
 {
-    return InterfaceType == InterfaceDirect ? TheBranding().directInterfaceCaption : QString();
+    return TheLink().InterfaceType == InterfaceDirect ? TheBranding().directInterfaceCaption : QString();
 }
 
 } // namespace
@@ -94,7 +94,7 @@ void StatusLine::showConnection()
 {
     connectionLbl->setText(ConnectionText());
     connectionLbl->setToolTip(InterfaceWords());
-    const bool demo = IsDemoPort(PortNumber.text);
+    const bool demo = IsDemoPort(TheLink().PortNumber.text);
     QPalette colours = palette();
     if (demo) {
         colours.setColor(QPalette::Window, DemoColour);

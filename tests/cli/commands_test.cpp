@@ -79,7 +79,7 @@ protected:
         }
         out = QByteArray::fromStdString(testing::internal::GetCapturedStdout());
         messages = QString::fromStdString(testing::internal::GetCapturedStderr());
-        EXPECT_FALSE(HandreglerGefunden);
+        EXPECT_FALSE(TheLink().HandreglerGefunden);
         return exit;
     }
 

@@ -15,7 +15,7 @@ protected:
     void SetUp() override
     {
         connectDirectly();
-        HandreglerGefunden = false;
+        TheLink().HandreglerGefunden = false;
     }
 
     void layText(int number, const QByteArray &codes)
@@ -27,7 +27,7 @@ protected:
 TEST_F(Discovery, FindsIdentifiesAndSendsBackOnce)
 {
     const HandheldInfo info = FindHandheld().value;
-    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_TRUE(TheLink().HandreglerGefunden);
     EXPECT_EQ(info.version, QStringLiteral("1.2"));
     EXPECT_EQ(info.date, QStringLiteral("14.3.8"));
     EXPECT_EQ(info.type, QStringLiteral("51201"));
@@ -71,7 +71,7 @@ TEST_F(Discovery, NoHandheldIsReportedAndMayComeLater)
     handheld().settings.present = false;
     user.expect(QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"));
     EXPECT_EQ(FindHandheld().outcome.how(), End::NoAnswer);
-    EXPECT_FALSE(HandreglerGefunden);
+    EXPECT_FALSE(TheLink().HandreglerGefunden);
     handheld().settings.present = true;
     EXPECT_TRUE(FindHandheld().ok());
 }
@@ -82,7 +82,7 @@ TEST_F(Discovery, AHandheldThatDoesNotIdentifyItselfIsStillUsable)
     user.expect(QStringLiteral("Timeout"), QStringLiteral("read_spibuf"));
     const Result<HandheldInfo> found = FindHandheld();
     EXPECT_TRUE(found.ok());
-    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_TRUE(TheLink().HandreglerGefunden);
     EXPECT_TRUE(found.value.version.isEmpty());
 }
 
@@ -91,7 +91,7 @@ TEST_F(Discovery, ADamagedIdentificationIsNobodys)
     user.acceptAnyBox();
     for (const Cadence cadence : {Cadence::Ticks, Cadence::Events}) {
         ResetCore();
-        UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+        TheLink().use({{QStringLiteral("3"), true}, InterfaceDirect});
         ChooseCadence(cadence);
         for (const int damaged : {1, 9}) {
             sim::Faults faults;
@@ -116,7 +116,7 @@ TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
     };
     for (int delayMs = 0; delayMs < 400; delayMs += 17) {
         ResetCore();
-        UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+        TheLink().use({{QStringLiteral("3"), true}, InterfaceDirect});
         handheld().state.normalModes = 0;
         handheld().settings.answerDelayUs = delayMs > 200 ? 3'000'000 : 2'000; // also without any acknowledge
         events.after(delayMs * 1000, RequestEnd);
@@ -129,7 +129,7 @@ TEST_F(Discovery, TheEndSendsACalledHandheldBackExactlyOnce)
         for (Outcome (*sendBack)() : {SendHandheldBack, SendHandheldBackNoWait}) {
             ResetCore();
             handheld().state.normalModes = 0;
-            HandreglerGefunden = true;
+            TheLink().HandreglerGefunden = true;
             if (delayMs % 2 == 0) { // an occupied slot
                 ASSERT_TRUE(TheMessages().lay({0xBF, 1, 2}, 2).ok());
             }

@@ -112,9 +112,9 @@ protected:
     /// The interface with the text prompt passes messages through, as after its set-up.
     void plugInto(int type)
     {
-        if (InterfaceType == type)
+        if (TheLink().InterfaceType == type)
             return;
-        InterfaceType = static_cast<qint16>(type);
+        TheLink().InterfaceType = static_cast<qint16>(type);
         layout().adapter.setKind(
             type == InterfaceOrvanto1 ? sim::InterfaceKind::TextPrompt : sim::InterfaceKind::Direct);
         layout().adapter.setLineUnknown();
@@ -131,7 +131,7 @@ protected:
         if (!port.isOpen()) {
             ASSERT_TRUE(port.open());
         }
-        HandreglerGefunden = true;
+        TheLink().HandreglerGefunden = true;
         BeginConnection();
         events.run(6);
         TheMessages().forgetSecondHandheld();

@@ -7,13 +7,7 @@
 namespace hr::tests
 {
 
-class TextEncoding : public ::testing::Test
-{
-protected:
-    void SetUp() override { BuildZeichensatz(); }
-};
-
-TEST_F(TextEncoding, NamesGoToTheHandheldAndBack)
+TEST(TextEncoding, NamesGoToTheHandheldAndBack)
 {
     struct Row {
         const char *text;
@@ -30,7 +24,7 @@ TEST_F(TextEncoding, NamesGoToTheHandheldAndBack)
     }
 }
 
-TEST_F(TextEncoding, CodesFollowTheHandheldsTable)
+TEST(TextEncoding, CodesFollowTheHandheldsTable)
 {
     const std::pair<const char *, int> rows[] = {{"0", 0}, {"9", 9}, {"A", 10}, {"Z", 35}, {"Ä", 36}, {"Ü", 38},
         {" ", 39}, {"+", 40}, {".", 42}, {"=", 45}, {"?", 47}, {"]", 52}, {"a", 39}, {"", 39}};
@@ -40,7 +34,7 @@ TEST_F(TextEncoding, CodesFollowTheHandheldsTable)
     EXPECT_EQ(DecodeName(undefined, 0, 3), QString(3, QChar(0xFF)));
 }
 
-TEST_F(TextEncoding, ForeignNamesAreAdapted)
+TEST(TextEncoding, ForeignNamesAreAdapted)
 {
     const std::pair<const char *, const char *> rows[] = {
         {"Straße", "STRASSE"}, {"Re 4/4 (alt)", "RE 4/4  ALT "}, {"*!#,", "..+."}, {"100% é", "100   "}, {"", ""}};

@@ -140,7 +140,7 @@ TEST_F(Transfer, HangUpEndsEachCommandAtOnceWithOneMessage)
         EXPECT_LT(SecondsSince(start), 0.5);
         events.run(3);
         EXPECT_EQ(user.boxes.size(), 1) << command.title;
-        EXPECT_FALSE(HandreglerGefunden);
+        EXPECT_FALSE(TheLink().HandreglerGefunden);
         port.replug();
         handheld().settings.present = true;
         ASSERT_TRUE(port.open());

@@ -77,7 +77,7 @@ TEST_F(FastCadence, ASecondFailureEndsItForTheConnectionAndIsToldOnce)
     EXPECT_EQ(CurrentCadence(), Cadence::Ticks);
     EXPECT_EQ(ChosenCadence(), Cadence::Events);
     ClosePort();
-    UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("3"), true}, InterfaceDirect});
     ASSERT_TRUE(OpenLink().ok());
     EXPECT_EQ(CurrentCadence(), Cadence::Events) << "a new connection, a new try";
 }

@@ -153,7 +153,7 @@ TEST_F(Messages, AnAnswerThatComesLateIsNeverTheNextOnes)
 
 TEST_F(Messages, AnOccupiedSlotIsAwaitedForThreeSeconds)
 {
-    InterfaceType = InterfaceOrvanto1; // CTS keeps the message in the slot
+    TheLink().InterfaceType = InterfaceOrvanto1; // CTS keeps the message in the slot
     layout().holdCts(60'000'000);
     user.acceptAnyBox();
     lay({0xBC, 1, 2});
@@ -355,7 +355,7 @@ TEST_F(Messages, WhatNobodyWaitsForIsASecondHandhelds)
 
 TEST_F(Messages, CtsHoldsUpAMessageForThreeSecondsAtMost)
 {
-    InterfaceType = InterfaceOrvanto1;
+    TheLink().InterfaceType = InterfaceOrvanto1;
     layout().holdCts(2'500'000);
     lay({0xBC, 1, 2});
     events.run(2.4);

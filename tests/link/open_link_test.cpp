@@ -23,7 +23,7 @@ protected:
 
 TEST_F(OpenLinks, DirectInterfaceIsSetUpInOrder)
 {
-    UseSettings({{QStringLiteral("3"), false}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("3"), false}, InterfaceDirect});
     EXPECT_TRUE(OpenLink().ok());
     EXPECT_TRUE(port.isOpen());
     EXPECT_EQ(port.calls().constFirst(), QStringLiteral("name 3"));
@@ -34,7 +34,7 @@ TEST_F(OpenLinks, DirectInterfaceIsSetUpInOrder)
 
 TEST_F(OpenLinks, KindTwoOnlyRecordsTheChoice)
 {
-    UseSettings({{QStringLiteral("5"), false}, Interface48230});
+    TheLink().use({{QStringLiteral("5"), false}, Interface48230});
     EXPECT_TRUE(OpenLink().ok());
     EXPECT_TRUE(port.calls().isEmpty());
     EXPECT_EQ(infContent(), QByteArray("\"5\"\r\n2\r\n"));
@@ -42,7 +42,7 @@ TEST_F(OpenLinks, KindTwoOnlyRecordsTheChoice)
 
 TEST_F(OpenLinks, AFailedOpenIsToldAndWritesNothing)
 {
-    UseSettings({{QStringLiteral("9"), false}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("9"), false}, InterfaceDirect});
     port.refuseOpens(1);
     user.expect(QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"));
     EXPECT_EQ(OpenLink().how(), End::NotOpened);
@@ -55,7 +55,7 @@ protected:
     Orvanto1()
     {
         layout().adapter.setKind(sim::InterfaceKind::TextPrompt);
-        UseSettings({{QStringLiteral("1"), true}, InterfaceOrvanto1});
+        TheLink().use({{QStringLiteral("1"), true}, InterfaceOrvanto1});
     }
 
     void expectFailure()

@@ -10,7 +10,6 @@ namespace hr::tests
 
 TEST(LocoLists, ACellSaysAllOfItsFieldAndAMissingColumnNothing)
 {
-    BuildZeichensatz();
     LocoRecord present{FitLocoName(QStringLiteral("DA")), {}, {}, 1, 7};
     present.modes.at(1) = present.modes.at(2) = 1;
     struct Row {

@@ -166,7 +166,6 @@ void ResetCore()
     ResetOpenLink();
     ResetDiscovery();
     ResetSelection();
-    BuildZeichensatz();
 }
 
 VirtualWorld::VirtualWorld()
@@ -202,9 +201,9 @@ void VirtualWorld::driveLink()
 void VirtualWorld::connectDirectly()
 {
     driveLink();
-    UseSettings({{QStringLiteral("3"), true}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("3"), true}, InterfaceDirect});
     ASSERT_TRUE(SetupDirectInterface().ok());
-    HandreglerGefunden = true;
+    TheLink().HandreglerGefunden = true;
 }
 
 void VirtualWorld::strike(sim::Fault sim::Faults::*fault, int nth)

@@ -138,9 +138,9 @@ TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)
     ok->click();
     EXPECT_EQ(handheld().state.normalModes, before + 1);
     EXPECT_FALSE(port.isOpen());
-    EXPECT_FALSE(HandreglerGefunden);
-    EXPECT_EQ(PortNumber.text, QStringLiteral(" ttyUSB7 "));
-    EXPECT_EQ(InterfaceType, InterfaceOrvanto1);
+    EXPECT_FALSE(TheLink().HandreglerGefunden);
+    EXPECT_EQ(TheLink().PortNumber.text, QStringLiteral(" ttyUSB7 "));
+    EXPECT_EQ(TheLink().InterfaceType, InterfaceOrvanto1);
     EXPECT_FALSE(action("LokDataMenu")->isVisible());
     trigger("ZentraleMenu");
     form->close(); // Cancel: nobody waits, so the program goes on
@@ -149,9 +149,9 @@ TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)
 
 TEST_F(RealFrontend, APortThatFailsSaysWhyAndTheUserGoesOnWithoutIt)
 {
-    HandreglerGefunden = false;
+    TheLink().HandreglerGefunden = false;
     ClosePort();
-    const QString full = PortPath(PortNumber.text);
+    const QString full = PortPath(TheLink().PortNumber.text);
     for (const bool there : {true, false}) {
         if (there)
             port.refuseOpens(1);
@@ -209,7 +209,7 @@ TEST_F(RealFrontend, CancelWhileOkWorksTakesNothingOver)
     const int before = handheld().state.normalModes;
     in(form, "OKButton")->click();
     EXPECT_EQ(handheld().state.normalModes, before + 1);
-    EXPECT_EQ(PortNumber.text, QStringLiteral("3"));
+    EXPECT_EQ(TheLink().PortNumber.text, QStringLiteral("3"));
     EXPECT_TRUE(port.isOpen());
     EXPECT_FALSE(form->isVisible());
     EXPECT_TRUE(in(form, "OKButton")->isEnabled());

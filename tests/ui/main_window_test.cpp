@@ -132,13 +132,13 @@ TEST_F(MainWindowTest, DeleteWorksWithoutHandheldInMemoryOnly)
 {
     field("AdrTxt")->setText(QStringLiteral("3"));
     click("LeseLokDatensatzBut");
-    HandreglerGefunden = false;
+    TheLink().HandreglerGefunden = false;
     const size_t messages = layout().bus.log.size();
     click("ResetLokdatenBut");
     EXPECT_EQ(layout().bus.log.size(), messages);
     EXPECT_EQ(LokName(), QString(22, QChar(0xFF)));
     EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("-leer-"));
-    HandreglerGefunden = true;
+    TheLink().HandreglerGefunden = true;
     click("ResetLokdatenBut");
     EXPECT_EQ(flashBytes(192, 21), QByteArray(21, '\xFF'));
 }
@@ -329,7 +329,7 @@ TEST_F(MainWindowTest, TheStatusLineTellsWhereOneStands)
     port.hangUp();
     events.run(0.1);
     EXPECT_EQ(connection(), QStringLiteral("Orvanto 2: kein Handregler"));
-    UseSettings({{QStringLiteral("Demo"), false}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("Demo"), false}, InterfaceDirect});
     TellConnectionChange();
     EXPECT_EQ(label("VerbindungLbl")->text(),
         QStringLiteral("Demo: nachgebildeter Handregler, nichts wird gesendet (kein Handregler)"));
@@ -403,7 +403,7 @@ TEST_F(MainWindowTest, ASecondCommandIsIgnoredWhileOneRuns)
     EXPECT_EQ(handheld().state.readBacks, 4);
     EXPECT_EQ(flash().state.executed.at(0x83), programs);
     EXPECT_EQ(user.raised, 10);
-    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_TRUE(TheLink().HandreglerGefunden);
 }
 
 TEST_F(MainWindowTest, ClosingInMidTransferFinishesThePageAndEndsOnce)
@@ -456,14 +456,14 @@ TEST_F(MainWindowTest, OptionsAskFirst)
     trigger("Opt_VeskaNormalModus");
     trigger("Opt_VeskaNormalModus"); // not connected any more: nothing
     EXPECT_EQ(handheld().state.normalModes, before + 1);
-    EXPECT_FALSE(HandreglerGefunden);
+    EXPECT_FALSE(TheLink().HandreglerGefunden);
 }
 
 TEST_F(MainWindowTest, AWriteTakesTheRecordAtTheClick)
 {
     read("3");
     const QByteArray before = flashBytes(4 * 64, 64);
-    HandreglerGefunden = false; // the write begins with a search
+    TheLink().HandreglerGefunden = false; // the write begins with a search
     field("LoknameTxt")->setText(QStringLiteral("ALT"));
     events.after(200'000, [this] {
         field("LoknameTxt")->setText(QStringLiteral("NEU"));
@@ -553,7 +553,7 @@ TEST_F(MainWindowTest, OptionsLookAtTheGuardAgainAfterTheirQuestion)
     };
     user.expect(QString(), QString(), QStringLiteral("Ja"));
     trigger("Opt_abschalt");
-    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_TRUE(TheLink().HandreglerGefunden);
     EXPECT_EQ(flashBytes(0x3F0005, 1), QByteArray(1, 0));
 }
 

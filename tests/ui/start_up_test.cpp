@@ -21,7 +21,7 @@ protected:
     void choose(const QString &portText, int kind)
     {
         const LinkSettings chosen{{portText, false}, kind};
-        UseSettings(chosen);
+        TheLink().use(chosen);
         WriteSettings(chosen);
         SelectionAnswer = 1;
     }
@@ -50,7 +50,7 @@ TEST_F(StartUp, SearchesAgainAfterEachConfirmedSelection)
         choose(QStringLiteral("Demo"), InterfaceDirect);
     };
     Main();
-    EXPECT_TRUE(HandreglerGefunden);
+    EXPECT_TRUE(TheLink().HandreglerGefunden);
     EXPECT_EQ(user.selections, 1);
     EXPECT_TRUE(user.mainEnabled);
     EXPECT_TRUE(user.lokDataVisible);
@@ -65,7 +65,7 @@ TEST_F(StartUp, TheUserGoesOnWithoutAHandheldAndTheNextCommandLooksAgain)
     Main();
     EXPECT_EQ(CurrentRunState(), RunState::Running);
     EXPECT_TRUE(user.mainEnabled);
-    UseSettings({{QStringLiteral("3"), false}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("3"), false}, InterfaceDirect});
     port.refuseOpens(1);
     user.expect(notOpened, fault);
     EXPECT_FALSE(HandheldConnected());
@@ -91,7 +91,7 @@ TEST_F(StartUp, CancelEndsTheProgramAndWritesNothing)
 
 TEST_F(StartUp, AFailedOpenAsksUntilItWorksOrTheUserGivesUp)
 {
-    UseSettings({{QStringLiteral("9"), false}, InterfaceDirect});
+    TheLink().use({{QStringLiteral("9"), false}, InterfaceDirect});
     port.refuseOpens(2);
     for (int i = 0; i < 2; ++i)
         user.expect(notOpened, fault);
@@ -111,11 +111,11 @@ TEST_F(StartUp, AFailedOpenAsksUntilItWorksOrTheUserGivesUp)
 
 TEST_F(StartUp, KindsThatOpenNoPortAreToldAndTheTitleIsUnknown)
 {
-    InterfaceType = Interface48230;
+    TheLink().InterfaceType = Interface48230;
     user.expect(notOpened, fault);
     EXPECT_FALSE(HandheldConnected());
     EXPECT_EQ(user.title, TheBranding().windowTitle + QStringLiteral(" : Vers: unbekannt"));
-    InterfaceType = InterfaceNone;
+    TheLink().InterfaceType = InterfaceNone;
     EXPECT_FALSE(HandheldConnected()); // without a box
 }
 

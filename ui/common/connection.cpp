@@ -18,7 +18,7 @@ std::function<void()> changed;
 
 Service PresentService()
 {
-    if (HandreglerGefunden)
+    if (TheLink().HandreglerGefunden)
         return Service::Connected;
     return sentBack && Comm().isOpen() ? Service::OperatingMode : Service::NoHandheld;
 }
@@ -75,7 +75,7 @@ bool PortReady()
         return true;
     if (!OpenPort().ok())
         return false;
-    if (!Comm().isOpen() && InterfaceType != InterfaceNone) {
+    if (!Comm().isOpen() && TheLink().InterfaceType != InterfaceNone) {
         TheAsk().showBox(
             {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
     }
@@ -98,7 +98,7 @@ void ConnectHandheld()
 
 void FollowService()
 {
-    OnServiceEnds([] {
+    TheLink().onServiceEnds([] {
         sentBack = Comm().isOpen();
         ShowHandheld({});
         TheDesktop().setMainWindowTitle(TitleWithHandheld());
@@ -108,9 +108,9 @@ void FollowService()
 
 bool HandheldConnected()
 {
-    if (!HandreglerGefunden)
+    if (!TheLink().HandreglerGefunden)
         ConnectHandheld();
-    return HandreglerGefunden && !WaitsMustEnd();
+    return TheLink().HandreglerGefunden && !WaitsMustEnd();
 }
 
 } // namespace hr::ui

@@ -31,8 +31,8 @@ void ShowWarning()
 
 void PrepareWindow()
 {
-    UseSettings(ReadSettings());
-    TheDesktop().setLokDataMenuVisible(InterfaceType == InterfaceDirect);
+    TheLink().use(ReadSettings());
+    TheDesktop().setLokDataMenuVisible(TheLink().InterfaceType == InterfaceDirect);
     TheDesktop().showMainWindow();
     TheDesktop().setMainWindowTitle(TheBranding().windowTitle);
 }
@@ -45,7 +45,7 @@ void Search()
         WaitSeconds(BeforeSearchSeconds);
         ConnectHandheld();
     }
-    if (!HandreglerGefunden)
+    if (!TheLink().HandreglerGefunden)
         return;
     TheDesktop().setMainWindowEnabled(true);
     TheDesktop().raiseMainWindow();
@@ -56,10 +56,10 @@ bool StartUpRound()
 {
     PrepareWindow();
     ShowWarning();
-    if (WaitsMustEnd() || HandreglerGefunden)
+    if (WaitsMustEnd() || TheLink().HandreglerGefunden)
         return true;
     Search();
-    if (WaitsMustEnd() || HandreglerGefunden)
+    if (WaitsMustEnd() || TheLink().HandreglerGefunden)
         return true;
     WaitSeconds(BeforeSelectionSeconds);
     if (WaitsMustEnd())
@@ -80,7 +80,6 @@ void Main()
     TheMessages().dropAll(); // nothing to send, nothing awaited
     TheMessages().setDownloadAnswerCheck(nullptr);
     FollowService();
-    BuildZeichensatz();
     ScanCatalogues();
     while (!StartUpRound()) { }
 }

@@ -25,7 +25,7 @@ public:
 
     [[nodiscard]] Handheld handheldNow() override
     {
-        const bool stayed = HandreglerGefunden; // otherwise the guard looks for one now
+        const bool stayed = TheLink().HandreglerGefunden; // otherwise the guard looks for one now
         if (!command.connected())
             return Handheld::Gone;
         if (HandheldName(ShownHandheld()) == begunWith)

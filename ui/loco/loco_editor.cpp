@@ -563,7 +563,7 @@ void LocoEditor::deleteRecord()
         CurrentLoco = {erased, false};
         setComplete(true); // all of it is known now
     });
-    if (!HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
+    if (!TheLink().HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
         showRecord();
         return;
     }

@@ -38,7 +38,7 @@ constexpr int PortNameRole = Qt::UserRole + 1;
 /// Why the port could not be opened; empty when it was, or when nobody has tried.
 QString PortFaultText()
 {
-    const QString port = PortPath(PortNumber.text);
+    const QString port = PortPath(TheLink().PortNumber.text);
     switch (Comm().fault()) {
     case PortFault::None:
         return {};
@@ -211,10 +211,10 @@ void ZentraleForm::load()
     reasonLbl->setText(Reason());
     cancelButton->setToolTip(SelectionAwaited ? QStringLiteral("beendet das Programm") : QString());
     withoutButton->setVisible(SelectionAwaited);
-    comPortNrTxt->setText(PortNumber.text.isEmpty() ? likelyPort() : PortNumber.text);
+    comPortNrTxt->setText(TheLink().PortNumber.text.isEmpty() ? likelyPort() : TheLink().PortNumber.text);
     for (size_t i = 0; i < iopt.size(); ++i) {
         iopt.at(i)->setAutoExclusive(false); // so that none can be chosen while nothing is known
-        iopt.at(i)->setChecked(InterfaceType == static_cast<int>(i) + 1);
+        iopt.at(i)->setChecked(TheLink().InterfaceType == static_cast<int>(i) + 1);
         iopt.at(i)->setAutoExclusive(true);
     }
     schnellChk->setChecked(ChosenCadence() == Cadence::Events);
@@ -290,7 +290,7 @@ void ZentraleForm::takeSettings()
     }
     if (!releasePort())
         return;
-    UseSettings(chosen);
+    TheLink().use(chosen);
     ChooseCadence(schnellChk->isChecked() ? Cadence::Events : Cadence::Ticks);
     PreferFast(schnellChk->isChecked());
     Q_EMIT interfaceChosen();

@@ -178,7 +178,7 @@ TEST_F(BackupWindows, RestoreLooksForTheHandheldFirst)
     ASSERT_TRUE(backup.open(QIODevice::WriteOnly));
     backup.write(PackRecord({RecordKind::Loco, 5}, LocoRecord{QStringLiteral("LOK"), {}, {}, 0, 1}));
     backup.close();
-    HandreglerGefunden = false;
+    TheLink().HandreglerGefunden = false;
     handheld().settings.present = false;
     expectSaveDialog();
     user.expect(QStringLiteral("Handregler antwortet nicht!\rAnschluss überprüfen!"), QStringLiteral("Achtung"));

@@ -231,7 +231,7 @@ TEST_F(CompareTest, OnlyWhatIsTickedAndOnlyIntoTheHandheldThatWasLookedAt)
         user.onBox = [&, newType = type, otherContent = other] {
             if (std::exchange(came, true))
                 return;
-            HandreglerGefunden = false;
+            TheLink().HandreglerGefunden = false;
             handheld().settings.type = newType;
             if (otherContent)
                 flash().setBytes(LocoRecordAddress(8), bytesOf(named(8, u"FREMD")));

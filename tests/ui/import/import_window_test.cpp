@@ -115,7 +115,7 @@ TEST_F(Import, RowsAreSortedAndMarkedWhereTheHandheldHasTheLoco)
         EXPECT_TRUE(descending ? std::is_sorted(addresses.rbegin(), addresses.rend())
                                : std::is_sorted(addresses.begin(), addresses.end()));
     }
-    HandreglerGefunden = false;
+    TheLink().HandreglerGefunden = false;
     EXPECT_TRUE(FindHandheld().ok()); // perhaps another one
     importWindow()->hide();
     trigger("LokDataMenu");
