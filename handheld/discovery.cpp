@@ -27,7 +27,6 @@ constexpr size_t TypeLength = 5;
 
 constexpr double LastTrafficSeconds = 0.5; // pause after the handheld was sent back
 
-constexpr double SecondAnswerSeconds = 0.2; // a second handheld answers within it
 
 /// A call went out and nothing says that the handheld was sent back: it may be in service though none counts as found.
 bool calledWithoutAnswer = false;
@@ -208,7 +207,7 @@ Result<HandheldInfo> FindHandheld()
     TheLink().HandreglerGefunden = true;
     ForgetKnownLocos(); // it may be another one
     HandheldInfo info = ReadHandheldInfo().value;
-    if (!OnlyOneAnswers(SecondAnswerSeconds))
+    if (!OnlyOneAnswers())
         return GiveBothUp();
     info.kind = KindOfType(info.type);
     if (TheMessages().secondHandheld())

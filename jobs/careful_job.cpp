@@ -7,7 +7,7 @@
 #include "jobs/report.h"
 #include "jobs/selection.h"
 #include "jobs/undo_snapshot.h"
-#include "link/message_layer.h"
+#include "link/exchange.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/world.h"
@@ -640,20 +640,21 @@ private:
             TheAsk().showProgress(QStringLiteral("Schreibe ") + RecordName(page.front().id));
             amount.show();
             amount.add(page.size(), SecondsOf(page, job.options.prove));
-            if (!writePage(page))
+            if (!writePage(page, &page == &pages.back()))
                 return;
         }
     }
 
-    /// False when the job ends here.
-    bool writePage(const std::vector<RecordChange> &page)
+    /// False when the job ends here. What a second handheld answers to the last page is noticed by nobody later.
+    bool writePage(const std::vector<RecordChange> &page, bool isLast)
     {
         const int address = PageAddressOf(page.front().id);
         if (!RememberPage(stateOf(page), address))
             return diskFails();
         const WrittenPage written = WritePage(page, neighboursOf(page), job.options.prove);
         const bool untouched = IsUntouched(written.result.page);
-        const bool sure = !TheMessages().secondHandheld(); // otherwise the proof may be the other one's
+        const bool sure =
+            OnlyOneAnswers(isLast ? SecondAnswerSeconds : 0); // otherwise the proof may be the other one's
         bool proved = written.neighboursSound && sure;
         for (size_t i = 0; i < page.size(); ++i) {
             JobEntry &entry = entryOf(page.at(i).id);

@@ -220,14 +220,13 @@ public:
     bool settleAll()
     {
         if (!waiting.empty() && !TransferBrokenOff())
-            static_cast<void>(OnlyOneAnswers(ListenSeconds));
+            static_cast<void>(OnlyOneAnswers());
         return settle(0);
     }
 
     static constexpr double SureSeconds = 0.5;
 
 private:
-    static constexpr double ListenSeconds = 0.2;
     struct Waiting {
         size_t index;
         double finished;

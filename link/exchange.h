@@ -16,6 +16,7 @@ namespace hr::link
 
 constexpr double AnswerSeconds = 2;
 constexpr double SlotSeconds = 3;
+constexpr double SecondAnswerSeconds = 0.2; // a second handheld answers within it
 
 /// A request under construction. Data bytes may use all eight bits; they are packed when the request is sent.
 struct Request {
@@ -44,7 +45,7 @@ void RestLine(double seconds);
 
 /// Listens for answers that nobody waits for. False when one came that only a second handheld can have given, now or
 /// before.
-[[nodiscard]] bool OnlyOneAnswers(double seconds);
+[[nodiscard]] bool OnlyOneAnswers(double seconds = SecondAnswerSeconds);
 
 /// The two halves of ExchangeForAck: done as soon as the request is laid, and the wait for its acknowledge. A second
 /// handheld does not keep it from being sent.
