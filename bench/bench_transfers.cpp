@@ -196,13 +196,14 @@ protected:
 TEST_F(Bench, TheDiskOfACarefulJob)
 {
     std::vector<Step> steps;
+    steps.reserve(300);
     for (int page = 0; page < 300; ++page)
         steps.push_back({StepKind::Write, {RecordKind::Loco, 8 + page * 8},
             LocoRecord{.name = FitLocoName(QStringLiteral("X"))}, {}});
     YesFace face;
     for (const Cadence cadence : {Cadence::Ticks, Cadence::Events}) {
         ChooseCadence(cadence);
-        flash().setBytes(0, QByteArray(64 * 9999, '\xFF'));
+        flash().setBytes(0, QByteArray(qsizetype{64} * 9999, '\xFF'));
         CarefulJob job;
         job.fileName = folder.filePath(QStringLiteral("bench.csv"));
         job.steps = steps;
@@ -251,7 +252,7 @@ TEST_F(Bench, LongJobsInEvents)
     for (const auto kind : {LokSymbolList, FktSymbolList, MagSymbolList})
         symbols.numbered.at(kind) = {true, true, {}};
     measure(BackupOf("all symbols, assignment", folder.path(), symbols));
-    flash().setBytes(64, QByteArray(64 * 9999, '\x0A'));
+    flash().setBytes(64, QByteArray(qsizetype{64} * 9999, '\x0A'));
     BackupSelection locos;
     locos.numbered.at(LokDatenList) = {true, false, QStringLiteral("1-9999")};
     measure(BackupOf("read locos 1-9999", folder.path(), locos));

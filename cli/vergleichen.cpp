@@ -41,6 +41,7 @@ Exit WithHandheld(const Call &call, const std::vector<DdsRecord> &records)
     if (!service.ready())
         return service.failure();
     std::vector<Step> steps;
+    steps.reserve(records.size());
     for (const DdsRecord &record : records)
         steps.push_back({StepKind::Write, record.id, UnpackRecord(record), {}});
     const Look look = LookAt(steps);

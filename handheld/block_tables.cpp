@@ -110,7 +110,7 @@ Result<Assignment> ReadAssignment(SpiImage &image, const std::function<void(int)
         onGroup(g);
         // From one byte behind the boundary: byte 0x0E0000 + a belongs to address a, and address 0 does not exist.
         read.outcome.keep(ReadFlash(image, MagZuordAddress + 1 + g * GroupSize, GroupSize, patience));
-        std::copy_n(image.begin() + ReadPosition, GroupSize, read.value.begin() + g * GroupSize);
+        std::copy_n(image.begin() + ReadPosition, GroupSize, read.value.begin() + std::ptrdiff_t{g} * GroupSize);
     }
     return read;
 }

@@ -56,8 +56,8 @@ private:
     std::vector<quint8> bytes = std::vector<quint8>(Size, 0);
 };
 
-using Routes = ByteTable<RouteCount * RouteSize>;
-using AccessoryList = ByteTable<PlaceCount * PlaceSize>;
+using Routes = ByteTable<size_t{RouteCount} * RouteSize>;
+using AccessoryList = ByteTable<size_t{PlaceCount} * PlaceSize>;
 using Assignment = ByteTable<LastAccessoryAddress>;
 
 Result<Routes> ReadRouteTable(SpiImage &image, const Patience &patience = Patience::Agreed);

@@ -27,7 +27,6 @@ constexpr size_t TypeLength = 5;
 
 constexpr double LastTrafficSeconds = 0.5; // pause after the handheld was sent back
 
-
 /// A call went out and nothing says that the handheld was sent back: it may be in service though none counts as found.
 bool calledWithoutAnswer = false;
 

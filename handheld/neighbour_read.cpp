@@ -70,6 +70,7 @@ public:
     [[nodiscard]] std::vector<quint8> bytes(int address, int count) const
     {
         std::vector<quint8> result;
+        result.reserve(static_cast<size_t>(count));
         for (int i = 0; i < count; ++i)
             result.push_back(at(address + i));
         return result;

@@ -54,6 +54,7 @@ std::optional<RecordKind> KindOfByte(int byte);
 struct RecordId {
     RecordKind kind = RecordKind::Loco;
     int number = 0; // loco address or symbol number; 0 for the tables
+    // NOLINTNEXTLINE(modernize-use-nullptr): misread by clang-tidy 14
     auto operator<=>(const RecordId &) const = default;
 };
 

@@ -183,10 +183,12 @@ QString KeptText(const BackupOutcome &outcome)
 {
     if (outcome.kept == 0)
         return {};
+    const QString missing =
+        outcome.missing.empty() ? QString() : QStringLiteral(" Es fehlen noch:\r") + RecordsText(outcome.missing);
     return QStringLiteral(
         "\r\rWas schon gelesen ist (%1), bleibt erhalten: Beginnen Sie dieselbe Sicherung in dieselbe Datei "
-        "noch einmal,\rdann wird sie auf Wunsch fortgesetzt. Es fehlen noch:\r%2")
-        .arg(RecordCount(outcome.kept), RecordsText(outcome.missing));
+        "noch einmal,\rdann wird sie auf Wunsch fortgesetzt.%2")
+        .arg(RecordCount(outcome.kept), missing);
 }
 
 BoxText BrokenOffBox(const BackupOutcome &outcome)

@@ -27,11 +27,12 @@ namespace
 
 using Topic = JobFace::Topic;
 
-constexpr qint64 LongestBreakSeconds = 24 * 60 * 60; // after it a job is not gone on with
+constexpr qint64 LongestBreakSeconds = qint64{24} * 60 * 60; // after it a job is not gone on with
 
 std::vector<RecordId> IdsIn(const std::map<RecordId, QByteArray> &records)
 {
     std::vector<RecordId> ids;
+    ids.reserve(records.size());
     for (const auto &[id, bytes] : records)
         ids.push_back(id);
     return ids;
@@ -40,6 +41,7 @@ std::vector<RecordId> IdsIn(const std::map<RecordId, QByteArray> &records)
 std::vector<RecordId> IdsIn(const std::vector<RecordChange> &changes)
 {
     std::vector<RecordId> ids;
+    ids.reserve(changes.size());
     for (const RecordChange &change : changes)
         ids.push_back(change.id);
     return ids;

@@ -330,6 +330,7 @@ std::vector<RecordChange> Differences(const std::vector<Step> &first, const std:
         }
     }
     std::vector<RecordChange> changes;
+    changes.reserve(order.size());
     for (const RecordId &id : order)
         changes.push_back(DifferenceOf(id, StepOf(left, id), StepOf(right, id)));
     return changes;

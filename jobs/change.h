@@ -72,8 +72,9 @@ Change ChangeOf(const std::optional<RecordValue> &present, const RecordValue &wa
 /// The steps of a write (Write, Merge, Delete) beside what a reading job (Read) found.
 std::vector<RecordChange> ChangesOf(const std::vector<Step> &steps, const Report &present);
 
-/// Two files side by side, each as the steps that write it: the records of both, each once, in the order of the first and then of the second. `present` is
-/// the first one's, `wanted` the second one's. What only the second one has is New, what only the first one has is Emptied.
+/// Two files side by side, each as the steps that write it: the records of both, each once, in the order of the
+/// first and then of the second. `present` is the first one's, `wanted` the second one's. What only the second one
+/// has is New, what only the first one has is Emptied.
 std::vector<RecordChange> Differences(const std::vector<Step> &first, const std::vector<Step> &second);
 
 /// The pages that would be programmed, and about how long that takes at the measured speed.

@@ -30,7 +30,7 @@ const auto FinishedWord = QStringLiteral("fertig");
 const auto DataWord = QStringLiteral("daten");
 const auto EmptyWord = QStringLiteral("leer");
 
-constexpr qint64 LargestJournal = 64 * 1024 * 1024;
+constexpr qint64 LargestJournal = qint64{64} * 1024 * 1024;
 
 /// "1:1-5,8 3:7 5:0"
 QString RecordsLine(const std::vector<RecordId> &records)
@@ -121,7 +121,7 @@ QString HandheldName(const HandheldInfo &info)
 
 QString JournalName(const QString &fileName)
 {
-    const QString beside = fileName + JournalEnding;
+    QString beside = fileName + JournalEnding;
     if (QFile::exists(beside))
         return beside;
     const QString elsewhere = NameInDataFolder(fileName);

@@ -44,6 +44,7 @@ QString DurationOf(const std::vector<DdsRecord> &records)
 BoxText Question(const QString &fileName, const std::vector<DdsRecord> &records)
 {
     std::vector<RecordId> ids;
+    ids.reserve(records.size());
     for (const DdsRecord &record : records)
         ids.push_back(record.id);
     return {QStringLiteral("Die Datei %1 enthält:\r%2.\r\r"

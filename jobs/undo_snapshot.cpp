@@ -152,7 +152,7 @@ QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what)
 {
     MakeFolder(Folder());
     const NewName name(what == SnapshotOf::TakeBack ? TakenBackMark : BeforeMark);
-    const QString fileName = name.stem + BytesEnding;
+    QString fileName = name.stem + BytesEnding;
     const QByteArray file = SavedStateFile(state);
     const QByteArray dds = DdsOf(state);
     const bool written = (dds.isEmpty() || ReplaceFile(name.stem + DdsEnding, dds)) && ReplaceFile(fileName, file)

@@ -21,8 +21,8 @@ struct BoxText {
     QString text;
     QString title;
     BoxIcon icon = BoxIcon::None;
-    bool needsUser =
-        false; // a script's "Ja to all" is no answer: which handheld or computer it is, only the user sees
+    /// A script's "Ja to all" is no answer: which handheld or computer it is, only the user sees.
+    bool needsUser = false;
 };
 
 struct Amount {

@@ -44,14 +44,16 @@ QString MomentaryText(const LocoRecord &record)
 
 std::optional<QString> NameIn(CsvSheet &sheet, const CsvRow &row)
 {
-    const std::optional<QString> name = sheet.cell(row, NameColumn);
+    std::optional<QString> name = sheet.cell(row, NameColumn);
     if (!name)
         return {};
     if (name->isEmpty())
         sheet.faults.push_back({row.line, NameColumn, QStringLiteral("der Name fehlt")});
     if (name->size() > NameLength) {
         sheet.faults.push_back({row.line, NameColumn,
-            QStringLiteral("\"%1\" hat mehr als %2 Zeichen").arg(name->left(2 * NameLength)).arg(NameLength)});
+            QStringLiteral("\"%1\" hat mehr als %2 Zeichen")
+                .arg(name->left(qsizetype{2} * NameLength))
+                .arg(NameLength)});
     }
     return name;
 }

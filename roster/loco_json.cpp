@@ -111,7 +111,7 @@ ListedLoco LocoIn(ObjectReader &reader, const QString &place, std::vector<FileFa
     if (reader.has(FunctionsKey) && !reader.value(FunctionsKey).isArray())
         reader.fault(FunctionsKey, QStringLiteral("hier muss eine Liste stehen"));
     const QJsonArray functions = reader.value(FunctionsKey).toArray();
-    for (const QJsonValue &function : functions) {
+    for (const QJsonValue function : functions) {
         ObjectReader inner(function.toObject(), place + QStringLiteral(", funktionen"), faults);
         TakeFunction(loco, inner);
     }

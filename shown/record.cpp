@@ -32,7 +32,7 @@ Outcome ReadLocoRecord(int locoNumber)
 
 Outcome WriteLocoRecord(int locoNumber, const LocoRecord &record)
 {
-    const Outcome written = WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed).outcome;
+    Outcome written = WriteLoco(SpiBuf, locoNumber, record, Patience::Agreed).outcome;
     if (written.ok())
         NoteRecord(locoNumber, record);
     return written;

@@ -70,7 +70,7 @@ void EditedPicture::LaySizeBytes()
 PictureRows EditedPicture::rows() const
 {
     const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(firstPixelIndex());
-    return {first, first + RowBytesOf(SymbolWidth) * SymbolHeight};
+    return {first, first + std::ptrdiff_t{RowBytesOf(SymbolWidth)} * SymbolHeight};
 }
 
 void EditedPicture::LoadBmpToSpibuf(const QString &fileName, int &result)

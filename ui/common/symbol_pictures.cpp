@@ -113,7 +113,7 @@ QString SymbolWords(SymbolKind kind, int number, int handheldHalf)
 
 QString SymbolToolTip(SymbolKind kind, int number, int handheldHalf)
 {
-    const QString words = SymbolWords(kind, number, handheldHalf).toHtmlEscaped();
+    QString words = SymbolWords(kind, number, handheldHalf).toHtmlEscaped();
     const QString path = PicturePath(kind, number, CatalogueHalf(kind, handheldHalf));
     if (path.isEmpty())
         return words;

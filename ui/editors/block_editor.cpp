@@ -115,7 +115,7 @@ void BlockEditor::hideEvent(QHideEvent *event)
 {
     if (!event->spontaneous()) // minimised windows come back
         input->commit();
-    QWidget::hideEvent(event);
+    LeavableWindow::hideEvent(event);
 }
 
 void BlockEditor::leave()

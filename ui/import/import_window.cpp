@@ -242,6 +242,7 @@ void ImportWindow::sortBy(int column)
         bool current;
     };
     std::vector<Row> rows;
+    rows.reserve(static_cast<size_t>(grid->rowCount()));
     for (int row = 0; row < grid->rowCount(); ++row)
         rows.push_back({locos.at(static_cast<size_t>(row)), grid->selectionModel()->isRowSelected(row),
             row == grid->currentRow()});

@@ -363,7 +363,7 @@ QString LocoEditor::whereItGoes() const
             : QString();
     const QString what =
         held.address > 0 ? QStringLiteral("Lok %1").arg(held.address) : QStringLiteral("die neue Lok");
-    const QString text = QStringLiteral("schreibt %1 unter %2").arg(what).arg(address());
+    QString text = QStringLiteral("schreibt %1 unter %2").arg(what).arg(address());
     if (!IsKnownLoco(address()))
         return text;
     const QString name = KnownLocoName(address());

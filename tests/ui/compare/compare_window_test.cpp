@@ -179,9 +179,9 @@ TEST_F(CompareTest, ABrokenWriteGoesOnFromTheWindow)
         SCOPED_TRACE(what);
         flash().state.memory = before;
         openOnHandheld();
-        user.onBox = [this, &strikes] {
+        user.onBox = [this, count = strikes] {
             if (user.boxes.constLast().contains(u"Soll geschrieben werden?"))
-                afterNextProgram(strikes);
+                afterNextProgram(count);
         };
         answer(QStringLiteral("Ja"));
         answerBox();

@@ -6,6 +6,7 @@
 #include "tests/support/window_world.h"
 #include "ui/editors/editor_windows.h"
 #include "ui/widgets/grid.h"
+#include "ui/widgets/window_place.h"
 
 #include <QAction>
 #include <QApplication>
@@ -161,6 +162,12 @@ TEST_F(TableWindows, RoutesAreShownEditedAndWritten)
         QByteArray::fromHex("000c0007 10010107 ffff00ff ffff00ff 100000ff ffff00ff ffff00ff ffffffff"));
     EXPECT_EQ(
         user.progress, (QStringList{QStringLiteral("Lese Fahrstraßen"), QStringLiteral("Schreibe Fahrstraßen")}));
+    const QString kept = folder.filePath(QStringLiteral("Einstellungen.ini"));
+    KeepWindowSizesIn(kept);
+    window->resize(window->size() + QSize(0, 40));
+    window->close();
+    EXPECT_TRUE(QFile::exists(kept)) << "the size that the user chose";
+    KeepWindowSizesIn(QString());
 }
 
 TEST_F(TableWindows, AClickElsewhereEndsTheInputAndDoesNothingElse)

@@ -139,12 +139,12 @@ TEST_F(Pickers, FunctionsAreAWordAndTwoEntersEach)
     const std::pair<const char *, int> words[] = {{"horn", 16}, {"glocke", 18}, {"20", 20}};
     for (const auto &[word, symbol] : words) {
         const int row = functions->currentRow();
-        events.after(300'000, [&] {
+        events.after(300'000, [&, typed = word] {
             findPicker();
             ASSERT_NE(picker, nullptr);
             EXPECT_EQ(picker->findChild<QLabel *>(QStringLiteral("ZweckLbl"))->text(),
                 QStringLiteral("Symbol für f%1").arg(row));
-            for (const char *letter = word; *letter != 0; ++letter)
+            for (const char *letter = typed; *letter != 0; ++letter)
                 type(picker->focusWidget(), Qt::Key_unknown, QString(QLatin1Char(*letter)));
             type(search(), Qt::Key_Return);
         });

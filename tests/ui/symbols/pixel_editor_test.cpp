@@ -64,7 +64,7 @@ protected:
     void press(const char *name) { editor->findChild<QPushButton *>(QLatin1String(name))->click(); }
 
     /// What a key combination does in the editor: the one command that is bound to it.
-    void keys(QKeySequence combination)
+    void keys(const QKeySequence &combination)
     {
         QList<QAction *> bound;
         for (QAction *action : editor->actions()) {
