@@ -204,7 +204,7 @@ QString AdaptedNames(const std::vector<ListedLoco> &locos)
     for (const ListedLoco &loco : locos) {
         const QString name = loco.name.value_or(QString());
         const QString stored = WithoutTrailingBlanks(AsStored(name, NameLength));
-        if (!UnknownCharacters(name).isEmpty())
+        if (!UnknownCharacters(UpperLatin1(name)).isEmpty())
             lines += QStringLiteral("Lok %1: \"%2\" wird zu \"%3\"").arg(loco.address).arg(name, stored);
     }
     return lines.join(u'\r');

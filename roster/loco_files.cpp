@@ -73,7 +73,7 @@ bool NamesAccepted(const std::vector<ListedLoco> &locos)
         return true;
     return TheAsk().askYesNo({QStringLiteral("Diese Namen haben Zeichen, die der Handregler nicht hat:\r") + adapted
                                      + QStringLiteral("\rSollen sie so geschrieben werden?"),
-                                 {}, BoxIcon::None},
+                                 QStringLiteral("Namen anpassen?"), BoxIcon::None},
         false);
 }
 

@@ -19,6 +19,7 @@
 #include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScreen>
@@ -168,7 +169,10 @@ QString QtFrontend::askText(const QString &prompt, const QString &title, const Q
     dialog.setLabelText(prompt);
     dialog.setOkButtonText(QStringLiteral("OK"));
     dialog.setCancelButtonText(QStringLiteral("Abbrechen"));
-    dialog.setMinimumWidth(qMax(LeastInputWidth, dialog.fontMetrics().horizontalAdvance(title) + TitleButtons));
+    // The dialog keeps to the size of its contents: only these make it wide enough for its title.
+    const int width = qMax(LeastInputWidth, dialog.fontMetrics().horizontalAdvance(title) + TitleButtons);
+    for (QLineEdit *field : dialog.findChildren<QLineEdit *>())
+        field->setMinimumWidth(width);
     TakeIconsAway(dialog);
     BelongTo(dialog, front());
     WaitForDialog(dialog);

@@ -135,7 +135,7 @@ TEST_F(Terminal, AColumnThatIsMissingKeepsWhatTheRecordHas)
     const QByteArray latin = "Symbol,Adresse,Name\r\n9,3,\"M\xFCller, \"\"X\"\"\"\r\n";
     user.expect(QStringLiteral("Diese Namen haben Zeichen, die der Handregler nicht hat:\r"
                                "Lok 3: \"Müller, \"X\"\" wird zu \"MÜLLER   X\"\rSollen sie so geschrieben werden?"),
-        {}, QStringLiteral("Ja"));
+        QStringLiteral("Namen anpassen?"), QStringLiteral("Ja"));
     ASSERT_EQ(run(QStringLiteral("schreiben"), {fileWith(QStringLiteral("a.csv"), latin)}), Exit::Done);
     const QByteArray after = flashBytes(LocoRecordAddress(3), 64);
     EXPECT_EQ(after.at(61), 9);

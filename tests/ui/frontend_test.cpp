@@ -117,6 +117,12 @@ TEST_F(RealFrontend, QuestionsSpeakGermanAndEndWithTheProgram)
         QApplication::sendEvent(BoxTitled(QStringLiteral("Frage")), &escape);
     });
     EXPECT_FALSE(frontend->askYesNo(question, true));
+    later([] {
+        QWidget *dialog = QApplication::activeModalWidget();
+        EXPECT_GE(dialog->width(), 360) << "its title is to be read";
+        dialog->close();
+    });
+    EXPECT_TRUE(frontend->askText(QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z")).isEmpty());
     later([this] { window().close(); });
     EXPECT_FALSE(frontend->askYesNo(question, true));
     EXPECT_TRUE(OpenBoxes().isEmpty());

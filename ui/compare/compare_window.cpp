@@ -342,8 +342,6 @@ void CompareWindow::open(const ComparedFile &file)
 {
     first = file;
     second.reset();
-    fileLbl->setText(
-        QStringLiteral("%1\n%2. Womit vergleichen?").arg(Native(file.name), RecordCount(file.steps.size())));
     setWindowTitle(QStringLiteral("Vergleich: ") + QFileInfo(file.name).fileName());
     filterTxt->clear();
     showChanges({});
@@ -389,6 +387,8 @@ void CompareWindow::showChanges(std::vector<RecordChange> changes)
     for (const Step &step : offered().steps)
         ids.insert(step.id);
     const bool any = !changes.empty();
+    fileLbl->setText(QStringLiteral("%1\n%2.").arg(Native(first.name), RecordCount(first.steps.size()))
+        + (any ? QString() : QStringLiteral(" Womit vergleichen?")));
     model->setChanges(std::move(changes), ids);
     csvBut->setEnabled(any);
     sidesLbl->setVisible(any);

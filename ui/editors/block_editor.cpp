@@ -90,14 +90,17 @@ void BlockEditor::buildLayout()
     SameWidth({readBut, writeBut});
     buttons->addWidget(readBut);
     buttons->addWidget(writeBut);
-    buttons->addWidget(changedLbl);
-    buttons->addWidget(doubtLbl);
     buttons->addStretch();
     buttons->addWidget(cancelBut);
+    auto *marks = new QHBoxLayout; // keeps its place, so that the grid never moves below the pointer
+    marks->addStrut(unreadLbl->sizeHint().height());
+    for (QLabel *mark : {unreadLbl, doubtLbl, changedLbl})
+        marks->addWidget(mark);
+    marks->addStretch();
     auto *layout = new QVBoxLayout(this);
     layout->setMenuBar(menus);
-    layout->addWidget(unreadLbl, 0, Qt::AlignHCenter);
     layout->addWidget(grid, 1, Qt::AlignHCenter);
+    layout->addLayout(marks);
     layout->addLayout(buttons);
 }
 

@@ -153,9 +153,9 @@ private:
     QPushButton *writeBut;
     QPushButton *cancelBut;
     QLabel *doubtLbl;
-    QLabel *changedLbl; // beside the write button
+    QLabel *changedLbl;
     QMenuBar *menus;
-    QLabel *unreadLbl; // above the grid
+    QLabel *unreadLbl; // these marks stand between grid and buttons
 };
 
 } // namespace hr::ui

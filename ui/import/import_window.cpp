@@ -16,6 +16,7 @@
 #include "ui/common/progress.h"
 #include "ui/common/symbol_pictures.h"
 #include "ui/widgets/build_controls.h"
+#include "ui/widgets/crisp_picture.h"
 #include "ui/widgets/grid.h"
 #include "ui/widgets/window_keys.h"
 
@@ -23,6 +24,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -62,6 +64,16 @@ std::pair<int, QString> SortKey(const DownloadedLoco &loco, int column)
 }
 
 std::unique_ptr<ImportWindow> importWindow;
+
+/// A picture in the colour of the text, without its white ground.
+QPixmap OnAnyGround(const QPixmap &picture, const QPalette &colours)
+{
+    QPixmap bare(picture.size());
+    bare.fill(Qt::transparent);
+    QPainter painter(&bare);
+    DrawCrisp(painter, bare.rect(), picture, colours.color(QPalette::Text));
+    return bare;
+}
 
 } // namespace
 
@@ -196,7 +208,7 @@ void ImportWindow::fillAddress(int row)
     grid->setText(row, AddressColumn, QString::number(address));
     grid->setWords(
         row, AddressColumn, words, known ? QStringLiteral("%1, schon im Handregler").arg(address) : QString());
-    grid->item(row, AddressColumn)->setIcon(known ? QIcon(HookPicture()) : QIcon());
+    grid->item(row, AddressColumn)->setIcon(known ? QIcon(OnAnyGround(HookPicture(), palette())) : QIcon());
     filling = false;
 }
 

@@ -19,7 +19,8 @@ namespace
 
 constexpr int Brightest = 2 * HalfGrey - 1;
 constexpr int Step = 8;
-constexpr int Zoom = 5; // logical pixels a pixel
+constexpr int PreviewWidth = 240; // logical pixels, about
+constexpr int SliderWidth = 220;
 
 } // namespace
 
@@ -37,6 +38,7 @@ BrightnessDialog::BrightnessDialog(const QImage &photo, PictureGeometry size, QW
     slider->setRange(1, Brightest);
     slider->setSingleStep(Step);
     slider->setValue(HalfGrey);
+    slider->setMinimumWidth(SliderWidth);
     preview->setAccessibleName(QStringLiteral("Vorschau"));
     auto *ok = NamedButton(QStringLiteral("OKButton"), QStringLiteral("OK"), this);
     auto *cancel = NamedButton(QStringLiteral("CancelButton"), QStringLiteral("Abbrechen"), this);
@@ -70,7 +72,7 @@ PixelCells BrightnessDialog::cells() const
 void BrightnessDialog::showPreview()
 {
     const QImage shown = ImageOfCells(cells(), geometry);
-    preview->setPixmap(QPixmap::fromImage(shown.scaled(shown.size() * Zoom)));
+    preview->setPixmap(QPixmap::fromImage(shown.scaled(shown.size() * (PreviewWidth / geometry.width))));
 }
 
 std::optional<PixelCells> CellsOfPhoto(const QImage &photo, PictureGeometry geometry, QWidget *parent)

@@ -19,7 +19,7 @@ namespace hr::ui
 namespace
 {
 
-constexpr int TextRoom = 12; // beside a button's caption
+constexpr int TextRoom = 4; // beside a button's caption; the main window must fit a small screen
 
 /// Enter presses the button that has the focus, in every window.
 class EnterButton : public QPushButton

@@ -405,6 +405,8 @@ TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
         return !window->findChild<QLabel *>(QLatin1String(name))->isHidden();
     };
     EXPECT_TRUE(shown("NichtGelesenLbl"));
+    QApplication::sendPostedEvents();
+    const QRect place = grid->geometry();
     EXPECT_EQ(window->focusWidget(), button("LeseFSDatenBut"));
     EXPECT_TRUE(button("LeseFSDatenBut")->isDefault());
     EXPECT_EQ(grid->accessibleDescription(), QStringLiteral("Noch nicht gelesen"));
@@ -430,6 +432,8 @@ TEST_F(TableWindows, WhatIsUnreadOrUnwrittenIsMarked)
     QApplication::sendEvent(grid, &seven); // a digit begins the input
     EXPECT_EQ(row(3), "7||X");
     EXPECT_TRUE(shown("GeaendertLbl"));
+    QApplication::sendPostedEvents();
+    EXPECT_EQ(grid->geometry(), place) << "the next click hits the column below the pointer";
     EXPECT_EQ(UnwrittenTables(), QStringList{QStringLiteral("Fahrstraßendaten ändern")});
     user.acceptAnyBox();
     handheld().settings.present = false;

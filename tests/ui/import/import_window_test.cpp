@@ -100,6 +100,9 @@ TEST_F(Import, RowsAreSortedAndMarkedWhereTheHandheldHasTheLoco)
     importWindow()->hide();
     trigger("LokDataMenu");
     EXPECT_TRUE(known(0));
+    const QIcon mark = grid->item(0, 0)->icon();
+    EXPECT_EQ(mark.pixmap(mark.availableSizes().constFirst()).toImage().pixelColor(0, 0).alpha(), 0)
+        << "no white square on a dark window";
     EXPECT_TRUE(grid->item(0, 0)->toolTip().contains(KnownLocoName(3)));
 
     grid->selectRow(0);
