@@ -405,17 +405,39 @@ private:
         const SavedState undone = LoadUndoSnapshot(job.undoes).state;
         if (undone.wanted.empty())
             return; // an older version did not save what it wrote
-        const auto since = [&undone](const RecordChange &change) {
-            const auto now = PresentRecord(change);
-            return now && undone.before.contains(change.id) ? SinceThen(undone, *now) : Since::Destroyed;
-        };
+        const std::map<RecordId, Since> since = sinceThen(undone);
         std::erase_if(end.changes, [&](const RecordChange &change) {
-            return !undone.wanted.contains(change.id) && since(change) != Since::Destroyed;
+            return !undone.wanted.contains(change.id) && since.at(change.id) != Since::Destroyed;
         });
         for (RecordChange &change : end.changes) {
-            if (since(change) == Since::Edited)
+            if (since.at(change.id) == Since::Edited)
                 change.change = Change::EditedSince;
         }
+    }
+
+    /// A power cut destroys one page. Of more than one, those that are erased were emptied by somebody, or are another
+    /// handheld's.
+    [[nodiscard]] std::map<RecordId, Since> sinceThen(const SavedState &undone) const
+    {
+        std::map<RecordId, Since> states;
+        std::vector<RecordId> erased;
+        std::set<int> destroyedPages;
+        for (const RecordChange &change : end.changes) {
+            const auto now = PresentRecord(change);
+            const bool known = now && undone.before.contains(change.id);
+            const Since state = known ? SinceThen(undone, *now) : Since::Destroyed;
+            states.emplace(change.id, state);
+            if (!known || state != Since::Destroyed)
+                continue;
+            destroyedPages.insert(PageAddressOf(change.id));
+            if (now->bytes == QByteArray(now->bytes.size(), '\xFF'))
+                erased.push_back(change.id);
+        }
+        for (const RecordId &id : erased) {
+            if (destroyedPages.size() > 1)
+                states.at(id) = Since::Edited;
+        }
+        return states;
     }
 
     /// What is to be written.
@@ -735,7 +757,7 @@ private:
         if (settled && journal)
             journal->remove();
         if (settled)
-            RemoveReplaced(replaced);
+            TidySnapshots(replaced);
         SettleForgottenPages();
         end.report.goesOn = !settled && journal.has_value();
     }
@@ -761,6 +783,16 @@ private:
 CarefulEnd RunCarefulJob(const CarefulJob &job, JobFace &face)
 {
     return Flow(job, face).run();
+}
+
+CarefulEnd MendPages(JobFace &face, const QString &title)
+{
+    CarefulJob job;
+    job.title = title;
+    CarefulEnd end;
+    if (Mending(job, face, end).run())
+        end.is = CarefulEnd::Is::Written;
+    return end;
 }
 
 Look LookAt(const std::vector<Step> &steps)

@@ -90,6 +90,10 @@ struct CarefulEnd {
 /// Carries the job out. What goes wrong before anything is written is told by boxes.
 [[nodiscard]] CarefulEnd RunCarefulJob(const CarefulJob &job, JobFace &face);
 
+/// Only makes good what earlier jobs have left half programmed, with a job's questions. Written: nothing stands in the way
+/// of writing any more.
+[[nodiscard]] CarefulEnd MendPages(JobFace &face, const QString &title);
+
 /// What a look at the handheld brought.
 struct Look {
     JobEnd end = JobEnd::Complete;

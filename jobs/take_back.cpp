@@ -100,8 +100,12 @@ void TakeBackEnded(const TakeBackOffer &offer, const CarefulReport &report)
     std::erase_if(rest.job.entries, [&](const JobEntry &entry) {
         return std::ranges::find(report.edited, entry.step.id) != report.edited.end();
     });
-    if (IsSettled(rest))
-        MarkAsTakenBack(offer.fileName);
+    if (IsSettled(rest) && !MarkAsTakenBack(offer.fileName)) {
+        TheAsk().showBox({QStringLiteral("Die Datei %1 ließ sich nicht umbenennen:\r"
+                                         "Dieselbe Änderung wird beim nächsten Mal noch einmal angeboten.")
+                              .arg(Shown(offer.fileName)),
+            QStringLiteral("Achtung!"), BoxIcon::Critical});
+    }
 }
 
 } // namespace hr::jobs

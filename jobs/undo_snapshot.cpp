@@ -162,7 +162,6 @@ QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what)
         ReportFileUnwritable(fileName);
         return {};
     }
-    RemoveOldest();
     return fileName;
 }
 
@@ -190,20 +189,22 @@ LoadedSnapshot LoadUndoSnapshot(const QString &fileName)
     return {read.sound ? SnapshotState::Sound : SnapshotState::Damaged, read.state, read.foreign};
 }
 
-void MarkAsTakenBack(const QString &fileName)
+bool MarkAsTakenBack(const QString &fileName)
 {
     const QString replaced = FromDataFolder(LoadUndoSnapshot(fileName).state.replaces);
     const QString stem = fileName.left(fileName.lastIndexOf(u'.'));
+    bool marked = true;
     for (const QString &ending : {DdsEnding, BytesEnding})
-        QFile::rename(stem + ending, TakenBackName(stem + ending));
-    if (!replaced.isEmpty() && replaced != fileName)
-        MarkAsTakenBack(replaced);
+        marked = (!FileExists(stem + ending) || QFile::rename(stem + ending, TakenBackName(stem + ending))) && marked;
+    const bool isAlone = replaced.isEmpty() || replaced == fileName || !FileExists(replaced);
+    return (isAlone || MarkAsTakenBack(replaced)) && marked;
 }
 
-void RemoveReplaced(const SavedState &state)
+void TidySnapshots(const SavedState &completed)
 {
-    if (!state.replaces.isEmpty())
-        RemoveFiles(QFileInfo(state.replaces).completeBaseName());
+    if (!completed.replaces.isEmpty())
+        RemoveFiles(QFileInfo(completed.replaces).completeBaseName());
+    RemoveOldest();
 }
 
 } // namespace hr::jobs

@@ -23,8 +23,7 @@ enum class SnapshotOf {
     TakeBack // what stood there before a change was taken back
 };
 
-/// Writes a snapshot, reads it back, and removes the oldest ones. The name; empty when it could not be written, which
-/// the user is told.
+/// Writes a snapshot and reads it back. The name; empty when it could not be written, which the user is told.
 QString SaveUndoSnapshot(const SavedState &state, SnapshotOf what);
 
 /// Those that can be taken back, the newest first.
@@ -42,10 +41,11 @@ struct LoadedSnapshot {
 };
 LoadedSnapshot LoadUndoSnapshot(const QString &fileName);
 
-/// Marks a snapshot, and those that it replaces, as taken back, so that the next one is the one before.
-void MarkAsTakenBack(const QString &fileName);
+/// Marks a snapshot, and those that it replaces, as taken back, so that the next one is the one before. False when a file
+/// could not be renamed.
+[[nodiscard]] bool MarkAsTakenBack(const QString &fileName);
 
-/// Removes the snapshot of an earlier part of a job that is complete now: the job's own one contains it.
-void RemoveReplaced(const SavedState &state);
+/// After a job that is complete: removes the snapshot of its earlier part, which its own one contains, and the oldest ones.
+void TidySnapshots(const SavedState &completed);
 
 } // namespace hr::jobs

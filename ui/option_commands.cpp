@@ -52,7 +52,7 @@ void AskAndClearAllLocoRecords()
     const BoxText question{QStringLiteral("Sollen alle 9999 Lokdatensätze gelöscht werden?\r"
                                           "          (Löschdauer: ca. 80min)"),
         QStringLiteral("Lokdatensätze löschen"), BoxIcon::None};
-    if (!command.confirmed(question, false))
+    if (!command.confirmed(question, false) || !command.mayWrite())
         return;
     ReportCleanUp(ClearAllLocoRecords(), QStringLiteral("Lokdatensätze gelöscht"), question.title);
 }
@@ -60,7 +60,7 @@ void AskAndClearAllLocoRecords()
 void AskAndClearSwitchOffTime()
 {
     const Command command;
-    if (!command.connected())
+    if (!command.mayWrite())
         return;
     const BoxText question{QStringLiteral("Soll die Abschaltzeit auf Null gesetzt werden?\r"
                                           " (für die Version 1.0 des Handreglers)        "),
@@ -81,7 +81,7 @@ void AskAndClearSwitchOffTime()
 void AskAndResetFktSymbols()
 {
     const Command command;
-    if (!command.connected())
+    if (!command.mayWrite())
         return;
     const BoxText question{
         QStringLiteral("    Sollen die leeren Funktionssymbolnummern 164 - 255 zurückgesetzt werden? \r"

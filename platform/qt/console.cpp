@@ -3,19 +3,23 @@
 #include <QSocketNotifier>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <iostream>
 #include <string>
 #include <utility>
 
 #ifdef _WIN32
+#include <mutex>
+#include <thread>
+
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 #else
 #include <filesystem>
+#include <iostream>
 #endif
 
 namespace hr::platform
@@ -76,6 +80,19 @@ void RestoreOutput(unsigned before)
 {
     SetConsoleOutputCP(before); // the next program in this window may count on it
 }
+
+/// What is typed next; nothing after Ctrl-C and at the end of the input (Ctrl-Z). Only consoles are asked.
+Console::Line NextLine()
+{
+    constexpr wchar_t endOfInput = 26;
+    std::array<wchar_t, 1024> text{};
+    DWORD length = 0;
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    const bool read = ReadConsoleW(input, text.data(), static_cast<DWORD>(text.size()), &length, nullptr) != FALSE;
+    if (!read || length == 0 || text.front() == endOfInput)
+        return {};
+    return QString::fromWCharArray(text.data(), static_cast<qsizetype>(length)).trimmed();
+}
 #else
 void Watch()
 {
@@ -102,7 +119,6 @@ bool IsTerminal(int, const char *device)
     const auto devices = {"/dev/null", "/dev/zero", "/dev/full", "/dev/random", "/dev/urandom"};
     return !error && std::ranges::find(devices, real) == devices.end();
 }
-#endif
 
 Console::Line NextLine()
 {
@@ -111,8 +127,69 @@ Console::Line NextLine()
         return {};
     return QString::fromLocal8Bit(QByteArray::fromStdString(line));
 }
+#endif
 
 } // namespace
+
+#ifdef _WIN32
+/// The system's console has no event for a line, so a thread waits for it while events go on. A question that nobody waits
+/// for any more leaves the thread waiting: what is typed then answers the next one, or the program ends before.
+class Console::Reader : public std::enable_shared_from_this<Console::Reader>
+{
+public:
+    void read(std::function<void(const Line &)> newTake)
+    {
+        take = std::move(newTake);
+        if (!std::exchange(waits, true))
+            std::thread([self = shared_from_this()] { self->wait(); }).detach();
+    }
+    void stop() { take = nullptr; }
+    void close()
+    {
+        const std::lock_guard guard(mutex);
+        receiver.reset();
+    }
+
+private:
+    void wait()
+    {
+        const Line line = NextLine();
+        const std::lock_guard guard(mutex);
+        if (receiver)
+            QMetaObject::invokeMethod(
+                receiver.get(), [this, line] { answer(line); }, Qt::QueuedConnection);
+    }
+    void answer(const Line &line)
+    {
+        waits = false;
+        if (take)
+            std::exchange(take, nullptr)(line);
+    }
+
+    std::function<void(const Line &)> take; // this and `waits` belong to the program's thread
+    bool waits = false;
+    std::mutex mutex;
+    std::unique_ptr<QObject> receiver = std::make_unique<QObject>(); // until the console ends
+};
+#else
+class Console::Reader
+{
+public:
+    void read(std::function<void(const Line &)> take)
+    {
+        notifier = std::make_unique<QSocketNotifier>(InputDescriptor, QSocketNotifier::Read);
+        QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this, take = std::move(take)] {
+            notifier->setEnabled(false);
+            take(NextLine());
+        });
+    }
+    void stop() { notifier.reset(); }
+    void close() { stop(); }
+
+private:
+    std::unique_ptr<QSocketNotifier> notifier;
+};
+#endif
 
 void OccupyClosedStreams()
 {
@@ -144,11 +221,13 @@ Console::Console()
     : inputTerminal(IsTerminal(InputDescriptor, "/dev/stdin"))
     , errorTerminal(IsTerminal(ErrorDescriptor, "/dev/stderr"))
     , outputBefore(PrepareOutput())
+    , reader(std::make_shared<Reader>())
 {
 }
 
 Console::~Console()
 {
+    reader->close();
     std::fflush(stdout);
     std::fflush(stderr);
     RestoreOutput(outputBefore);
@@ -156,20 +235,12 @@ Console::~Console()
 
 void Console::readLine(std::function<void(const Line &)> take)
 {
-#ifdef _WIN32
-    take(NextLine()); // the system's console has no event for it; Ctrl-C ends the reading
-#else
-    notifier = std::make_unique<QSocketNotifier>(InputDescriptor, QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this, take = std::move(take)] {
-        notifier->setEnabled(false);
-        take(NextLine());
-    });
-#endif
+    reader->read(std::move(take));
 }
 
 void Console::stopReading()
 {
-    notifier.reset();
+    reader->stop();
 }
 
 } // namespace hr::platform

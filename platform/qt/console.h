@@ -10,8 +10,6 @@
 #include <memory>
 #include <optional>
 
-class QSocketNotifier;
-
 namespace hr::platform
 {
 
@@ -56,7 +54,8 @@ private:
     bool inputTerminal;
     bool errorTerminal;
     unsigned outputBefore; // character set that the window of the terminal had (Windows)
-    std::unique_ptr<QSocketNotifier> notifier;
+    class Reader;
+    std::shared_ptr<Reader> reader;
 };
 
 } // namespace hr::platform

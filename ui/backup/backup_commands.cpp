@@ -87,7 +87,7 @@ void RestoreHandheldData()
     if (!command.ok())
         return;
     const QString fileName = TheDesktop().openFileName(TheBranding().saveDialogTitle, Filter());
-    if (fileName.isEmpty() || !command.connected())
+    if (fileName.isEmpty() || !command.mayWrite())
         return;
     const auto offer = OfferRestore(fileName);
     if (offer)

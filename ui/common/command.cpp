@@ -1,5 +1,6 @@
 #include "ui/common/command.h"
 
+#include "ui/common/careful_job.h"
 #include "ui/common/connection.h"
 
 namespace hr::ui
@@ -13,6 +14,11 @@ Command::~Command()
 bool Command::connected() const
 {
     return ok() && HandheldConnected();
+}
+
+bool Command::mayWrite() const
+{
+    return connected() && WaitingPagesMended(*this);
 }
 
 bool Command::confirmed(const BoxText &question, bool defaultYes) const

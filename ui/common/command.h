@@ -26,6 +26,10 @@ public:
     /// The connection guard; also false when the command may not run at all.
     [[nodiscard]] bool connected() const;
 
+    /// The guard of a command that writes. A page that an earlier job has left half programmed is made good first, after a
+    /// question; false when it is to stay as it is: writing there would destroy what can still be put back.
+    [[nodiscard]] bool mayWrite() const;
+
     /// Asks a Yes/No question and looks at the guard again afterwards: the port may have gone while it was open.
     [[nodiscard]] bool confirmed(const BoxText &question, bool defaultYes) const;
 

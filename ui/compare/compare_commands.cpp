@@ -1,8 +1,8 @@
 #include "ui/compare/compare_commands.h"
 
 #include "jobs/take_back.h"
+#include "ui/common/careful_job.h"
 #include "ui/common/desktop.h"
-#include "ui/compare/careful_job.h"
 #include "ui/compare/compare_window.h"
 
 #include <memory>

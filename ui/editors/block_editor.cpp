@@ -165,7 +165,7 @@ void BlockEditor::read(const Command &command)
 void BlockEditor::write(const Command &command)
 {
     const std::function<Outcome()> write = writeOfTable();
-    if (!command.connected() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
+    if (!command.mayWrite() || !(complete || command.mayWriteDoubtful(QStringLiteral("die Tabelle"))))
         return;
     writeFailed = !write().ok(); // every failure has been told by then
     if (!writeFailed) {

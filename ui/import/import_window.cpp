@@ -371,7 +371,7 @@ std::vector<DownloadedLoco> ImportWindow::chosenLocos() const
 void ImportWindow::send()
 {
     const CommandOn command([this] { return chosenLocos(); });
-    if (command.ok() && !command.shown.empty() && command.connected())
+    if (command.ok() && !command.shown.empty() && command.mayWrite())
         SendLocos(command.shown, [&command](const BoxText &question) { return command.confirmed(question, false); });
     refreshMarks();
 }

@@ -513,7 +513,7 @@ void LocoEditor::writeRecord()
 {
     const CommandOn command([this] { return shownNow(); });
     markAddress();
-    if (!command.connected())
+    if (!command.mayWrite())
         return;
     LocoRecord written = command.shown.loco.record;
     if (command.shown.loco.nothingToWrite) {
@@ -563,7 +563,8 @@ void LocoEditor::deleteRecord()
         CurrentLoco = {erased, false};
         setComplete(true); // all of it is known now
     });
-    if (!TheLink().HandreglerGefunden) { // on purpose without a search: only what is shown is cleared
+    // On purpose without a search: only what is shown is cleared.
+    if (!TheLink().HandreglerGefunden || !command.mayWrite()) {
         showRecord();
         return;
     }
@@ -629,7 +630,7 @@ void LocoEditor::paste(bool functionsOnly)
 void LocoEditor::spreadFunctions()
 {
     const CommandOn command([this] { return shownNow(); });
-    if (!command.connected()
+    if (!command.mayWrite()
         || (!command.shown.complete && !command.mayWriteDoubtful(QStringLiteral("der Lokdatensatz"))))
         return;
     const QString list =

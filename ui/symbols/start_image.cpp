@@ -39,7 +39,7 @@ void EditStartImage()
     if (read.outcome.brokenOff())
         return;
     Picture picture = EditPicture(read.value);
-    if (!command.confirmed(Question(), false))
+    if (!command.confirmed(Question(), false) || !command.mayWrite())
         return;
     if (!read.ok() && !command.mayWriteDoubtful(QStringLiteral("das Startbild")))
         return;

@@ -399,7 +399,7 @@ void SymbolEditor::writeSymbol()
 {
     const CommandOn command([this] { return shownNow(); });
     Shown shown = command.shown;
-    if (!command.connected())
+    if (!command.mayWrite())
         return;
     if (!shown.complete && !command.mayWriteDoubtful(QStringLiteral("das Bild")))
         return;

@@ -286,6 +286,54 @@ TEST_F(CompareTest, TwoFilesSideBySide)
     EXPECT_EQ(flashBytes(LocoRecordAddress(1201), 1), QByteArray(1, '\xFF'));
 }
 
+/// A page that a power cut has left half programmed is made good before any command of the program writes, or none does.
+TEST_F(CompareTest, NoCommandWritesWhileAPageWaits)
+{
+    flash().setBytes(LocoRecordAddress(13), bytesOf(loco(13))); // a power cut erases the second half of its page
+    openOnHandheld();
+    user.onBox = [this] {
+        if (user.boxes.constLast().contains(u"Soll geschrieben werden?"))
+            layout().faults.faults.powerCut.nth = layout().faults.faults.powerCut.seen + 1;
+    };
+    answer(QStringLiteral("Ja"));
+    answerBox();
+    press("SchreibenBut");
+    user.onBox = nullptr;
+    reconnect();
+    ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
+    const auto torn = flash().state.memory;
+    const int programs = executed(0x83);
+    user.acceptAnyBox(); // No to all
+    const auto isAsked = [this, programs](const char *name) {
+        EXPECT_EQ(user.boxes.filter(QStringLiteral("zuerst wiederhergestellt")).size(), 1) << name;
+        EXPECT_EQ(executed(0x83), programs) << name;
+        user.boxes.clear();
+    };
+    user.boxes.clear();
+    for (const char *name : {"SchreibeLokDatensatzBut", "ResetLokdatenBut", "SchreibeLoksymbolBut",
+             "SchreibeFktSymBut", "SchreibeMagSymBut"}) {
+        button(name)->setEnabled(true);
+        click(name);
+        isAsked(name);
+    }
+    const std::pair<const char *, QString> menus[] = {{"datenschreiben_menu", file}, {"Opt_abschalt", {}},
+        {"Opt_Fktsym", {}}, {"Opt_clear_all_loco", QStringLiteral("Ja")}};
+    for (const auto &[name, first] : menus) {
+        if (!first.isEmpty())
+            answer(first);
+        trigger(name);
+        isAsked(name);
+    }
+    EXPECT_EQ(flash().state.memory, torn);
+    answer(QStringLiteral("Ja"));
+    answerBox();
+    field("AdrTxt")->setText(QStringLiteral("20"));
+    click("ResetLokdatenBut");
+    EXPECT_TRUE(user.boxes.constLast().contains(u"Wiederhergestellt"));
+    EXPECT_EQ(nameIn(13), u"LOK 13");
+    EXPECT_EQ(flashBytes(LocoRecordAddress(20), 1), QByteArray(1, '\xFF')) << "and then it does what was asked";
+}
+
 TEST_F(CompareTest, AListOfLocosKeepsWhatItDoesNotSay)
 {
     QString list = folder.filePath(QStringLiteral("Liste.json"));

@@ -10,4 +10,8 @@ namespace hr::ui
 /// Carries the job out and shows what became of it. The command has passed the guard. Whatever goes wrong has been told.
 CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job);
 
+/// Offers to make good what earlier jobs have left half programmed in the handheld in service. False when a page waits
+/// still; that has been told.
+[[nodiscard]] bool WaitingPagesMended(const Command &command);
+
 } // namespace hr::ui

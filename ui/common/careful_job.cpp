@@ -1,4 +1,4 @@
-#include "ui/compare/careful_job.h"
+#include "ui/common/careful_job.h"
 
 #include "jobs/journal.h"
 #include "jobs/report.h"
@@ -14,7 +14,7 @@ namespace
 class WindowFace : public JobFace
 {
 public:
-    WindowFace(const Command &theCommand, QString theTitle) : command(theCommand), title(std::move(theTitle)) { }
+    WindowFace(const Command &theCommand, QString theTitle) : title(std::move(theTitle)), command(theCommand) { }
 
     [[nodiscard]] QString handheld() const override { return begunWith; }
 
@@ -35,9 +35,10 @@ public:
         return Handheld::Gone;
     }
 
+    const QString title;
+
 private:
     const Command &command;
-    const QString title;
     const QString begunWith = HandheldName(ShownHandheld());
 };
 
@@ -64,6 +65,15 @@ QString BreakText(const CarefulReport &report)
     return QStringLiteral("\rVon diesem Auftrag wurde nichts geschrieben.\r\r") + ReportText(report);
 }
 
+/// What came of it before the job itself.
+void ShowBreak(const CarefulEnd &end, const QString &title)
+{
+    if (end.is == CarefulEnd::Is::BrokenOff && EndedEarly(end.end))
+        ShowEndBox(end.end, EndText(end.end, QStringLiteral("Das Lesen wurde angehalten.")) + BreakText(end.report));
+    else if (!end.report.restored.empty())
+        ShowDoneBox(ReportText(end.report), title);
+}
+
 } // namespace
 
 CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
@@ -72,11 +82,19 @@ CarefulEnd RunFromWindow(const Command &command, const CarefulJob &job)
     CarefulEnd end = RunCarefulJob(job, face);
     if (end.is == CarefulEnd::Is::Written)
         ShowReport(job, end.report);
-    else if (end.is == CarefulEnd::Is::BrokenOff && EndedEarly(end.end))
-        ShowEndBox(end.end, EndText(end.end, QStringLiteral("Das Lesen wurde angehalten.")) + BreakText(end.report));
-    else if (!end.report.restored.empty())
-        ShowDoneBox(ReportText(end.report), job.title);
+    else
+        ShowBreak(end, job.title);
     return end;
+}
+
+bool WaitingPagesMended(const Command &command)
+{
+    WindowFace face(command, QStringLiteral("Speicherseite wiederherstellen"));
+    if (!PagesWait(face.handheld()))
+        return true;
+    const CarefulEnd end = MendPages(face, face.title);
+    ShowBreak(end, face.title);
+    return end.is == CarefulEnd::Is::Written && command.connected();
 }
 
 } // namespace hr::ui
