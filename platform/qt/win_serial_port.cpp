@@ -243,7 +243,6 @@ void WinSerialPort::Device::write(const QByteArray &bytes)
 void WinSerialPort::Device::discardOutput()
 {
     queued.clear();
-    openFault = PortFault::None;
     PurgeComm(handle, PURGE_TXABORT | PURGE_TXCLEAR);
 }
 
@@ -319,6 +318,7 @@ bool WinSerialPort::open()
     device->onReceived = [this] { handleReceived(); };
     device->onLost = [this] { handleLoss(); };
     device->start();
+    openFault = PortFault::None;
     return true;
 }
 
