@@ -10,38 +10,74 @@ namespace hr::handheld
 
 namespace
 {
-std::map<int, QString> names; // of the used addresses; empty = not known
+
+std::map<int, std::optional<LocoRecord>> locos; // by used address
+std::function<void(int)> told;
+
+void Tell(int address)
+{
+    if (told)
+        told(address);
+}
+
 } // namespace
 
 void NoteRecord(int address, const LocoRecord &record)
 {
-    NoteUse(address, !IsEmptyName(record.name));
-    if (IsKnownLoco(address))
-        names.at(address) = WithoutTrailingBlanks(AsStored(record.name, NameLength));
+    if (IsEmptyName(record.name)) {
+        NoteUse(address, false);
+        return;
+    }
+    LocoRecord stored = record;
+    stored.name = AsStored(record.name, NameLength);
+    locos.insert_or_assign(address, stored);
+    Tell(address);
 }
 
 void NoteUse(int address, bool used)
 {
     if (used)
-        names.try_emplace(address);
+        locos.try_emplace(address);
     else
-        names.erase(address);
+        locos.erase(address);
+    Tell(address);
 }
 
 bool IsKnownLoco(int address)
 {
-    return names.contains(address);
+    return locos.contains(address);
 }
 
 QString KnownLocoName(int address)
 {
-    const auto found = names.find(address);
-    return found != names.end() ? found->second : QString();
+    const auto record = KnownRecord(address);
+    return record ? WithoutTrailingBlanks(record->name) : QString();
+}
+
+std::optional<LocoRecord> KnownRecord(int address)
+{
+    const auto found = locos.find(address);
+    return found != locos.end() ? found->second : std::nullopt;
+}
+
+std::vector<int> KnownAddresses()
+{
+    std::vector<int> addresses;
+    addresses.reserve(locos.size());
+    for (const auto &[address, record] : locos)
+        addresses.push_back(address);
+    return addresses;
 }
 
 void ForgetKnownLocos()
 {
-    names.clear();
+    locos.clear();
+    Tell(AllAddresses);
+}
+
+void OnKnownLoco(std::function<void(int)> tell)
+{
+    told = std::move(tell);
 }
 
 } // namespace hr::handheld

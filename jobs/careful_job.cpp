@@ -480,12 +480,31 @@ private:
             text += QStringLiteral("Unverändert und nicht geschrieben: %1.\r").arg(RecordCount(unchanged));
         if (edited > 0 && !job.options.writeAll)
             text += QStringLiteral("Seither geändert und so gelassen: %1.\r").arg(RecordCount(edited));
+        if (job.namesPresent)
+            text += overwrittenText();
         if (unknown > 0)
             text += QStringLiteral("Nicht sicher gelesen und nicht geschrieben: %1.\r").arg(RecordCount(unknown));
         text += DurationText(SecondsOf(chosen, job.options.prove)) + u'.';
         if (job.options.undoSnapshot)
             text += QStringLiteral("\rWas dort steht, wird vorher gesichert.");
         return text + u'\r' + job.question;
+    }
+
+    /// The first of the locos that others take the place of, by their present names.
+    [[nodiscard]] QString overwrittenText() const
+    {
+        constexpr qsizetype mostNamed = 12;
+        QStringList names;
+        for (const RecordChange &change : chosen) {
+            const auto *loco = change.present ? std::get_if<LocoRecord>(&*change.present) : nullptr;
+            if (loco != nullptr && change.change == Change::OtherLoco)
+                names += QStringLiteral("%1 (%2)").arg(change.id.number).arg(ShownName(*loco));
+        }
+        if (names.isEmpty())
+            return {};
+        const QString rest = names.size() > mostNamed ? QStringLiteral(" …") : QString();
+        return QStringLiteral("Dort stehen jetzt andere Loks: %1%2\r")
+            .arg(names.mid(0, mostNamed).join(QStringLiteral(", ")), rest);
     }
 
     [[nodiscard]] size_t count(Change wanted) const

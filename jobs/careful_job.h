@@ -41,7 +41,8 @@ struct CarefulJob {
     QString title;       // of the boxes; empty on a terminal
     QString lead;        // stands above the question, ended by CR; may be empty
     QString question = QStringLiteral("Soll geschrieben werden?");
-    QString undoes; // the undo snapshot whose change is taken back: what was edited since stays
+    bool namesPresent = false; // the question names the locos that are overwritten
+    QString undoes;            // the undo snapshot whose change is taken back: what was edited since stays
 };
 
 /// What a window and a terminal do differently.

@@ -5,6 +5,8 @@
 
 #include <QJsonDocument>
 
+#include <map>
+
 namespace hr::roster
 {
 
@@ -87,6 +89,23 @@ QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &l
     default:
         return DdsOf(locos);
     }
+}
+
+QByteArray MergedDds(const DdsContent &content, const std::vector<RosterLoco> &locos)
+{
+    std::map<int, LocoRecord> listed;
+    for (const RosterLoco &loco : locos)
+        listed.insert_or_assign(loco.address, loco.record);
+    QByteArray file;
+    for (const DdsRecord &record : content.records) {
+        const auto found = record.id.kind == RecordKind::Loco ? listed.find(record.id.number) : listed.end();
+        file += found != listed.end() ? PackRecord(record.id, found->second) : record.bytes;
+        if (found != listed.end())
+            listed.erase(found);
+    }
+    for (const auto &[address, loco] : listed)
+        file += PackRecord({RecordKind::Loco, address}, loco);
+    return file;
 }
 
 } // namespace hr::roster

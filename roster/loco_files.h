@@ -18,4 +18,7 @@ bool NamesAccepted(const std::vector<ListedLoco> &locos);
 /// A file that holds the locos.
 QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &locos);
 
+/// A backup file in which these locos stand in the place of those of the same address; all else stays, in its order.
+QByteArray MergedDds(const DdsContent &content, const std::vector<RosterLoco> &locos);
+
 } // namespace hr::roster

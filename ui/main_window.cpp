@@ -18,6 +18,7 @@
 #include "ui/import/import_window.h"
 #include "ui/info_zeichensatz.h"
 #include "ui/loco/loco_editor.h"
+#include "ui/lokliste/lok_list_commands.h"
 #include "ui/option_commands.h"
 #include "ui/status_line.h"
 #include "ui/symbols/pixel_editor.h"
@@ -95,6 +96,7 @@ MainWindow::MainWindow()
     connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
     new ClickGuard(this);
     FollowCatalogue();
+    FollowKnownLocos();
     OnDeed([this](const QString &what) { status->showDeed(what); });
     OnConnectionChange([this] { status->showConnection(); });
     setAcceptDrops(true);
@@ -136,6 +138,7 @@ MainWindow::~MainWindow()
     ResetPickers();
     ResetPixelEditor();
     ResetCompareWindow();
+    ResetLokListe();
     ResetBackupWindows();
     ResetImportWindow();
     ResetSymbolPictures();
@@ -161,6 +164,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("zeichen_menu"), [this] { infoZeichensatz->present(); }},
         {QStringLiteral("help_menu"), [this] { helpWin->load(); }},
         {QStringLiteral("proginfo_menu"), ShowProgramInfo},
+        {QStringLiteral("lokliste_menu"), OpenLokListe},
         {QStringLiteral("vergleichen_menu"), CompareBackup},
         {QStringLiteral("zuruecknehmen_menu"), TakeBackLastChange},
     };
@@ -197,6 +201,11 @@ void MainWindow::dropEvent(QDropEvent *event)
     TheEvents().post([this, fileName = DroppedBackup(*event)] { openGivenFile(fileName); });
 }
 
+void MainWindow::showLoco(int address, const LocoRecord &record)
+{
+    locoEditor->showLoco(address, record);
+}
+
 void MainWindow::enable(bool enabled)
 {
     setEnabled(enabled);
@@ -211,6 +220,8 @@ QStringList MainWindow::unwritten() const
     QStringList names{locoEditor->unwritten()};
     for (const SymbolEditor *editor : symbolEditors)
         names += editor->unwritten();
+    if (LokListeUnsaved())
+        names += QStringLiteral("Lokliste");
     names.removeAll(QString());
     return names + UnwrittenTables();
 }

@@ -1,6 +1,7 @@
 // The one main window: loco editor, symbol editors, menus. It opens all other windows.
 #pragma once
 
+#include "handheld/loco_record.h"
 #include "ui/menu_bar.h"
 
 #include <QList>
@@ -39,6 +40,9 @@ public:
 
     /// Lets the user work in the window; the address field has the focus unless another field got it.
     void enable(bool enabled);
+
+    /// Shows a loco in the editor, as changed and not written.
+    void showLoco(int address, const LocoRecord &record);
 
     [[nodiscard]] StatusLine &statusLine() { return *status; }
 

@@ -62,7 +62,7 @@ std::vector<Menu> Menus()
             {{"zeichen_menu", QStringLiteral("Zeichensatz")}, {"help_menu", QStringLiteral("Hilfe")},
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
         {"werkzeuge_menu", QStringLiteral("Werkzeuge"), Qt::Key_W,
-            {{"vergleichen_menu", QStringLiteral("Vergleichen…")},
+            {{"lokliste_menu", QStringLiteral("Lokliste…")}, {"vergleichen_menu", QStringLiteral("Vergleichen…")},
                 {"zuruecknehmen_menu", QStringLiteral("Letzte Änderung zurücknehmen…")}}},
     };
 }

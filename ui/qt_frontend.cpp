@@ -334,6 +334,17 @@ void QtFrontend::compareWithHandheld(const QString &fileName)
     CompareBackupWithHandheld(fileName);
 }
 
+void QtFrontend::compareLocos(const std::vector<RosterLoco> &locos)
+{
+    CompareLocosWithHandheld(locos);
+}
+
+void QtFrontend::showInEditor(int address, const LocoRecord &record)
+{
+    mainWindow->showLoco(address, record);
+    BringForward(mainWindow);
+}
+
 void QtFrontend::setMainWindowTitle(const QString &title)
 {
     mainWindow->setWindowTitle(title);

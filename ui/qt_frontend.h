@@ -53,6 +53,8 @@ public:
     void setMainWindowTitle(const QString &title) override;
     void setLokDataMenuVisible(bool visible) override;
     void compareWithHandheld(const QString &fileName) override;
+    void compareLocos(const std::vector<RosterLoco> &locos) override;
+    void showInEditor(int address, const LocoRecord &record) override;
 
     /// Opens the selection window from the menu; nobody waits for its answer.
     void openSelectionFromMenu();

@@ -64,6 +64,16 @@ QString ScriptedUser::saveFileName(const QString &boxTitle, const QString &filte
     return answerTo(filter, boxTitle);
 }
 
+void ScriptedUser::compareLocos(const std::vector<RosterLoco> &locos)
+{
+    CompareLocosWithHandheld(locos);
+}
+
+void ScriptedUser::showInEditor(int address, const LocoRecord &record)
+{
+    onEditor(address, record);
+}
+
 void ScriptedUser::compareWithHandheld(const QString &fileName)
 {
     CompareBackupWithHandheld(fileName);

@@ -44,10 +44,13 @@ public:
     void setMainWindowTitle(const QString &text) override { title = text; }
     void setLokDataMenuVisible(bool visible) override { lokDataVisible = visible; }
     void compareWithHandheld(const QString &fileName) override;
+    void compareLocos(const std::vector<RosterLoco> &locos) override;
+    void showInEditor(int address, const LocoRecord &record) override;
 
     QString title;
     QString proposal;                  // of the last save dialog
     std::function<void()> onSelection; // the user at the selection window
+    std::function<void(int, const LocoRecord &)> onEditor;
     bool mainShown = false;
     bool mainEnabled = true;
     bool lokDataVisible = true;

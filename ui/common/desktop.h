@@ -2,7 +2,7 @@
 // window, and which window a running command waits for.
 #pragma once
 
-#include "platform/rooms.h"
+#include "roster/loco_csv.h"
 
 #include <QString>
 
@@ -36,6 +36,12 @@ public:
 
     /// Opens the comparison of a backup file with the handheld.
     virtual void compareWithHandheld(const QString &fileName) = 0;
+
+    /// Opens the comparison of a list's locos with the handheld.
+    virtual void compareLocos(const std::vector<RosterLoco> &locos) = 0;
+
+    /// Shows a loco in the main window, as what the user has changed and not written.
+    virtual void showInEditor(int address, const LocoRecord &record) = 0;
 
     /// Shows or hides the menu item of the command-station download (offered with interface kind 3 only).
     virtual void setLokDataMenuVisible(bool visible) = 0;

@@ -1,6 +1,7 @@
 #include "ui/compare/compare_commands.h"
 
 #include "jobs/take_back.h"
+#include "platform/files.h"
 #include "ui/common/careful_job.h"
 #include "ui/common/desktop.h"
 #include "ui/compare/compare_window.h"
@@ -15,16 +16,21 @@ namespace
 
 std::unique_ptr<CompareWindow> compareWindow;
 
-/// The window on a file; null where the file cannot be used.
-CompareWindow *OpenOn(const QString &fileName)
+/// The window on what is compared; null where the file cannot be used.
+CompareWindow *OpenOn(const std::optional<ComparedFile> &file)
 {
-    const auto file = LoadComparedFile(fileName);
     if (!file)
         return nullptr;
     if (!compareWindow)
         compareWindow = std::make_unique<CompareWindow>();
     compareWindow->open(*file);
     return compareWindow.get();
+}
+
+void CompareNow(const Command &command, const std::optional<ComparedFile> &file)
+{
+    if (CompareWindow *window = OpenOn(file))
+        window->compareWithHandheld(command);
 }
 
 } // namespace
@@ -37,7 +43,7 @@ void CompareBackup()
     const QString fileName =
         TheDesktop().openFileName(QStringLiteral("Datensicherung vergleichen"), ComparedFilter());
     if (!fileName.isEmpty())
-        OpenOn(fileName);
+        OpenOn(LoadComparedFile(fileName));
 }
 
 void CompareBackupWithHandheld(const QString &fileName)
@@ -45,8 +51,20 @@ void CompareBackupWithHandheld(const QString &fileName)
     const Command command;
     if (!command.ok())
         return;
-    if (CompareWindow *window = OpenOn(fileName))
-        window->compareWithHandheld(command);
+    CompareNow(command, LoadComparedFile(fileName));
+}
+
+void CompareLocosWithHandheld(const std::vector<RosterLoco> &locos)
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    ComparedFile file{KonfPath(QStringLiteral("\\konf\\Lokliste")), {}, {}};
+    for (const RosterLoco &loco : locos) {
+        file.about += PackRecord({RecordKind::Loco, loco.address}, loco.record);
+        file.steps.push_back({StepKind::Write, {RecordKind::Loco, loco.address}, loco.record, {}});
+    }
+    CompareNow(command, file);
 }
 
 void TakeBackLastChange()

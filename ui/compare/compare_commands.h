@@ -1,7 +1,7 @@
 // The commands of the menu "Werkzeuge", and the comparison that the viewer of a backup asks for.
 #pragma once
 
-#include "platform/rooms.h"
+#include "roster/loco_csv.h"
 
 #include <QString>
 
@@ -17,6 +17,9 @@ void CompareBackupWithHandheld(const QString &fileName);
 /// "Letzte Änderung zurücknehmen…": writes back what stood in the handheld before the last job that saved it, after a
 /// question (default No). The next time it is the job before that one.
 void TakeBackLastChange();
+
+/// The same for locos of a list.
+void CompareLocosWithHandheld(const std::vector<RosterLoco> &locos);
 
 /// Destroys the window. To be called while the application lives.
 void ResetCompareWindow();

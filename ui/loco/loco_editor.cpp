@@ -627,6 +627,17 @@ void LocoEditor::paste(bool functionsOnly)
         showRecord();
 }
 
+void LocoEditor::showLoco(int address, const LocoRecord &loco)
+{
+    adrTxt->setText(QString::number(address));
+    change([this, &loco] {
+        CurrentLoco = {loco, false};
+        setComplete(true);
+    });
+    showRecord();
+    explain();
+}
+
 void LocoEditor::spreadFunctions()
 {
     const CommandOn command([this] { return shownNow(); });

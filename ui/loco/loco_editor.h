@@ -35,6 +35,9 @@ public:
     /// Shows the current loco record.
     void showRecord();
 
+    /// Shows a loco of a list, as changed and not written; it can be taken back.
+    void showLoco(int address, const LocoRecord &loco);
+
     /// Gives the address field the focus, with its text selected.
     void focusAddress();
 
