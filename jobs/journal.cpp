@@ -209,7 +209,9 @@ bool Journal::isOfAnotherComputer()
     qint64 process = 0;
     QString computer;
     QString program;
-    if (!lock.getLockInfo(&process, &computer, &program) || computer == QSysInfo::machineHostName())
+    // The case of its name is no difference: one system tells it in two ways.
+    if (!lock.getLockInfo(&process, &computer, &program)
+        || computer.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0)
         return false;
     const QString name = file.fileName() + QStringLiteral(".lock");
     const QString question =

@@ -803,7 +803,7 @@ TEST_F(CarefulJobs, SnapshotsAreOrderedByNumberAndTheLastTwentyStay)
     ASSERT_TRUE(ReplaceFile(name, whole.left(whole.size() - 3)));
     user.expect(QStringLiteral("Die Datei %1 ist beschädigt.\rUnversehrt darin: 1 Datensatz.\r"
                                "Soll nur dieses zurückgenommen werden?")
-                    .arg(name),
+                    .arg(QDir::toNativeSeparators(name)),
         {}, QStringLiteral("Nein"));
     EXPECT_FALSE(OfferTakeBack().has_value());
     EXPECT_FALSE(user.defaultYes);
