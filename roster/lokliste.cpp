@@ -312,6 +312,26 @@ void Lokliste::noteHeld(int address, const LocoRecord &record)
         onRows(told);
 }
 
+void Lokliste::takeHeld(int address, const LocoRecord &record)
+{
+    heldLocos.insert_or_assign(address, Stored(record));
+    const int row = rowOfAddress(address);
+    std::vector<Row> after = rows;
+    if (IsEmptyName(record.name)) {
+        if (row >= 0)
+            after.erase(after.begin() + row);
+    } else if (row < 0) {
+        after.push_back(made(address, record, {}, true));
+    } else {
+        after.at(static_cast<size_t>(row)) =
+            std::make_shared<Lok>(Lok{at(row).id, address, record, {address, record}, {}});
+    }
+    show(after);
+    unsaved = false;
+    if (onRows && row >= 0 && row < size())
+        onRows({row}); // its state may be another one
+}
+
 void Lokliste::settle(const std::vector<int> &settled, const QString &source)
 {
     for (const int row : settled) {

@@ -97,6 +97,9 @@ public:
 
     /// Read or written without a doubt; an empty record says that the address is free there.
     void noteHeld(int address, const LocoRecord &record);
+
+    /// The same for a list that shows what the handheld holds: its rows come and go with it.
+    void takeHeld(int address, const LocoRecord &record);
     void forgetHeld() { heldLocos.clear(); }
     [[nodiscard]] const LocoRecord *held(int address) const;
 

@@ -19,6 +19,7 @@
 #include "ui/info_zeichensatz.h"
 #include "ui/loco/loco_editor.h"
 #include "ui/lokliste/lok_list_commands.h"
+#include "ui/lokliste/lok_panel.h"
 #include "ui/option_commands.h"
 #include "ui/status_line.h"
 #include "ui/symbols/pixel_editor.h"
@@ -30,6 +31,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QDropEvent>
 #include <QHBoxLayout>
 #include <QMenu>
@@ -45,6 +47,9 @@ namespace hr::ui
 
 namespace
 {
+
+constexpr int LeastWidthForPanel = 1200; // logical pixels of the screen
+
 /// A menu command that opens a window: it only needs that no other command runs.
 std::function<void()> Opening(std::function<void()> open)
 {
@@ -85,8 +90,12 @@ MainWindow::MainWindow()
     setObjectName(QStringLiteral("VeskaWin"));
     setWindowTitle(QStringLiteral("V E S K A  II  T O O L"));
     buildContents();
+    buildLokPanel();
     setStatusBar(status);
     menuItems = BuildMenuBar(this, menuActions());
+    lokDock->toggleViewAction()->setObjectName(QStringLiteral("loksanzeigen_menu"));
+    lokDock->toggleViewAction()->setText(QStringLiteral("Loks anzeigen"));
+    menuBar()->actions().constLast()->menu()->addAction(lokDock->toggleViewAction());
     menuBar()->actions().constLast()->menu()->addSeparator();
     menuBar()->actions().constLast()->menu()->addActions(locoEditor->actions());
     QAction *startImage = menuItems.at(QStringLiteral("StartBildMenu"));
@@ -96,9 +105,12 @@ MainWindow::MainWindow()
     connect(helpWin.get(), &HelpWin::guideAsked, guideWin.get(), [this] { guideWin->open(QString()); });
     new ClickGuard(this);
     FollowCatalogue();
-    FollowKnownLocos();
+    FollowKnownLocos([this](int address) { lokPanel->hear(address); });
     OnDeed([this](const QString &what) { status->showDeed(what); });
-    OnConnectionChange([this] { status->showConnection(); });
+    OnConnectionChange([this] {
+        status->showConnection();
+        lokPanel->showConnection();
+    });
     setAcceptDrops(true);
 }
 
@@ -126,6 +138,19 @@ void MainWindow::buildContents()
     layout->addWidget(scroller);
     layout->addStretch(1);
     setCentralWidget(new RoomyScrollArea(area, this));
+}
+
+/// Beside the editor; where the screen has no room for it, it is hidden until it is wanted.
+void MainWindow::buildLokPanel()
+{
+    lokDock = new QDockWidget(QStringLiteral("Loks"), this);
+    lokDock->setObjectName(QStringLiteral("LoksDock"));
+    lokDock->setFeatures(QDockWidget::DockWidgetClosable);
+    lokPanel = new LokPanel(lokDock);
+    lokDock->setWidget(lokPanel);
+    addDockWidget(Qt::LeftDockWidgetArea, lokDock);
+    lokDock->setVisible(screen()->availableGeometry().width() >= LeastWidthForPanel);
+    connect(lokPanel, &LokPanel::locoChosen, locoEditor, &LocoEditor::readLoco);
 }
 
 MainWindow::~MainWindow()

@@ -16,6 +16,7 @@ class GuideWin;
 class HelpWin;
 class InfoZeichensatz;
 class LocoEditor;
+class LokPanel;
 class StatusLine;
 class SymbolEditor;
 
@@ -66,6 +67,7 @@ protected:
 private:
     [[nodiscard]] MenuActions menuActions();
     void buildContents();
+    void buildLokPanel();
     [[nodiscard]] QStringList unwritten() const;
     void end();
 
@@ -78,6 +80,8 @@ private:
     std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
     StatusLine *status;
+    LokPanel *lokPanel = nullptr;
+    QDockWidget *lokDock = nullptr;
 };
 
 } // namespace hr::ui

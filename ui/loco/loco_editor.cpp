@@ -627,6 +627,14 @@ void LocoEditor::paste(bool functionsOnly)
         showRecord();
 }
 
+void LocoEditor::readLoco(int address)
+{
+    if (Busy())
+        return;
+    adrTxt->setText(QString::number(address));
+    readRecord();
+}
+
 void LocoEditor::showLoco(int address, const LocoRecord &loco)
 {
     adrTxt->setText(QString::number(address));

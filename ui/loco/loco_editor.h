@@ -35,6 +35,9 @@ public:
     /// Shows the current loco record.
     void showRecord();
 
+    /// Puts an address into the field and reads it.
+    void readLoco(int address);
+
     /// Shows a loco of a list, as changed and not written; it can be taken back.
     void showLoco(int address, const LocoRecord &loco);
 

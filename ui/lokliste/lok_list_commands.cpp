@@ -24,9 +24,10 @@ void OpenLokListe()
     lokListe->open();
 }
 
-void FollowKnownLocos()
+void FollowKnownLocos(std::function<void(int)> others)
 {
-    OnKnownLoco([](int address) {
+    OnKnownLoco([others = std::move(others)](int address) {
+        others(address);
         if (lokListe)
             lokListe->hear(address);
     });

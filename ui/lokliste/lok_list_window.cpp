@@ -97,7 +97,7 @@ constexpr int FunctionWidth = 40;
 constexpr int PictureWidth = 76;
 constexpr QSize StartSize(1240, 640);
 constexpr qsizetype MostNamed = 12; // locos in a question
-const auto EveryLoco = QStringLiteral("1-9999");
+
 
 enum Sent { UnlikeHandheld, TickedLocos, AllLocos }; // choices of what is sent
 
@@ -514,7 +514,7 @@ void LokListWindow::readFromHandheld()
         return;
     const QString title = QStringLiteral("Aus dem Handregler lesen");
     const QString wanted = TheAsk().askText(
-        QStringLiteral("Adressen (zum Beispiel 1-5,8):"), title, lastRead.isEmpty() ? EveryLoco : lastRead);
+        QStringLiteral("Adressen (zum Beispiel 1-5,8):"), title, lastRead);
     if (wanted.isEmpty())
         return;
     if (const QString fault = NumberListFault(wanted, FirstLoco, LastLoco); !fault.isEmpty()) {

@@ -105,7 +105,7 @@ private:
     QAction *undoAction = nullptr;
     QAction *redoAction = nullptr;
     std::optional<LocoRecord> copiedFunctions;
-    QString lastRead; // addresses that were read last
+    QString lastRead = QStringLiteral("1-9999"); // addresses that were read last
 };
 
 } // namespace hr::ui

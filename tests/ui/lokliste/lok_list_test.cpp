@@ -7,11 +7,13 @@
 #include "platform/text.h"
 #include "shown/connection.h"
 #include "tests/support/window_world.h"
+#include "ui/common/connection.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -250,6 +252,45 @@ TEST_F(LokListWin, WhatIsReadOrDeletedElsewhereIsThereAtOnce)
     window().close();
     events.run(1);
     EXPECT_TRUE(user.boxes.constLast().contains(u"Lokliste"));
+}
+
+/// Beside the editor: what is known of the handheld, kept for the next start.
+TEST_F(LokListWin, ThePanelShowsWhatTheHandheldHoldsAndKeepsIt)
+{
+    TellConnectionChange();
+    const auto panel = [this] {
+        const QAbstractItemModel *locos = window().findChild<QTableView *>(QStringLiteral("LoksTab"))->model();
+        QStringList list;
+        for (int row = 0; row < locos->rowCount(); ++row) {
+            QString line;
+            for (const int column : {0, NameCell, StateColumn})
+                line += locos->index(row, column).data().toString() + u' ';
+            list += line.trimmed();
+        }
+        return list;
+    };
+    readAll();
+    EXPECT_EQ(panel(),
+        QStringList({QStringLiteral("3 LOK 3 ✓"), QStringLiteral("8 LOK 8 ✓"), QStringLiteral("9 LOK 9 ✓")}));
+    field("AdrTxt")->setText(QStringLiteral("8"));
+    click("ResetLokdatenBut");
+    EXPECT_EQ(panel(), QStringList({QStringLiteral("3 LOK 3 ✓"), QStringLiteral("9 LOK 9 ✓")}));
+    field("LoksFilterTxt")->setText(QStringLiteral("lok 9"));
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(field("LoksFilterTxt"), &enter);
+    events.run(5);
+    EXPECT_EQ(field("AdrTxt")->text(), u"9");
+    EXPECT_EQ(field("LoknameTxt")->text().trimmed(), u"LOK 9");
+    EXPECT_TRUE(
+        window().findChild<QLabel *>(QStringLiteral("StandLbl"))->text().startsWith(u"1 von 2 Loks, Stand: 23.11."));
+    restart();
+    ShowHandheld({QStringLiteral("9.9"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
+    TellConnectionChange();
+    EXPECT_EQ(panel(), QStringList()) << "another handheld has its own list";
+    ShowHandheld({QStringLiteral("1.2"), QStringLiteral("14.3.8"), QStringLiteral("51201"), {}});
+    TellConnectionChange();
+    EXPECT_EQ(panel(), QStringList({QStringLiteral("3 LOK 3 ?"), QStringLiteral("9 LOK 9 ?")}))
+        << "not looked at yet";
 }
 
 TEST_F(LokListWin, TwoThousandLocosAreNoBurden)
