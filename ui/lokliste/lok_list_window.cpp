@@ -98,7 +98,6 @@ constexpr int PictureWidth = 76;
 constexpr QSize StartSize(1240, 640);
 constexpr qsizetype MostNamed = 12; // locos in a question
 
-
 enum Sent { UnlikeHandheld, TickedLocos, AllLocos }; // choices of what is sent
 
 size_t Size(int number)
@@ -204,7 +203,7 @@ Plan ReadingPlanOf(const std::vector<int> &addresses)
                     {known ? StepKind::Read : StepKind::Search, {RecordKind::Loco, address}, {}, {}});
         }
     }
-    plan.progress = [](const Step &step) { return QStringLiteral("Lese ") + RecordName(step.id); };
+    plan.progress = [](const Step &step) { return QString(QStringLiteral("Lese ") + RecordName(step.id)); };
     plan.ownerTellsPortLoss = true;
     return plan;
 }
@@ -277,7 +276,8 @@ void LokListWindow::buildTable()
     table->setColumnWidth(LokTable::SymbolColumn, qMax(PictureWidth, table->columnWidth(LokTable::SymbolColumn)));
     for (int f = 0; f < FunctionCount; ++f)
         table->setColumnWidth(LokTable::FirstFunctionColumn + f, qMax(FunctionWidth, letter * 6));
-    table->setColumnWidth(LokTable::StateColumn, letter * 15);
+    table->setColumnWidth(
+        LokTable::StateColumn, table->fontMetrics().horizontalAdvance(StateText(LokState::InHandheld)) + CaptionRoom);
     connect(table, &FrozenTable::spacePressed, this, &LokListWindow::toggleMomentary);
     connect(table, &QTableView::doubleClicked, this, &LokListWindow::editCell);
 }
@@ -513,8 +513,7 @@ void LokListWindow::readFromHandheld()
     if (!command.ok() || !command.connected())
         return;
     const QString title = QStringLiteral("Aus dem Handregler lesen");
-    const QString wanted = TheAsk().askText(
-        QStringLiteral("Adressen (zum Beispiel 1-5,8):"), title, lastRead);
+    const QString wanted = TheAsk().askText(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), title, lastRead);
     if (wanted.isEmpty())
         return;
     if (const QString fault = NumberListFault(wanted, FirstLoco, LastLoco); !fault.isEmpty()) {
