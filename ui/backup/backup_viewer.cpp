@@ -59,7 +59,9 @@ namespace
 {
 
 constexpr int RowHeight = 24;
+constexpr int RowMargin = 6;
 constexpr int FunctionWidth = 32;
+constexpr int HeadMargin = 12;
 constexpr int PictureColumnWidth = 68;
 constexpr int NameCharacters = 24;
 constexpr int CaptionMargin = 28;     // room for the sort arrow
@@ -137,11 +139,12 @@ void BackupViewer::buildTable()
     table->setTabKeyNavigation(false);
     table->setWordWrap(false);
     table->verticalHeader()->hide();
-    table->verticalHeader()->setDefaultSectionSize(RowHeight);
+    table->verticalHeader()->setDefaultSectionSize(qMax(RowHeight, table->fontMetrics().height() + RowMargin));
     QHeaderView *header = table->horizontalHeader();
     header->setHighlightSections(false);
-    header->setMinimumSectionSize(FunctionWidth);
     const QFontMetrics metrics = header->fontMetrics();
+    const int functionWidth = qMax(FunctionWidth, metrics.horizontalAdvance(QStringLiteral("f24")) + HeadMargin);
+    header->setMinimumSectionSize(functionWidth);
     const auto captionWidth = [&](int column) {
         return metrics.horizontalAdvance(ColumnCaption(column)) + CaptionMargin;
     };
@@ -151,7 +154,7 @@ void BackupViewer::buildTable()
         BackupTable::SymbolColumn, qMax(PictureColumnWidth, captionWidth(BackupTable::SymbolColumn)));
     table->setColumnWidth(BackupTable::MultiUniColumn, captionWidth(BackupTable::MultiUniColumn));
     for (int f = 0; f < FunctionCount; ++f)
-        table->setColumnWidth(BackupTable::FirstFunctionColumn + f, FunctionWidth);
+        table->setColumnWidth(BackupTable::FirstFunctionColumn + f, functionWidth);
 }
 
 QWidget *BackupViewer::buildFilterRow()

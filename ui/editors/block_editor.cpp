@@ -45,7 +45,7 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
     , menus(new QMenuBar(this))
     , unreadLbl(
-          NamedLabel(QStringLiteral("NichtGelesenLbl"), QStringLiteral("Beim Lesen gehen Änderungen verloren"), this))
+          NamedLabel(QStringLiteral("NichtGelesenLbl"), QStringLiteral("Was vor dem Lesen geändert wird, geht beim Lesen verloren"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
