@@ -44,8 +44,8 @@ BlockEditor::BlockEditor(const BlockEditorLook &look, bool &loaded)
     , doubtLbl(NamedDoubtLabel(QStringLiteral("UnvollstaendigLbl"), this))
     , changedLbl(NamedChangedLabel(QStringLiteral("GeaendertLbl"), this))
     , menus(new QMenuBar(this))
-    , unreadLbl(
-          NamedLabel(QStringLiteral("NichtGelesenLbl"), QStringLiteral("Was vor dem Lesen geändert wird, geht beim Lesen verloren"), this))
+    , unreadLbl(NamedLabel(QStringLiteral("NichtGelesenLbl"),
+          QStringLiteral("Was vor dem Lesen geändert wird, geht beim Lesen verloren"), this))
 {
     setObjectName(look.windowName);
     setWindowTitle(look.caption);
