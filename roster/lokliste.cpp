@@ -37,6 +37,11 @@ LocoRecord Stored(LocoRecord record)
 
 } // namespace
 
+QString HandheldSource()
+{
+    return QStringLiteral("Handregler");
+}
+
 QString StateText(LokState state)
 {
     switch (state) {
@@ -87,7 +92,9 @@ LokState Lokliste::state(int row) const
         return LokState::InHandheld;
     if (!IsSame(lok, lok.came))
         return LokState::Changed;
-    return lok.source.isEmpty() ? LokState::Unknown : LokState::FromFile;
+    if (!lok.source.isEmpty() && lok.source != HandheldSource())
+        return LokState::FromFile;
+    return there == nullptr ? LokState::Unknown : LokState::Changed;
 }
 
 QStringList Lokliste::faults(int row) const
@@ -316,10 +323,11 @@ void Lokliste::takeHeld(int address, const LocoRecord &record)
 {
     heldLocos.insert_or_assign(address, Stored(record));
     const int row = rowOfAddress(address);
+    if (row < 0 && IsEmptyName(record.name))
+        return; // most of a search
     std::vector<Row> after = rows;
     if (IsEmptyName(record.name)) {
-        if (row >= 0)
-            after.erase(after.begin() + row);
+        after.erase(after.begin() + row);
     } else if (row < 0) {
         after.push_back(made(address, record, {}, true));
     } else {

@@ -17,10 +17,13 @@ namespace hr::roster
 enum class LokState {
     InHandheld, // the handheld holds it exactly so
     FromFile,   // as its source had it
-    Changed,    // edited here
+    Changed,    // edited here, or the handheld it came from is known to hold something else by now
     Invalid,    // cannot be written as it is: see faults
-    Unknown     // known from an earlier start, not looked at since
+    Unknown     // known from an earlier start or another handheld, not looked at since
 };
+
+/// What a row that was read from the handheld has as its source.
+QString HandheldSource();
 
 /// "im Handregler", "aus Datei", "geändert", "ungültig", "unbekannt"
 QString StateText(LokState state);

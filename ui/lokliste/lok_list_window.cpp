@@ -40,6 +40,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace hr::ui
 {
@@ -103,11 +104,6 @@ enum Sent { UnlikeHandheld, TickedLocos, AllLocos }; // choices of what is sent
 size_t Size(int number)
 {
     return static_cast<size_t>(number);
-}
-
-QString HandheldSource()
-{
-    return QStringLiteral("Handregler");
 }
 
 QString FileFilter()
@@ -182,13 +178,15 @@ public:
         };
         const bool replaces = asks(text + QStringLiteral("Soll sie ersetzt werden?"));
         const auto answer = replaces ? Lokliste::Doubled::Replace : Lokliste::Doubled::Keep;
-        if (asks(replaces ? QStringLiteral("Sollen alle übrigen auch ersetzt werden, ohne Frage?")
-                          : QStringLiteral("Sollen alle übrigen auch bleiben, wie sie sind, ohne Frage?")))
+        if (!std::exchange(askedForAll, true)
+            && asks(replaces ? QStringLiteral("Sollen alle übrigen auch ersetzt werden, ohne Frage?")
+                             : QStringLiteral("Sollen alle übrigen auch bleiben, wie sie sind, ohne Frage?")))
             forAll = answer;
         return answer;
     }
 
 private:
+    bool askedForAll = false; // once
     std::optional<Lokliste::Doubled> forAll;
 };
 
@@ -395,7 +393,9 @@ void LokListWindow::buildLayout()
     layout->addWidget(table, 1);
     layout->addLayout(buildOptionRow());
     layout->addLayout(buildButtonRow());
-    SearchIn(filterTxt, table);
+    // Ctrl+F leads to the filter; what is typed on the table goes into its cells.
+    NamedAction(QStringLiteral("SuchenAction"), QStringLiteral("Suchen"), QKeySequence::Find, this,
+        [this] { filterTxt->setFocus(Qt::ShortcutFocusReason); });
     AltKey(filterTxt, Qt::Key_F);
     AltKey(table, Qt::Key_T);
     AltKey(sentBox, Qt::Key_G);
@@ -467,6 +467,17 @@ void LokListWindow::goTo(int row, int column)
     const QModelIndex index = shown->mapFromSource(model->index(row, column));
     table->setCurrentIndex(index);
     table->scrollTo(index);
+}
+
+/// What came from a file is still there; what was edited is not, until it is sent or saved.
+bool LokListWindow::isUnsaved() const
+{
+    bool edited = false;
+    for (int row = 0; row < list.size(); ++row) {
+        const LokState state = list.state(row);
+        edited = edited || state == LokState::Changed || state == LokState::Invalid;
+    }
+    return list.isChanged() && edited;
 }
 
 void LokListWindow::hear(int address)
@@ -817,8 +828,6 @@ void LokListWindow::settleSent(const std::vector<int> &ids, const CarefulReport 
             settled.push_back(row);
     }
     list.settle(settled, HandheldSource());
-    if (IsSettled(report))
-        list.setSaved();
 }
 
 /// Only after the loco is proved under its new address. The question has named them.

@@ -35,7 +35,8 @@ public:
     /// Something new is known of this address of the handheld, or nothing of any any more (handheld/known_locos.h).
     void hear(int address);
 
-    [[nodiscard]] bool isUnsaved() const { return list.isChanged() && list.size() > 0; }
+    /// True when something was edited that is neither in the handheld nor in a file.
+    [[nodiscard]] bool isUnsaved() const;
 
 private:
     void buildTable();

@@ -1,5 +1,7 @@
 #include "ui/widgets/frozen_table.h"
 
+#include "ui/widgets/picture_delegate.h"
+
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -8,8 +10,19 @@
 namespace hr::ui
 {
 
+/// The frozen columns: what is edited in them is edited here, not behind them.
+class FrozenFront : public QTableView
+{
+public:
+    using QTableView::QTableView;
+    bool editIt(const QModelIndex &index, EditTrigger trigger, QEvent *event) { return edit(index, trigger, event); }
+
+private:
+    using QTableView::edit;
+};
+
 FrozenTable::FrozenTable(int frozenColumns, QWidget *parent)
-    : QTableView(parent), frozen(frozenColumns), front(new QTableView(this))
+    : QTableView(parent), frozen(frozenColumns), front(new FrozenFront(this))
 {
     front->setFocusPolicy(Qt::NoFocus);
     front->setFocusProxy(this);
@@ -19,7 +32,7 @@ FrozenTable::FrozenTable(int frozenColumns, QWidget *parent)
     front->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     front->setFrameShape(QFrame::NoFrame);
     front->setWordWrap(false);
-    for (QTableView *view : {static_cast<QTableView *>(this), front}) {
+    for (QTableView *view : {static_cast<QTableView *>(this), static_cast<QTableView *>(front)}) {
         view->setVerticalScrollMode(ScrollPerPixel);
         view->setHorizontalScrollMode(ScrollPerPixel);
     }
@@ -40,7 +53,11 @@ void FrozenTable::setModel(QAbstractItemModel *model)
     QTableView::setModel(model);
     front->setModel(model);
     front->setSelectionModel(selectionModel());
-    front->setItemDelegate(itemDelegate());
+    auto *delegate = new PictureDelegate(front);
+    front->setItemDelegate(delegate);
+    // The keyboard stays with the whole table.
+    connect(
+        delegate, &QAbstractItemDelegate::closeEditor, this, [this] { setFocus(); }, Qt::QueuedConnection);
     front->setSelectionBehavior(selectionBehavior());
     front->setSelectionMode(selectionMode());
     front->setEditTriggers(editTriggers());
@@ -81,6 +98,11 @@ void FrozenTable::keyPressEvent(QKeyEvent *event)
         Q_EMIT spacePressed();
     else
         QTableView::keyPressEvent(event);
+}
+
+bool FrozenTable::edit(const QModelIndex &index, EditTrigger trigger, QEvent *event)
+{
+    return index.column() < frozen ? front->editIt(index, trigger, event) : QTableView::edit(index, trigger, event);
 }
 
 void FrozenTable::resizeEvent(QResizeEvent *event)

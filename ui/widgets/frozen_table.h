@@ -8,6 +8,8 @@
 namespace hr::ui
 {
 
+class FrozenFront;
+
 class FrozenTable : public QTableView
 {
     Q_OBJECT
@@ -15,6 +17,7 @@ class FrozenTable : public QTableView
 public:
     FrozenTable(int frozenColumns, QWidget *parent);
 
+    using QTableView::edit;
     void setModel(QAbstractItemModel *model) override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
 
@@ -23,6 +26,7 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    bool edit(const QModelIndex &index, EditTrigger trigger, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void changeEvent(QEvent *event) override;
@@ -33,7 +37,7 @@ private:
     [[nodiscard]] int frozenWidth() const;
 
     int frozen;
-    QTableView *front; // the frozen columns, laid over the same ones of this table
+    FrozenFront *front; // the frozen columns, laid over the same ones of this table
 };
 
 } // namespace hr::ui

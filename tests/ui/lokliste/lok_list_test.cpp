@@ -237,7 +237,7 @@ TEST_F(LokListWin, WhatIsReadOrDeletedElsewhereIsThereAtOnce)
     QLineEdit *address = field("AdrTxt");
     address->setText(QStringLiteral("8"));
     click("ResetLokdatenBut");
-    EXPECT_EQ(shown().at(1), u"8 LOK 8 aus Datei");
+    EXPECT_EQ(shown().at(1), u"8 LOK 8 geändert");
     user.onEditor = [this](int n, const LocoRecord &record) { window().showLoco(n, record); };
     select(1, 0, 1, 0);
     act("EditorAction");
@@ -246,7 +246,7 @@ TEST_F(LokListWin, WhatIsReadOrDeletedElsewhereIsThereAtOnce)
     EXPECT_EQ(nameOf(8), u"LOK 8");
     EXPECT_EQ(shown().at(1), u"8 LOK 8 im Handregler");
     ForgetKnownLocos();
-    EXPECT_EQ(shown().at(1), u"8 LOK 8 aus Datei");
+    EXPECT_EQ(shown().at(1), u"8 LOK 8 unbekannt") << "another handheld may hold something else";
     type(0, NameCell, QStringLiteral("X"));
     answer(QStringLiteral("Nein")); // the end of the program
     window().close();
