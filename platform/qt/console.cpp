@@ -73,6 +73,10 @@ unsigned PrepareOutput()
         SetConsoleMode(error, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
     _setmode(1, _O_BINARY);
     _setmode(2, _O_BINARY);
+    // Unbuffered, the halves of an umlaut would come out one by one, as two signs. Whoever prints flushes.
+    constexpr size_t mostAtOnce = 8192;
+    std::setvbuf(stdout, nullptr, _IOFBF, mostAtOnce);
+    std::setvbuf(stderr, nullptr, _IOFBF, mostAtOnce);
     return before;
 }
 
