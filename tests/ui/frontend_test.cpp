@@ -1,6 +1,7 @@
 #include "ui/qt_frontend.h"
 
 #include "link/open_link.h"
+#include "platform/files.h"
 #include "platform/port_name.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
@@ -10,6 +11,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFileDialog>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -128,6 +130,35 @@ TEST_F(RealFrontend, QuestionsSpeakGermanAndEndWithTheProgram)
     EXPECT_TRUE(OpenBoxes().isEmpty());
     EXPECT_FALSE(frontend->askYesNo(question, true)) << "no box any more while the program ends";
     EXPECT_TRUE(frontend->saveFileName(QStringLiteral("x"), QStringLiteral("*.dds"), QString()).isEmpty());
+}
+
+/// Pictures and backups each open where their last file was; the pixel editor is offered PNG files too.
+TEST_F(RealFrontend, FileDialogsRememberAFolderForEachKind)
+{
+    QStringList filters;
+    QString began;
+    const auto choose = [&](const QString &filter, const QString &name) {
+        later([&] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            filters = dialog->nameFilters();
+            began = dialog->directory().path();
+            dialog->selectFile(name);
+            static_cast<QDialog *>(dialog)->accept();
+        });
+        EXPECT_EQ(frontend->openFileName(QStringLiteral("x"), filter), name);
+    };
+    const QString picture = folder.filePath(QStringLiteral("a/1.bmp"));
+    const QString backup = folder.filePath(QStringLiteral("b/1.dds"));
+    for (const QString &name : {picture, backup})
+        ASSERT_TRUE(MakeFolder(QFileInfo(name).path()) && ReplaceFile(name, "x"));
+    choose(QStringLiteral("*.bmp"), picture);
+    EXPECT_EQ(filters.mid(0, 2), QStringList({QStringLiteral("*.bmp"), QStringLiteral("Bilder (*.bmp *.png)")}));
+    choose(QStringLiteral("*.dds"), backup);
+    EXPECT_EQ(filters, QStringList(QStringLiteral("*.dds")));
+    choose(QStringLiteral("*.bmp"), picture);
+    EXPECT_EQ(began, QFileInfo(picture).path());
+    choose(QStringLiteral("*.dds"), backup);
+    EXPECT_EQ(began, QFileInfo(backup).path());
 }
 
 TEST_F(RealFrontend, SelectionFromTheMenuSendsTheHandheldBackAndClosesThePort)

@@ -19,13 +19,15 @@ namespace hr::ui
 namespace
 {
 
-constexpr int TextRoom = 4; // beside a button's caption; the main window must fit a small screen
+constexpr int TextRoom = 6; // beside a button's caption; the main window must fit a small screen
 
 /// Enter presses the button that has the focus, in every window.
 class EnterButton : public QPushButton
 {
 public:
     using QPushButton::QPushButton;
+
+    [[nodiscard]] QSize sizeHint() const override { return QPushButton::sizeHint() + QSize(TextRoom, 0); }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override
@@ -154,7 +156,7 @@ void SameWidth(const QList<QPushButton *> &buttons)
 {
     int width = 0;
     for (const QPushButton *button : buttons)
-        width = qMax(width, button->sizeHint().width() + TextRoom);
+        width = qMax(width, button->sizeHint().width());
     for (QPushButton *button : buttons)
         button->setMinimumWidth(width);
 }
