@@ -9,6 +9,7 @@
 #include "jobs/undo_snapshot.h"
 #include "link/exchange.h"
 #include "link/open_link.h"
+#include "platform/disk.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"
@@ -224,7 +225,8 @@ private:
                                  .arg(QDir::toNativeSeparators(page.fileName), page.fault());
         if (face.agrees(Topic::DropPage, {text, job.title, BoxIcon::Critical}, false)
             && face.handheldNow() != JobFace::Handheld::Gone) {
-            QFile::rename(page.fileName, page.fileName + QStringLiteral(".beschaedigt"));
+            // Where that fails it is asked about again.
+            static_cast<void>(TheDisk().rename(page.fileName, page.fileName + QStringLiteral(".beschaedigt")));
             return true;
         }
         end.is = CarefulEnd::Is::Refused;

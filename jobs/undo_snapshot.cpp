@@ -195,7 +195,8 @@ bool MarkAsTakenBack(const QString &fileName)
     const QString stem = fileName.left(fileName.lastIndexOf(u'.'));
     bool marked = true;
     for (const QString &ending : {DdsEnding, BytesEnding})
-        marked = (!FileExists(stem + ending) || QFile::rename(stem + ending, TakenBackName(stem + ending))) && marked;
+        marked =
+            (!FileExists(stem + ending) || TheDisk().rename(stem + ending, TakenBackName(stem + ending))) && marked;
     const bool isAlone = replaced.isEmpty() || replaced == fileName || !FileExists(replaced);
     return (isAlone || MarkAsTakenBack(replaced)) && marked;
 }

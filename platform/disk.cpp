@@ -27,6 +27,11 @@ bool Disk::remove(const QString &path)
     return QFile::remove(path);
 }
 
+bool Disk::rename(const QString &from, const QString &to)
+{
+    return QFile::rename(from, to);
+}
+
 bool Disk::flush(QFileDevice &)
 {
     return true;

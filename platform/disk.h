@@ -26,6 +26,7 @@ public:
     [[nodiscard]] virtual bool replace(QSaveFile &file);
 
     virtual bool remove(const QString &path);
+    [[nodiscard]] virtual bool rename(const QString &from, const QString &to);
 
     /// From here on what was written to the file, and the names in the folder, outlive a power failure.
     [[nodiscard]] virtual bool flush(QFileDevice &file);

@@ -151,7 +151,7 @@ void Lokliste::show(const std::vector<Row> &wanted)
         onReset();
 }
 
-void Lokliste::keep(std::vector<Row> after)
+void Lokliste::keep(const std::vector<Row> &after)
 {
     steps.resize(step);
     steps.push_back({rows, after});
@@ -202,7 +202,7 @@ void Lokliste::change(const std::vector<int> &changed, const std::function<void(
         after.at(static_cast<size_t>(row)) = edited;
     }
     if (any)
-        keep(std::move(after));
+        keep(after);
 }
 
 Lokliste::Row Lokliste::made(int address, const LocoRecord &record, const QString &source, bool came)
@@ -241,7 +241,7 @@ bool Lokliste::add(const std::vector<ListedLoco> &locos, const QString &source, 
         after.at(found->second) = replaced;
     }
     if (after != rows)
-        keep(std::move(after));
+        keep(after);
     return true;
 }
 
@@ -281,7 +281,7 @@ int Lokliste::duplicate(const std::vector<int> &copied)
         after.push_back(made(address, at(row).record, at(row).source, false));
     }
     after.insert(after.end(), rows.begin() + static_cast<std::ptrdiff_t>(behind), rows.end());
-    keep(std::move(after));
+    keep(after);
     return static_cast<int>(behind);
 }
 
@@ -290,7 +290,7 @@ int Lokliste::addNew()
     const std::set<int> taken = takenAddresses();
     std::vector<Row> after = rows;
     after.push_back(made(freeAddress(rows.empty() ? 0 : rows.back()->address, taken), Blank(), {}, false));
-    keep(std::move(after));
+    keep(after);
     return size() - 1;
 }
 
@@ -302,7 +302,7 @@ void Lokliste::remove(const std::vector<int> &removed)
             after.push_back(rows.at(static_cast<size_t>(row)));
     }
     if (after.size() != rows.size())
-        keep(std::move(after));
+        keep(after);
 }
 
 // --- What the handheld holds ---
@@ -379,6 +379,7 @@ void Lokliste::load(const std::vector<RosterLoco> &locos, const QString &source)
 std::vector<RosterLoco> LocosOf(const Lokliste &list)
 {
     std::vector<RosterLoco> locos;
+    locos.reserve(static_cast<size_t>(list.size()));
     for (int row = 0; row < list.size(); ++row)
         locos.push_back({list.at(row).address, list.at(row).record});
     return locos;

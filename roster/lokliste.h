@@ -125,7 +125,7 @@ private:
         std::vector<Row> after;
     };
 
-    void keep(std::vector<Row> after);
+    void keep(const std::vector<Row> &after);
     void join(size_t from);
     void dropOldest();
     void show(const std::vector<Row> &wanted);

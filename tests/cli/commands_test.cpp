@@ -646,6 +646,10 @@ public:
         return false;
     }
     bool remove(const QString &path) override { return !dead && Disk::remove(path); }
+    [[nodiscard]] bool rename(const QString &from, const QString &to) override
+    {
+        return !dead && Disk::rename(from, to);
+    }
 };
 
 /// Calls that are broken in every way at a random moment, in both cadences, and what is called next.

@@ -444,6 +444,7 @@ std::vector<int> LokListWindow::selected() const
     for (const QModelIndex &index : table->selectionModel()->selectedIndexes())
         seen.insert(index.row());
     std::vector<int> rows;
+    rows.reserve(seen.size());
     for (const int row : seen)
         rows.push_back(shown->mapToSource(shown->index(row, 0)).row());
     return rows;
