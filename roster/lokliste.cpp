@@ -163,9 +163,10 @@ void Lokliste::keep(const std::vector<Row> &after)
 
 void Lokliste::dropOldest()
 {
-    if (steps.size() > MostSteps)
+    if (steps.size() > MostSteps) {
         steps.erase(steps.begin());
-    step = steps.size();
+        --step;
+    }
 }
 
 void Lokliste::join(size_t from)

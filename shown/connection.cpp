@@ -5,35 +5,34 @@
 namespace hr::shown
 {
 
-QString HandheldVersion;
-QString HandheldDate;
-QString HandheldType;
-QString HandheldKind;
 int SelectionAnswer = 0;
 bool SelectionAwaited = false;
 
+namespace
+{
+HandheldInfo shownHandheld;
+} // namespace
+
 void ShowHandheld(const HandheldInfo &info)
 {
-    HandheldVersion = info.version;
-    HandheldDate = info.date;
-    HandheldType = info.type;
-    HandheldKind = info.kind;
+    shownHandheld = info;
 }
 
 HandheldInfo ShownHandheld()
 {
-    return {HandheldVersion, HandheldDate, HandheldType, HandheldKind};
+    return shownHandheld;
 }
 
 QString TitleWithHandheld()
 {
     const QString front = TheBranding().windowTitle + QStringLiteral(" : Vers: ");
-    if (HandheldVersion.isEmpty())
+    if (shownHandheld.version.isEmpty())
         return front + QStringLiteral("unbekannt");
     // A damaged or foreign identification may hold anything; a title is one line.
-    QString type = HandheldType;
+    QString type = shownHandheld.type;
     type.removeIf([](QChar c) { return !c.isPrint(); });
-    return front + HandheldVersion + QStringLiteral(" vom ") + HandheldDate + QStringLiteral(" Type: ") + type;
+    return front + shownHandheld.version + QStringLiteral(" vom ") + shownHandheld.date + QStringLiteral(" Type: ")
+        + type;
 }
 
 void ResetShownConnection()

@@ -6,12 +6,6 @@
 namespace hr::shown
 {
 
-// --- What the last search found; empty when the handheld did not identify itself. Set by the search. ---
-extern QString HandheldVersion; // for example "1.2"
-extern QString HandheldDate;    // day.month.year without padding, for example "14.3.8"
-extern QString HandheldType;    // five characters, for example "51201"
-extern QString HandheldKind;    // "Funk-HR", "Digital-Set" or empty
-
 /// Answer of the selection window: open still, OK (try the new settings), Cancel (end the program), or go on without a
 /// handheld.
 constexpr int SelectionOpen = 0;
@@ -23,9 +17,8 @@ extern int SelectionAnswer;
 /// True while the program waits for SelectionAnswer; only then does Cancel end the program.
 extern bool SelectionAwaited;
 
+/// What the last search found; empty when the handheld did not identify itself. Set by the search.
 void ShowHandheld(const HandheldInfo &info);
-
-/// What the last search found, as it was shown.
 HandheldInfo ShownHandheld();
 
 /// The main window's title with what is known: "... : Vers: 1.2 vom 14.3.8 Type: 51201", or "unbekannt".

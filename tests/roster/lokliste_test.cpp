@@ -132,6 +132,13 @@ TEST_F(LoklisteTest, EveryStepCanBeTakenBackAndDoneAgain)
         EXPECT_EQ(shown(), states.at(i));
     }
     EXPECT_FALSE(list.canRedo());
+    list.undo();
+    {
+        const Lokliste::OneStep nothing(list);
+        list.change({0}, [](Lok &) {});
+    }
+    list.redo();
+    EXPECT_EQ(shown(), states.back()) << "what is no step leaves those that can be done again";
     for (int i = 0; i < 2 * Lokliste::MostSteps; ++i)
         readdress(0, i + 1);
     for (int i = 0; i < Lokliste::MostSteps; ++i)

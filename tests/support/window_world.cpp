@@ -46,6 +46,15 @@ void Mouse(QEvent::Type type, QWidget *widget, QPoint at, Qt::KeyboardModifiers 
     QApplication::sendEvent(widget, &event);
 }
 
+QWidget *WindowNamed(QStringView name)
+{
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->objectName() == name)
+            return widget;
+    }
+    return nullptr;
+}
+
 void ClickCell(Grid *grid, int row, int column, Qt::KeyboardModifiers held)
 {
     const QPoint centre = grid->visualItemRect(grid->item(row, column)).center();

@@ -27,6 +27,9 @@ namespace hr::tests
 /// A real mouse event at a place of a widget.
 void Mouse(QEvent::Type type, QWidget *widget, QPoint at, Qt::KeyboardModifiers held = Qt::NoModifier);
 
+/// A window of the program, seen or not; null when there is none of this name.
+QWidget *WindowNamed(QStringView name);
+
 /// A click on a cell that is to be seen.
 void ClickCell(Grid *grid, int row, int column, Qt::KeyboardModifiers held = Qt::NoModifier);
 

@@ -27,17 +27,16 @@ constexpr int ListCharacters = 28;
 constexpr int AddressCharacters = 6;
 constexpr int HintLines = 3;
 
-QCheckBox *NamedCheck(const QString &key, const QString &caption, QWidget *parent)
+/// Named by its key in the kept selection.
+QCheckBox *KeyCheck(const QString &key, const QString &caption, QWidget *parent)
 {
-    auto *box = new QCheckBox(caption, parent);
-    box->setObjectName(key + QStringLiteral("Chk"));
-    return box;
+    return NamedCheck(key + QStringLiteral("Chk"), caption, parent);
 }
 
 /// The check box of a table.
 QCheckBox *TableCheck(RecordKind kind, QWidget *parent)
 {
-    return NamedCheck(RowOf(kind).selectionKey, RowOf(kind).caption, parent);
+    return KeyCheck(RowOf(kind).selectionKey, RowOf(kind).caption, parent);
 }
 
 void SetWidthInCharacters(QWidget *field, int characters)
@@ -64,7 +63,7 @@ bool IsAddress(int number)
 
 SelectionWindow::SelectionWindow()
     : LeavableWindow(nullptr, Qt::Dialog)
-    , lokSucheChk(NamedCheck(QStringLiteral("LokSuche"), QStringLiteral("Lokdatensätze suchen"), this))
+    , lokSucheChk(KeyCheck(QStringLiteral("LokSuche"), QStringLiteral("Lokdatensätze suchen"), this))
     , startTxt(NamedField(QStringLiteral("LokSucheAdrStartTxt"), QStringLiteral("Suche von Adresse"), this))
     , stopTxt(NamedField(QStringLiteral("LokSucheAdrStopTxt"), QStringLiteral("Suche bis Adresse"), this))
     , fsDatenChk(TableCheck(RecordKind::RouteTable, this))
@@ -86,13 +85,13 @@ void SelectionWindow::buildNumberedRow(QGridLayout *grid, NumberedKind kind)
     const KindRow &look = RowOfChoice(kind);
     const int gridRow = kind == LokDatenList ? 0 : kind + 1; // the search comes after the list of locos
     NumberedRow &row = rows.at(kind);
-    row.wanted = NamedCheck(look.selectionKey, look.caption, this);
+    row.wanted = KeyCheck(look.selectionKey, look.caption, this);
     row.list =
         NamedField(look.selectionKey + QStringLiteral("Txt"), look.caption + QStringLiteral(", Nummern"), this);
     SetWidthInCharacters(row.list, ListCharacters);
     grid->addWidget(row.wanted, gridRow, KindColumn);
     if (!look.allKey.isEmpty()) {
-        row.all = NamedCheck(look.allKey, QStringLiteral("alle"), this);
+        row.all = KeyCheck(look.allKey, QStringLiteral("alle"), this);
         row.all->setAccessibleName(look.caption + QStringLiteral(", alle"));
         grid->addWidget(row.all, gridRow, AllColumn);
     }

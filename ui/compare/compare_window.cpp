@@ -111,13 +111,6 @@ protected:
     }
 };
 
-QCheckBox *NamedCheck(const char *name, const QString &caption, QWidget *parent)
-{
-    auto *box = new QCheckBox(caption, parent);
-    box->setObjectName(QLatin1String(name));
-    return box;
-}
-
 QString Native(const QString &fileName)
 {
     return QDir::toNativeSeparators(fileName);
@@ -196,12 +189,14 @@ CompareWindow::CompareWindow()
     , table(new TickView(this))
     , fileLbl(NamedLabel(QStringLiteral("DateiLbl"), QString(), this))
     , filterTxt(NamedField(QStringLiteral("FilterTxt"), QStringLiteral("Filter:"), this))
-    , differencesChk(NamedCheck("UnterschiedeChk", QStringLiteral("nur Unterschiede zeigen"), this))
+    , differencesChk(NamedCheck(QStringLiteral("UnterschiedeChk"), QStringLiteral("nur Unterschiede zeigen"), this))
     , countLbl(NamedLabel(QStringLiteral("AnzahlLbl"), QString(), this))
     , sidesLbl(NamedLabel(QStringLiteral("LegendeLbl"), QString(), this))
-    , onlyChangesChk(NamedCheck("NurAenderungenChk", QStringLiteral("nur Änderungen schreiben"), this))
-    , verifyChk(NamedCheck("PruefenChk", QStringLiteral("nach dem Schreiben prüfen"), this))
-    , saveBeforeChk(NamedCheck("VorherSichernChk", QStringLiteral("vorher sichern, was überschrieben wird"), this))
+    , onlyChangesChk(
+          NamedCheck(QStringLiteral("NurAenderungenChk"), QStringLiteral("nur Änderungen schreiben"), this))
+    , verifyChk(NamedCheck(QStringLiteral("PruefenChk"), QStringLiteral("nach dem Schreiben prüfen"), this))
+    , saveBeforeChk(NamedCheck(
+          QStringLiteral("VorherSichernChk"), QStringLiteral("vorher sichern, was überschrieben wird"), this))
 {
     setObjectName(QStringLiteral("VergleichWin"));
     shown->setSourceModel(model);

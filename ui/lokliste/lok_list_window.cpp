@@ -40,7 +40,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 namespace hr::ui
 {
@@ -76,8 +75,7 @@ protected:
             return lok.record.locoSymbol == *symbol
                 || (*symbol != 0 && std::ranges::find(lok.record.symbols, *symbol) != lok.record.symbols.end());
         }
-        return QString::number(lok.address).contains(wanted) || lok.record.name.contains(wanted, Qt::CaseInsensitive)
-            || SymbolHasWord(SymbolKind::Loco, lok.record.locoSymbol, wanted);
+        return HasText(lok, wanted);
     }
 
 private:
@@ -131,14 +129,6 @@ BoxText Fault(const QString &text)
     return {text, QStringLiteral("Fehler!"), BoxIcon::Critical};
 }
 
-QCheckBox *NamedCheck(const char *name, const QString &caption, QWidget *parent)
-{
-    auto *box = new QCheckBox(caption, parent);
-    box->setObjectName(QLatin1String(name));
-    box->setChecked(true);
-    return box;
-}
-
 QComboBox *NamedChoice(const char *name, const QString &label, const QStringList &choices, QWidget *parent)
 {
     auto *box = new QComboBox(parent);
@@ -178,7 +168,7 @@ public:
         };
         const bool replaces = asks(text + QStringLiteral("Soll sie ersetzt werden?"));
         const auto answer = replaces ? Lokliste::Doubled::Replace : Lokliste::Doubled::Keep;
-        if (!std::exchange(askedForAll, true)
+        if (asked++ % AskedForAllEvery == 0
             && asks(replaces ? QStringLiteral("Sollen alle übrigen auch ersetzt werden, ohne Frage?")
                              : QStringLiteral("Sollen alle übrigen auch bleiben, wie sie sind, ohne Frage?")))
             forAll = answer;
@@ -186,7 +176,8 @@ public:
     }
 
 private:
-    bool askedForAll = false; // once
+    static constexpr int AskedForAllEvery = 10; // hundreds of questions can be left
+    int asked = 0;
     std::optional<Lokliste::Doubled> forAll;
 };
 
@@ -231,12 +222,15 @@ LokListWindow::LokListWindow()
     , sentBox(NamedChoice("AuswahlBox", QStringLiteral("Gesendet werden:"),
           {QStringLiteral("was der Handregler nicht so hat"), QStringLiteral("angekreuzte"), QStringLiteral("alle")},
           this))
-    , verifyChk(NamedCheck("PruefenChk", QStringLiteral("nach dem Schreiben prüfen"), this))
-    , saveBeforeChk(NamedCheck("VorherSichernChk", QStringLiteral("vorher sichern, was überschrieben wird"), this))
+    , verifyChk(NamedCheck(QStringLiteral("PruefenChk"), QStringLiteral("nach dem Schreiben prüfen"), this))
+    , saveBeforeChk(NamedCheck(
+          QStringLiteral("VorherSichernChk"), QStringLiteral("vorher sichern, was überschrieben wird"), this))
 {
     setObjectName(QStringLiteral("LokListeWin"));
     setWindowTitle(QStringLiteral("Lokliste"));
     shown->setSourceModel(model);
+    for (QCheckBox *box : {verifyChk, saveBeforeChk})
+        box->setChecked(true);
     buildTable();
     buildMenus();
     buildLayout();
@@ -455,12 +449,17 @@ std::vector<int> LokListWindow::sentRows() const
     std::vector<int> rows;
     for (int row = 0; row < list.size(); ++row) {
         const bool wanted = sentBox->currentIndex() == AllLocos
-            || (sentBox->currentIndex() == TickedLocos ? model->isTicked(row)
-                                                       : list.state(row) != LokState::InHandheld);
+            || (sentBox->currentIndex() == TickedLocos ? model->isTicked(row) : isToBeSent(row));
         if (wanted)
             rows.push_back(row);
     }
     return rows;
+}
+
+/// Also what waits to be deleted under its old address.
+bool LokListWindow::isToBeSent(int row) const
+{
+    return list.state(row) != LokState::InHandheld || list.leftBehind(row) != 0;
 }
 
 void LokListWindow::goTo(int row, int column)
@@ -522,7 +521,7 @@ void LokListWindow::addKnown()
 void LokListWindow::readFromHandheld()
 {
     const Command command;
-    if (!command.ok() || !command.connected())
+    if (!command.ok())
         return;
     const QString title = QStringLiteral("Aus dem Handregler lesen");
     const QString wanted = TheAsk().askText(QStringLiteral("Adressen (zum Beispiel 1-5,8):"), title, lastRead);
@@ -532,6 +531,8 @@ void LokListWindow::readFromHandheld()
         TheAsk().showBox(Fault(fault));
         return;
     }
+    if (!command.connected())
+        return;
     lastRead = wanted;
     const StoppableJob stoppable;
     const TellsPortLoss teller;
@@ -603,7 +604,7 @@ void LokListWindow::pickSymbol()
     const int id = list.at(row).id;
     const int chosen = function < 1 ? PickSymbol(SymbolKind::Loco, record.locoSymbol)
                                     : PickSymbol(SymbolKind::Function, record.symbols.at(Size(function)),
-                                        QStringLiteral("für f%1").arg(function));
+                                        QStringLiteral("Symbol für f%1").arg(function));
     if (chosen == NothingChosen || list.rowOf(id) != row)
         return;
     list.change(rows,
@@ -756,66 +757,77 @@ QString LokListWindow::refusedText(const std::vector<int> &rows) const
     return lines.mid(0, MostNamed).join(u'\r') + (lines.size() > MostNamed ? QStringLiteral("\r…") : QString());
 }
 
-void LokListWindow::send()
+LokListWindow::Sending LokListWindow::sendingNow() const
 {
-    const CommandOn command([this] { return sentRows(); });
-    if (!command.ok())
-        return;
-    std::vector<int> sound;
+    Sending sending;
     std::vector<int> refused;
-    for (const int row : command.shown)
-        (list.faults(row).isEmpty() ? sound : refused).push_back(row);
-    if (mayLeaveOut(refused, sound.size()) && command.connected())
-        sendRows(command, sound);
+    for (const int row : sentRows()) {
+        const Lok &lok = list.at(row);
+        if (list.faults(row).isEmpty())
+            sending.loks.push_back({lok.id, {lok.address, lok.record}, list.leftBehind(row)});
+        else
+            refused.push_back(row);
+    }
+    sending.refused = refusedText(refused);
+    return sending;
 }
 
 /// Rows that cannot be sent are named; false when nothing is to be sent then.
-bool LokListWindow::mayLeaveOut(const std::vector<int> &refused, size_t others) const
+bool LokListWindow::mayLeaveOut(const Sending &sending)
 {
-    if (refused.empty())
+    if (sending.refused.isEmpty())
         return true;
-    const QString text = QStringLiteral("So können diese Loks nicht gesendet werden:\r") + refusedText(refused);
-    if (others == 0) {
+    const QString text = QStringLiteral("So können diese Loks nicht gesendet werden:\r") + sending.refused;
+    if (sending.loks.empty()) {
         TheAsk().showBox({text, SendTitle(), BoxIcon::Critical});
         return false;
     }
-    const QString question = QStringLiteral("\r\rSollen die übrigen gesendet werden (%1)?").arg(LocoCount(others));
+    const QString question =
+        QStringLiteral("\r\rSollen die übrigen gesendet werden (%1)?").arg(LocoCount(sending.loks.size()));
     return TheAsk().askYesNo({text + question, SendTitle(), BoxIcon::Critical}, false);
 }
 
-void LokListWindow::sendRows(const Command &command, const std::vector<int> &rows)
+void LokListWindow::send()
 {
+    const CommandOn command([this] { return sendingNow(); });
+    if (!command.ok() || !mayLeaveOut(command.shown) || !command.connected())
+        return;
     CarefulJob job;
     job.command = QStringLiteral("Lokliste");
     job.fileName = KonfPath(QStringLiteral("\\konf\\Lokliste"));
     job.title = SendTitle();
     job.options = {false, verifyChk->isChecked(), saveBeforeChk->isChecked()};
     job.namesPresent = true;
+    CarefulJob old = job; // deletes what has moved
+    old.command = QStringLiteral("Lokliste: alte Adressen");
+    old.fileName.clear();
     QStringList moved;
-    std::vector<int> leftBehind;
-    std::vector<int> ids;
-    for (const int row : rows) {
-        const Lok &lok = list.at(row);
-        ids.push_back(lok.id);
-        job.steps.push_back({StepKind::Write, {RecordKind::Loco, lok.address}, lok.record, {}});
-        job.about += PackRecord({RecordKind::Loco, lok.address}, lok.record);
-        if (const int old = list.leftBehind(row); old != 0) {
-            leftBehind.push_back(old);
-            moved += QStringLiteral("%1 → %2").arg(old).arg(lok.address);
-        }
+    for (const SentLok &lok : command.shown.loks) {
+        const RecordId id{RecordKind::Loco, lok.loco.address};
+        job.steps.push_back({StepKind::Write, id, lok.loco.record, {}});
+        job.about += PackRecord(id, lok.loco.record);
+        if (lok.leftBehind == 0)
+            continue;
+        old.steps.push_back({StepKind::Delete, {RecordKind::Loco, lok.leftBehind}, {}, {}});
+        moved += QStringLiteral("%1 → %2").arg(lok.leftBehind).arg(lok.loco.address);
     }
     if (!moved.isEmpty())
         job.lead = QStringLiteral("Umgezogen, unter der alten Adresse danach gelöscht: %1\r").arg(Named(moved));
+    old.lead = job.lead;
     const CarefulEnd end = RunFromWindow(command, job);
     if (end.is != CarefulEnd::Is::Written)
         return;
-    settleSent(ids, end.report);
-    if (IsSettled(end.report) && !leftBehind.empty())
-        removeLeftBehind(command, leftBehind);
+    // Only when the loco is proved under its new address. Where nothing was to be written nothing has been asked yet.
+    if (IsSettled(end.report) && !old.steps.empty() && command.connected()) {
+        old.asks = IdsOf(end.report.job, RecordState::Done).empty();
+        static_cast<void>(RunFromWindow(command, old)); // what became of it is shown
+    }
+    settleSent(command.shown.loks, end.report);
     show();
 }
 
-void LokListWindow::settleSent(const std::vector<int> &ids, const CarefulReport &report)
+/// What has been edited since, and what is still to be deleted under its old address, goes the next time.
+void LokListWindow::settleSent(const std::vector<SentLok> &loks, const CarefulReport &report)
 {
     std::set<int> sent;
     for (const JobEntry &entry : report.job.entries) {
@@ -823,26 +835,14 @@ void LokListWindow::settleSent(const std::vector<int> &ids, const CarefulReport 
             sent.insert(entry.step.id.number);
     }
     std::vector<int> settled;
-    for (const int id : ids) {
-        const int row = list.rowOf(id);
-        if (row >= 0 && sent.contains(list.at(row).address))
+    for (const SentLok &lok : loks) {
+        const int row = list.rowOf(lok.id);
+        const bool same =
+            row >= 0 && list.at(row).address == lok.loco.address && list.at(row).record == lok.loco.record;
+        if (same && sent.contains(lok.loco.address) && list.leftBehind(row) == 0)
             settled.push_back(row);
     }
     list.settle(settled, HandheldSource());
-}
-
-/// Only after the loco is proved under its new address. The question has named them.
-void LokListWindow::removeLeftBehind(const Command &command, const std::vector<int> &addresses)
-{
-    CarefulJob job;
-    job.command = QStringLiteral("Lokliste: alte Adressen");
-    job.title = SendTitle();
-    job.options = {false, verifyChk->isChecked(), saveBeforeChk->isChecked()};
-    job.asks = false;
-    for (const int address : addresses)
-        job.steps.push_back({StepKind::Delete, {RecordKind::Loco, address}, {}, {}});
-    if (command.connected())
-        static_cast<void>(RunFromWindow(command, job)); // what became of it is shown
 }
 
 /// What of an existing backup is not in the list stays in it on demand.
@@ -857,7 +857,10 @@ QByteArray LokListWindow::fileFor(const QString &fileName, const std::vector<Ros
                                      .arg(Native(fileName), RecordCount(content.records.size())),
                                  SaveTitle(), BoxIcon::None},
             true);
-    return keeps ? MergedDds(content, locos) : FileOfLocos(fileName, locos);
+    if (keeps)
+        return MergedDds(content, locos);
+    return fileName.endsWith(u".csv", Qt::CaseInsensitive) ? CsvOf(locos, CsvFor::Spreadsheets)
+                                                           : FileOfLocos(fileName, locos);
 }
 
 void LokListWindow::save()

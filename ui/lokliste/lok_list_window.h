@@ -1,7 +1,7 @@
 // The window of the Lokliste: locos of the handheld and of files in one table, edited in place, then sent or saved.
 #pragma once
 
-#include "jobs/careful_report.h"
+#include "jobs/careful_job.h"
 #include "ui/common/command.h"
 #include "ui/lokliste/lok_table.h"
 #include "ui/widgets/leavable_window.h"
@@ -39,6 +39,17 @@ public:
     [[nodiscard]] bool isUnsaved() const;
 
 private:
+    /// What a click on the send button is about: typing goes on meanwhile.
+    struct SentLok {
+        int id;
+        RosterLoco loco;
+        int leftBehind; // see Lokliste
+    };
+    struct Sending {
+        std::vector<SentLok> loks;
+        QString refused; // those that cannot be sent, with the reason; empty when all can
+    };
+
     void buildTable();
     void buildMenus();
     void addEdits(QMenu *menu);
@@ -53,6 +64,8 @@ private:
     [[nodiscard]] int current() const; // row of the list; -1 for none
     [[nodiscard]] std::vector<int> selected() const;
     [[nodiscard]] std::vector<int> sentRows() const;
+    [[nodiscard]] bool isToBeSent(int row) const;
+    [[nodiscard]] Sending sendingNow() const;
     [[nodiscard]] std::vector<int> targets(qsizetype count) const;
     void goTo(int row, int column);
 
@@ -80,11 +93,9 @@ private:
 
     // --- Away ---
     [[nodiscard]] QString refusedText(const std::vector<int> &rows) const;
-    [[nodiscard]] bool mayLeaveOut(const std::vector<int> &refused, size_t others) const;
+    static bool mayLeaveOut(const Sending &sending);
     void send();
-    void sendRows(const Command &command, const std::vector<int> &rows);
-    void settleSent(const std::vector<int> &ids, const CarefulReport &report);
-    void removeLeftBehind(const Command &command, const std::vector<int> &addresses);
+    void settleSent(const std::vector<SentLok> &loks, const CarefulReport &report);
     static QByteArray fileFor(const QString &fileName, const std::vector<RosterLoco> &locos);
     void save();
     void showInEditor();

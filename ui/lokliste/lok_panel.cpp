@@ -43,9 +43,7 @@ public:
 protected:
     [[nodiscard]] bool filterAcceptsRow(int row, const QModelIndex &) const override
     {
-        const Lok &lok = list.at(row);
-        return QString::number(lok.address).contains(wanted) || lok.record.name.contains(wanted, Qt::CaseInsensitive)
-            || SymbolHasWord(SymbolKind::Loco, lok.record.locoSymbol, wanted);
+        return HasText(list.at(row), wanted);
     }
 
     /// The state as a mark; in words for those who point at it.

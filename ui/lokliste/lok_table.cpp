@@ -336,6 +336,12 @@ QVariant LokTable::headerData(int section, Qt::Orientation orientation, int role
     return (role == Qt::DisplayRole ? captions : words).at(std::min(section, static_cast<int>(FirstFunctionColumn)));
 }
 
+bool HasText(const Lok &lok, const QString &wanted)
+{
+    return QString::number(lok.address).contains(wanted) || lok.record.name.contains(wanted, Qt::CaseInsensitive)
+        || SymbolHasWord(SymbolKind::Loco, lok.record.locoSymbol, wanted);
+}
+
 QPixmap PictureOfLoco(const LocoRecord &record)
 {
     return record.locoSymbol < LokSymbolCount ? SymbolPictureOfHalf(SymbolKind::Loco, record.locoSymbol, HalfOn)

@@ -61,6 +61,9 @@ private:
     std::set<int> ticked; // by id
 };
 
+/// Address or name contain the text, or a word of the loco symbol begins with it.
+bool HasText(const Lok &lok, const QString &wanted);
+
 /// Pictures of the PC's catalogues; null where there is none.
 QPixmap PictureOfLoco(const LocoRecord &record);
 QPixmap PictureOfFunction(const LocoRecord &record, int function);

@@ -3,6 +3,7 @@
 #include "ui/widgets/picture_box.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -55,6 +56,13 @@ QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *p
     button->setObjectName(name);
     button->setAutoDefault(false);
     return button;
+}
+
+QCheckBox *NamedCheck(const QString &name, const QString &caption, QWidget *parent)
+{
+    auto *box = new QCheckBox(caption, parent);
+    box->setObjectName(name);
+    return box;
 }
 
 QFrame *NamedLine(const QString &name, QWidget *parent)

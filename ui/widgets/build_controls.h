@@ -10,6 +10,7 @@
 #include <functional>
 
 class QAction;
+class QCheckBox;
 class QFrame;
 class QLabel;
 class QLineEdit;
@@ -24,6 +25,8 @@ class PictureBox;
 
 QLabel *NamedLabel(const QString &name, const QString &caption, QWidget *parent);
 QPushButton *NamedButton(const QString &name, const QString &caption, QWidget *parent);
+
+QCheckBox *NamedCheck(const QString &name, const QString &caption, QWidget *parent);
 
 /// A thin horizontal line.
 QFrame *NamedLine(const QString &name, QWidget *parent);

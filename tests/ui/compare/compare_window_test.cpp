@@ -65,14 +65,7 @@ protected:
         ASSERT_TRUE(ReplaceFile(name, bytes));
     }
 
-    static QWidget *compareWin()
-    {
-        for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName() == u"VergleichWin")
-                return widget;
-        }
-        return nullptr;
-    }
+    static QWidget *compareWin() { return WindowNamed(u"VergleichWin"); }
     template <typename Control> static Control *in(const char *name)
     {
         return compareWin()->findChild<Control *>(QLatin1String(name));

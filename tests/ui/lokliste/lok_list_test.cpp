@@ -53,14 +53,7 @@ protected:
         return {reinterpret_cast<const char *>(bytes.data()), static_cast<qsizetype>(bytes.size())};
     }
 
-    static QWidget *win()
-    {
-        for (QWidget *widget : QApplication::topLevelWidgets()) {
-            if (widget->objectName() == u"LokListeWin")
-                return widget;
-        }
-        return nullptr;
-    }
+    static QWidget *win() { return WindowNamed(u"LokListeWin"); }
     template <typename Control> static Control *in(const char *name)
     {
         return win()->findChild<Control *>(QLatin1String(name));
@@ -163,6 +156,36 @@ TEST_F(LokListWin, ReadEditedSentAndTakenBack)
         trigger("zuruecknehmen_menu");
     }
     EXPECT_EQ(flash().state.memory, before);
+}
+
+/// What was in the cells at the click is sent, and an old address is never deleted unasked nor forgotten.
+TEST_F(LokListWin, WhatIsTypedWhileASendingWaitsBelongsToTheNextOne)
+{
+    readAll();
+    type(0, NameCell, QStringLiteral("KLICK"));
+    user.onBox = [] { type(0, NameCell, QStringLiteral("SPAETER")); };
+    answer(QStringLiteral("Ja"));
+    answer({});
+    press("SendenBut");
+    user.onBox = nullptr;
+    EXPECT_EQ(nameOf(3), u"KLICK");
+    EXPECT_EQ(cell(0, StateColumn), u"geändert");
+    type(0, NameCell, QStringLiteral("KLICK"));
+
+    flash().setBytes(LocoRecordAddress(21), flashBytes(LocoRecordAddress(8), LocoRecordSize)); // it is there already
+    type(1, 0, QStringLiteral("21"));
+    answer({}); // nothing was to be written
+    answer(QStringLiteral("Nein"));
+    press("SendenBut");
+    EXPECT_EQ(nameOf(8), u"LOK 8") << "not without the question";
+    EXPECT_EQ(in<QPushButton>("SendenBut")->text(), u"1 Lok senden") << "the old address waits";
+    answer({});
+    answer(QStringLiteral("Ja"));
+    answer({});
+    press("SendenBut");
+    EXPECT_EQ(nameOf(8), u"-leer-");
+    EXPECT_EQ(nameOf(21), u"LOK 8");
+    EXPECT_FALSE(in<QPushButton>("SendenBut")->isEnabled());
 }
 
 TEST_F(LokListWin, CellsGoToASpreadsheetAndBack)
