@@ -75,7 +75,7 @@ namespace
 constexpr int RowHeight = 24;
 constexpr int RowMargin = 6;
 constexpr int PictureWidth = 60;
-constexpr int NameLetters = 18;
+constexpr int NameLetters = 22;
 constexpr int CellRoom = 12;
 
 /// Enter chooses, as a double-click does.
@@ -160,7 +160,8 @@ void LokPanel::buildTable()
     header->moveSection(header->visualIndex(LokTable::SymbolColumn), 1); // the picture before the name
     const QFontMetrics metrics = table->fontMetrics();
     table->setColumnWidth(LokTable::AddressColumn, metrics.horizontalAdvance(QStringLiteral("9999")) + 2 * CellRoom);
-    table->setColumnWidth(LokTable::SymbolColumn, PictureWidth);
+    table->setColumnWidth(
+        LokTable::SymbolColumn, qMax(PictureWidth, header->sectionSizeHint(LokTable::SymbolColumn)));
     table->setColumnWidth(LokTable::NameColumn, metrics.averageCharWidth() * NameLetters);
     table->setColumnWidth(LokTable::StateColumn, metrics.horizontalAdvance(u'✓') + 2 * CellRoom);
     header->setSectionResizeMode(LokTable::NameColumn, QHeaderView::Stretch);
