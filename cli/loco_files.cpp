@@ -10,18 +10,25 @@ bool IsLocoFileName(const QString &fileName)
 {
     if (HoldsLocos(fileName))
         return true;
-    UsageFault(QStringLiteral("%1: Der Name muss auf .csv, .json oder .dds enden.").arg(fileName));
+    UsageFault(QStringLiteral("%1: Der Name muss auf .csv, .json, .dds oder .xml enden.").arg(fileName));
     return false;
 }
 
 std::optional<std::vector<ListedLoco>> ReadLocoFile(const QString &fileName)
 {
-    if (!IsLocoFileName(fileName))
-        return {};
-    const auto file = ReadFileArgument(fileName);
-    if (!file)
-        return {};
-    LocoList list = LocosOfFile(fileName, *file);
+    LocoList list;
+    if (IsLocoFolder(fileName)) {
+        list = LocosOfFolder(fileName);
+    } else {
+        if (!IsLocoFileName(fileName))
+            return {};
+        const auto file = ReadFileArgument(fileName);
+        if (!file)
+            return {};
+        list = LocosOfFile(fileName, *file);
+    }
+    if (!list.notes.empty())
+        Tell(NotesText(list.notes));
     if (list.faults.empty())
         return list.locos;
     FileFaults(fileName, FaultsText(list.faults));

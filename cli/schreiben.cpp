@@ -55,7 +55,7 @@ Exit Run(const Call &call)
 Command WriteCommand()
 {
     return {QStringLiteral("schreiben"), {QStringLiteral("DATEI")},
-        QStringLiteral("schreibt die Loks aus einer Datei .csv, .json oder .dds"),
+        QStringLiteral("schreibt die Loks aus einer Datei .csv, .json, .dds oder .xml (JMRI)"),
         CarefulOptions(Keeps::Journal) << QCommandLineOption(
             OnlyOption, QStringLiteral("nur diese Loks der Datei, zum Beispiel 1-5,8"), QStringLiteral("LISTE")),
         Run,

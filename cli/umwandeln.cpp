@@ -29,7 +29,7 @@ Exit Run(const Call &call)
 {
     const QString from = call.arguments.value(0);
     const QString to = call.arguments.value(1);
-    if (!IsLocoFileName(from) || !IsLocoFileName(to))
+    if (!IsLocoFileName(to))
         return Exit::Usage;
     const auto listed = ReadLocoFile(from);
     if (!listed)
@@ -63,8 +63,10 @@ Exit Run(const Call &call)
 Command ConvertCommand()
 {
     return {QStringLiteral("umwandeln"), {QStringLiteral("EIN"), QStringLiteral("AUS")},
-        QStringLiteral("wandelt Loks zwischen .dds, .csv und .json um, ohne Handregler"), {}, Run,
-        QStringLiteral("Eine vorhandene Datei AUS wird ersetzt. Aus einer Sicherung werden nur die Loks genommen.")};
+        QStringLiteral("wandelt Loks zwischen .dds, .csv, .json und JMRI (.xml) um, ohne Handregler"), {}, Run,
+        QStringLiteral(
+            "Eine vorhandene Datei AUS wird ersetzt. Aus einer Sicherung werden nur die Loks genommen. EIN "
+            "kann auch der Ordner mit den Lokdateien von JMRI sein; was davon nicht verstanden wird, wird genannt.")};
 }
 
 } // namespace hr::cli

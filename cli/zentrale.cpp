@@ -59,7 +59,8 @@ Exit Run(const Call &call)
 Command StationCommand()
 {
     return {QStringLiteral("zentrale"), {QStringLiteral("DATEI")},
-        QStringLiteral("holt die Lok-Datenbank der Zentrale in eine Datei .csv, .json oder .dds"), {}, Run,
+        QStringLiteral("holt die Lok-Datenbank der Zentrale in eine Datei .csv, .json, .dds oder .xml (JMRI)"), {},
+        Run,
         QStringLiteral(
             "Braucht --interface 3; ein Handregler muss nicht verbunden sein. --schnell gilt hier nicht.")};
 }

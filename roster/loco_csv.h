@@ -55,6 +55,7 @@ struct ListedLoco {
 struct LocoList {
     std::vector<ListedLoco> locos;
     std::vector<FileFault> faults; // with any, nothing may be written
+    QStringList notes;             // what was left out or adapted, for the user
 };
 
 LocoList ReadLocoCsv(const QByteArray &file);

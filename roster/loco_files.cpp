@@ -1,8 +1,10 @@
 #include "roster/loco_files.h"
 
 #include "program/ask.h"
+#include "roster/jmri_roster.h"
 #include "roster/loco_json.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 
 #include <map>
@@ -13,7 +15,9 @@ namespace hr::roster
 namespace
 {
 
-enum class Format { Csv, Json, Dds, Unknown };
+constexpr qsizetype MostNotes = 20;
+
+enum class Format { Csv, Json, Jmri, Dds, Unknown };
 
 Format FormatOf(const QString &fileName)
 {
@@ -22,6 +26,8 @@ Format FormatOf(const QString &fileName)
         return Format::Csv;
     if (ending == u"json")
         return Format::Json;
+    if (ending == u"xml")
+        return Format::Jmri;
     return ending == u"dds" ? Format::Dds : Format::Unknown;
 }
 
@@ -63,9 +69,28 @@ LocoList LocosOfFile(const QString &fileName, const QByteArray &content)
         return ReadLocoCsv(content);
     case Format::Json:
         return ReadLocoJson(content);
+    case Format::Jmri:
+        return ReadJmriRoster(fileName, content, FunctionWords::Kept());
     default:
         return ReadLocoDds(content);
     }
+}
+
+bool IsLocoFolder(const QString &path)
+{
+    return QFileInfo(path).isDir();
+}
+
+LocoList LocosOfFolder(const QString &folder)
+{
+    return ReadJmriFolder(folder, FunctionWords::Kept());
+}
+
+QString NotesText(const QStringList &notes)
+{
+    const qsizetype more = notes.size() - MostNotes;
+    return notes.mid(0, MostNotes).join(u'\n')
+        + (more > 0 ? QStringLiteral("\n… und %1 weitere").arg(more) : QString());
 }
 
 bool NamesAccepted(const std::vector<ListedLoco> &locos)
@@ -86,6 +111,8 @@ QByteArray FileOfLocos(const QString &fileName, const std::vector<RosterLoco> &l
         return CsvOf(locos, CsvFor::Programs);
     case Format::Json:
         return QJsonDocument(JsonOf(locos)).toJson();
+    case Format::Jmri:
+        return JmriRosterOf(locos, FunctionWords::Kept());
     default:
         return DdsOf(locos);
     }

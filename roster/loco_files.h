@@ -1,4 +1,4 @@
-// Files of any format that holds locos: .csv, .json and .dds; the format goes by the ending.
+// Files of any format that holds locos: .csv, .json, .dds and .xml (roster/jmri_roster.h); the format goes by the ending.
 #pragma once
 
 #include "roster/loco_csv.h"
@@ -11,6 +11,15 @@ bool HoldsLocos(const QString &fileName);
 
 /// The locos of a file; with faults nothing of it may be used.
 LocoList LocosOfFile(const QString &fileName, const QByteArray &content);
+
+/// True for a folder, which can hold the loco files of a roster.
+bool IsLocoFolder(const QString &path);
+
+/// The locos of such a folder.
+LocoList LocosOfFolder(const QString &folder);
+
+/// The first 20 notes of a list, a line each, and how many more there are.
+QString NotesText(const QStringList &notes);
 
 /// Asks when names hold characters that the handheld does not have: what would be written. False for Nein.
 bool NamesAccepted(const std::vector<ListedLoco> &locos);

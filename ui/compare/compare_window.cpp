@@ -158,6 +158,9 @@ std::optional<ComparedFile> ListIn(const QString &fileName, const QByteArray &fi
                                    .arg(Native(fileName), FaultsText(list.faults).replace(u'\n', u'\r'))));
         return {};
     }
+    if (!list.notes.empty())
+        TheAsk().showBox(
+            {NotesText(list.notes).replace(u'\n', u'\r'), QStringLiteral("Lokliste"), BoxIcon::Information});
     if (!NamesAccepted(list.locos))
         return {};
     ComparedFile compared{fileName, file, {}};
@@ -170,7 +173,7 @@ std::optional<ComparedFile> ListIn(const QString &fileName, const QByteArray &fi
 
 QString ComparedFilter()
 {
-    return QStringLiteral("*.dds *.csv *.json");
+    return QStringLiteral("*.dds *.csv *.json *.xml");
 }
 
 std::optional<ComparedFile> LoadComparedFile(const QString &fileName)

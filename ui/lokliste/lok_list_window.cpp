@@ -106,7 +106,7 @@ size_t Size(int number)
 
 QString FileFilter()
 {
-    return QStringLiteral("*.dds *.csv *.json");
+    return QStringLiteral("*.dds *.csv *.json *.xml");
 }
 
 QString SaveTitle()
@@ -575,6 +575,9 @@ void LokListWindow::openFile()
                                    .arg(Native(fileName), FaultsText(locos.faults).replace(u'\n', u'\r'))));
         return;
     }
+    if (!locos.notes.empty())
+        TheAsk().showBox(
+            {NotesText(locos.notes).replace(u'\n', u'\r'), QStringLiteral("Lokliste"), BoxIcon::Information});
     addFrom(locos.locos, QFileInfo(fileName).fileName());
 }
 
@@ -880,7 +883,8 @@ void LokListWindow::save()
     if (fileName.isEmpty())
         return;
     if (!HoldsLocos(fileName)) {
-        TheAsk().showBox(Fault(QStringLiteral("Die Endung der Datei sagt, was sie wird: .dds, .csv oder .json.")));
+        TheAsk().showBox(
+            Fault(QStringLiteral("Die Endung der Datei sagt, was sie wird: .dds, .csv, .json oder .xml (JMRI).")));
         return;
     }
     if (!ReplaceFile(fileName, fileFor(fileName, command.shown))) {
