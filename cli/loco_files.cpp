@@ -27,8 +27,7 @@ std::optional<std::vector<ListedLoco>> ReadLocoFile(const QString &fileName)
             return {};
         list = LocosOfFile(fileName, *file);
     }
-    if (!list.notes.empty())
-        Tell(NotesText(list.notes));
+    TellNotes(list);
     if (list.faults.empty())
         return list.locos;
     FileFaults(fileName, FaultsText(list.faults));

@@ -5,6 +5,8 @@
 #include "jobs/listed_step.h"
 #include "platform/files.h"
 
+#include <QDir>
+
 #include <algorithm>
 
 namespace hr::cli
@@ -28,9 +30,21 @@ bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
     return true;
 }
 
+/// What a run is about: it goes on only with the same. What a roster says also stands in other files (the loco files, the
+/// words of the functions), so there it is what became of them.
+QByteArray AboutOf(const QString &fileName, const std::vector<ListedLoco> &locos)
+{
+    QByteArray about = ReadWholeFile(fileName).value_or(QByteArray());
+    if (!IsLocoFolder(fileName) && !fileName.endsWith(u".xml", Qt::CaseInsensitive))
+        return about;
+    for (const ListedLoco &loco : locos)
+        about += CsvLine({loco.address, Applied(loco, {})}).toUtf8() + '\n';
+    return about;
+}
+
 Exit Run(const Call &call)
 {
-    const QString fileName = call.arguments.value(0);
+    const QString fileName = QDir::cleanPath(call.arguments.value(0)); // a folder's journal lies beside it, not in it
     auto locos = ReadLocoFile(fileName);
     if (!locos)
         return Exit::Usage;
@@ -43,7 +57,7 @@ Exit Run(const Call &call)
         return Exit::Stopped;
     CarefulJob job = JobOf(call);
     job.fileName = fileName;
-    job.about = ReadWholeFile(fileName).value_or(QByteArray());
+    job.about = AboutOf(fileName, *locos);
     job.asks = false; // overwriting is what the command is for
     for (const ListedLoco &loco : *locos)
         job.steps.push_back(ListedStep(loco));

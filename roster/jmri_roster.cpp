@@ -331,6 +331,8 @@ LocoList ReadJmriRoster(const QString &fileName, const QByteArray &content, cons
     Translation translation(words, list);
     for (const XmlLoco &loco : file.locos)
         translation.add(Completed(loco, QFileInfo(fileName).absoluteDir()));
+    if (list.locos.empty())
+        list.faults.push_back({0, {}, QStringLiteral("die Datei enthält keine Lok, die der Handregler haben kann")});
     return list;
 }
 

@@ -86,11 +86,15 @@ LocoList LocosOfFolder(const QString &folder)
     return ReadJmriFolder(folder, FunctionWords::Kept());
 }
 
-QString NotesText(const QStringList &notes)
+void TellNotes(const LocoList &list)
 {
-    const qsizetype more = notes.size() - MostNotes;
-    return notes.mid(0, MostNotes).join(u'\n')
-        + (more > 0 ? QStringLiteral("\n… und %1 weitere").arg(more) : QString());
+    if (list.notes.empty())
+        return;
+    const qsizetype more = list.notes.size() - MostNotes;
+    QString text = list.notes.mid(0, MostNotes).join(u'\r');
+    if (more > 0)
+        text += QStringLiteral("\r... und %1 weitere").arg(more);
+    TheAsk().showBox({text, QStringLiteral("Nicht alles übernommen"), BoxIcon::None});
 }
 
 bool NamesAccepted(const std::vector<ListedLoco> &locos)

@@ -18,8 +18,8 @@ bool IsLocoFolder(const QString &path);
 /// The locos of such a folder.
 LocoList LocosOfFolder(const QString &folder);
 
-/// The first 20 notes of a list, a line each, and how many more there are.
-QString NotesText(const QStringList &notes);
+/// Shows the first 20 notes of a list, and how many more there are; nothing when it has none.
+void TellNotes(const LocoList &list);
 
 /// Asks when names hold characters that the handheld does not have: what would be written. False for Nein.
 bool NamesAccepted(const std::vector<ListedLoco> &locos);

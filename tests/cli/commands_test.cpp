@@ -556,6 +556,23 @@ TEST_F(Calls, AfterABreakTheNextCallMakesThePageGoodAndGoesOnOnlyWhenAsked)
         {"--ja does not give it up", QStringLiteral("schreiben --ja a.csv"), none, Exit::Usage,
             unfit + u"|beantwortet --ja nicht", first, 0},
         {"given up", write, QStringLiteral("j"), Exit::Done, unfit, QStringLiteral("DREI,LOK 4,LOK 8,LOK 9,-"), 1}});
+    // A folder of loco files: what counts is what stands in them.
+    const auto locoFile = [this](const QByteArray &id) {
+        EXPECT_TRUE(MakeFolder(path(QStringLiteral("loks.d"))));
+        fileWith(QStringLiteral("loks.d/a.xml"),
+            "<r><locomotive id=\"" + id
+                + R"(" dccAddress="3"><functionlabels>)"
+                  R"(<functionlabel num="1">Elefant</functionlabel></functionlabels></locomotive></r>)");
+        fileWith(QStringLiteral("loks.d/b.xml"), R"(<r><locomotive id="Neu" dccAddress="20"/></r>)");
+    };
+    scene({{"stop in a folder", QStringLiteral("schreiben loks.d/"), none, Exit::Stopped,
+               QStringLiteral("f1: \"Elefant\" ist nicht in|Angehalten."), first, 1,
+               [&] {
+                   locoFile("Anders");
+                   afterNextProgram(TakeInterrupt);
+               }},
+        {"another file in it", QStringLiteral("schreiben --fortsetzen loks.d"), none, Exit::Usage, unfit, first, 0,
+            [&] { locoFile("Drei"); }}});
     // A page that was destroyed: whatever comes next.
     const Row cut{"power cut", write, none, Exit::Incomplete,
         QStringLiteral("Nicht bewiesen ist, was jetzt hier steht: Lokdatensätze: 1-7.|aufbewahrt"),

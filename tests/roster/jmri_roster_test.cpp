@@ -149,7 +149,8 @@ TEST(JmriRoster, WhatCannotBeReadSaysWhyAndDoesNoHarm)
     time.start();
     for (const QByteArray &file : {bomb, QByteArray("<roster><locomotive id=\"a\""), QByteArray("kein XML"),
              QByteArray(), QByteArray("<a>").repeated(100000), QByteArray(100 << 20, ' '),
-             QByteArray("<roster><consist id=\"1\"/></roster>"), QByteArray("<roster/>")}) {
+             QByteArray("<roster><consist id=\"1\"/></roster>"), QByteArray("<roster/>"),
+             QByteArray("<roster><locomotive id=\"nur eine\" dccAddress=\"10239\"/></roster>")}) {
         const LocoList list = Read(file);
         EXPECT_EQ(list.faults.size(), 1U) << file.left(40).toStdString();
         EXPECT_TRUE(list.locos.empty());

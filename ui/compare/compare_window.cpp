@@ -158,9 +158,7 @@ std::optional<ComparedFile> ListIn(const QString &fileName, const QByteArray &fi
                                    .arg(Native(fileName), FaultsText(list.faults).replace(u'\n', u'\r'))));
         return {};
     }
-    if (!list.notes.empty())
-        TheAsk().showBox(
-            {NotesText(list.notes).replace(u'\n', u'\r'), QStringLiteral("Lokliste"), BoxIcon::Information});
+    TellNotes(list);
     if (!NamesAccepted(list.locos))
         return {};
     ComparedFile compared{fileName, file, {}};

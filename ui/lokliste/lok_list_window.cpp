@@ -575,9 +575,7 @@ void LokListWindow::openFile()
                                    .arg(Native(fileName), FaultsText(locos.faults).replace(u'\n', u'\r'))));
         return;
     }
-    if (!locos.notes.empty())
-        TheAsk().showBox(
-            {NotesText(locos.notes).replace(u'\n', u'\r'), QStringLiteral("Lokliste"), BoxIcon::Information});
+    TellNotes(locos);
     addFrom(locos.locos, QFileInfo(fileName).fileName());
 }
 
