@@ -222,7 +222,10 @@ bool Lokliste::add(const std::vector<ListedLoco> &locos, const QString &source, 
         places.emplace(after.at(i)->address, i);
     for (const ListedLoco &loco : locos) {
         const auto found = places.find(loco.address);
-        const LocoRecord present = found != places.end() ? after.at(found->second)->record : Blank();
+        const LocoRecord *known = held(loco.address); // what the source does not say stays as the handheld has it
+        const LocoRecord present = found != places.end() ? after.at(found->second)->record
+            : known && !IsEmptyName(known->name)         ? *known
+                                                         : Blank();
         LocoRecord record = Applied(loco, present);
         record.name = TypedName(record.name);
         if (found == places.end()) {

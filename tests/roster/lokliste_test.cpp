@@ -163,4 +163,18 @@ TEST_F(LoklisteTest, ARenumberedLocoLeavesItsOldAddressBehind)
     EXPECT_EQ(list.leftBehind(3), 0) << "a copy leaves nothing";
 }
 
+TEST_F(LoklisteTest, WhatASourceDoesNotSayStaysAsTheHandheldHasIt)
+{
+    LocoRecord record = named(u"ALT", 7);
+    record.symbols.at(4) = 14;
+    list.noteHeld(50, record);
+    ListedLoco loco;
+    loco.address = 50;
+    loco.name = QStringLiteral("NEU");
+    EXPECT_TRUE(list.add({loco}, QStringLiteral("roster.xml"),
+        [](const Lok &, const RosterLoco &) { return Lokliste::Doubled::Keep; }));
+    record.name = TypedName(QStringLiteral("NEU"));
+    EXPECT_EQ(list.at(list.rowOfAddress(50)).record, record);
+}
+
 } // namespace hr::tests
