@@ -9,6 +9,7 @@
 #include "tests/support/window_world.h"
 #include "ui/port/zentrale_form.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QFileDialog>
@@ -218,6 +219,11 @@ TEST_F(RealFrontend, TheProgressWindowAsksBeforeAJobStops)
     QWidget *progress = topLevel("Fortschritt");
     ASSERT_NE(progress, nullptr);
     EXPECT_EQ(progress->windowHandle()->transientParent(), window().windowHandle()) << "it never hides behind it";
+    for (const char *text : {"Lösche Lok 1", "Lösche Lok 2"}) { // what stands there is what is heard
+        frontend->showProgress(QString::fromUtf8(text));
+        auto *line = progress->findChild<QLabel *>(QStringLiteral("AusgabeLbl"));
+        EXPECT_EQ(QAccessible::queryAccessibleInterface(line)->text(QAccessible::Name), QString::fromUtf8(text));
+    }
     for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
         progress->close();
         progress->close();

@@ -328,6 +328,28 @@ TEST_F(MainWindowTest, OnASmallScreenEveryControlIsReachedByTabAndNamedForThoseW
     EXPECT_EQ(numbers.size(), 3) << "three fields, three names";
 }
 
+TEST_F(MainWindowTest, TheFunctionsAreSaidInWords)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    QAccessibleInterface *grid = QAccessible::queryAccessibleInterface(window().findChild<Grid *>("FktTab"));
+    QAccessibleTableInterface *cells = grid->tableInterface();
+    const auto said = [cells](int row, int column) {
+        const QAccessibleInterface *cell = cells->cellAt(row, column);
+        return cell == nullptr ? QStringLiteral("-") : cell->text(QAccessible::Name);
+    };
+    const LocoRecord &record = CurrentLoco.record;
+    for (int row = 0; row < FunctionCount; ++row) {
+        EXPECT_EQ(cells->rowDescription(row), QStringLiteral("f%1").arg(row));
+        const bool momentary = record.modes.at(static_cast<size_t>(row)) == 1;
+        EXPECT_EQ(said(row, 3), momentary ? QStringLiteral("Tastfunktion") : QStringLiteral("Dauerfunktion")) << row;
+        const int symbol = record.symbols.at(static_cast<size_t>(row));
+        if (row > 0) {
+            EXPECT_TRUE(said(row, 1).startsWith(QStringLiteral("Funktionssymbol %1").arg(symbol))) << row;
+        }
+    }
+}
+
 TEST_F(MainWindowTest, TheStatusLineTellsWhereOneStands)
 {
     FollowService();

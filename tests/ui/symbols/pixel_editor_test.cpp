@@ -4,10 +4,12 @@
 #include "tests/support/window_world.h"
 #include "ui/symbols/pixel_editor.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
@@ -146,6 +148,21 @@ TEST_F(PixelEditing, AStrokeIsOneStep)
         press("OK_but");
     });
     click("EditFktSymBut");
+}
+
+TEST_F(PixelEditing, TheCellUnderTheCursorIsSaid)
+{
+    edit("EditFktSymBut", [this] {
+        auto *canvas = editor->findChild<QWidget *>(QStringLiteral("Pixel"));
+        const auto press = [canvas](Qt::Key key) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+            QApplication::sendEvent(canvas, &event);
+            return QAccessible::queryAccessibleInterface(canvas)->text(QAccessible::Description);
+        };
+        EXPECT_EQ(press(Qt::Key_Right), QStringLiteral("Zeile 1, Spalte 2: weiß"));
+        EXPECT_EQ(press(Qt::Key_Down), QStringLiteral("Zeile 2, Spalte 2: weiß"));
+        EXPECT_EQ(press(Qt::Key_Space), QStringLiteral("Zeile 2, Spalte 2: schwarz"));
+    });
 }
 
 TEST_F(PixelEditing, AStrokeThatLeavesTheWindowPaintsNothingThere)
