@@ -70,6 +70,21 @@ SymbolFiles ScanFolder(SymbolKind kind)
     return files;
 }
 
+QString CatalogueFolderName(SymbolKind kind)
+{
+    return NamesOf(kind).folder.section(u'\\', -1, -1, QString::SectionSkipEmpty);
+}
+
+std::optional<int> MarkedHalf(SymbolKind kind, const QString &fileName)
+{
+    if (!HasHalves(kind))
+        return HalfOn;
+    const int marked = HalfOf(kind, fileName, -1);
+    if (marked < 0)
+        return {};
+    return marked == CatalogueHalf(kind, HalfOn) ? HalfOn : HalfOff;
+}
+
 bool CarriesNumber(const QString &fileName, int number)
 {
     static const QRegularExpression numberAndBlank(QStringLiteral("^[0-9]+ "));

@@ -36,6 +36,12 @@ int CatalogueHalf(SymbolKind kind, int handheldHalf);
 /// The file name ending of a new file: " %ON%.bmp", ".bmp", ... for the handheld's half h.
 QString FileEnding(SymbolKind kind, int handheldHalf);
 
+/// The folder of a kind without those above it: "LokSymbole".
+QString CatalogueFolderName(SymbolKind kind);
+
+/// The handheld's half that a file's name says by its marker; HalfOn for loco symbols, nothing where there is no marker.
+std::optional<int> MarkedHalf(SymbolKind kind, const QString &fileName);
+
 /// True when the file's name begins with this symbol number and a blank: only such a file is replaced when a symbol of
 /// that number is saved. Entry 0 also lists files that carry no number at all.
 bool CarriesNumber(const QString &fileName, int number);

@@ -646,6 +646,40 @@ TEST_F(Calls, SymbolsAndTheStartImageAreAskedAboutAndTakenBack)
     EXPECT_EQ(flash().state.memory, before);
 }
 
+TEST_F(Calls, AllSymbolsGoIntoAFolderAndOnlyWhatDiffersComesBack)
+{
+    freshWorld();
+    const auto names = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto none = QStringLiteral("-");
+    const auto write = QStringLiteral("symbol schreiben alle bilder.d");
+    for (const int number : {12, 200})
+        flash().setBytes(FktSymbolAddress + number * 64, QByteArray("\x06\x0D", 2) + QByteArray(28, '\x54'));
+    const auto before = flash().state.memory;
+    const auto file = QStringLiteral("bilder.d/LokfktSymbole/200 Symbol %ON%.bmp");
+    call({"a word too many", QStringLiteral("symbol lesen alle 3 bilder.d"), none, Exit::Usage,
+        QStringLiteral("Bei alle steht nur ORDNER."), names, 0});
+    call({"stopped", QStringLiteral("symbol lesen alle bilder.d"), none, Exit::Stopped,
+        QStringLiteral("Es wurde keine Datei geschrieben."), names, 0, [this] { afterMessages(90, TakeInterrupt); }});
+    EXPECT_FALSE(QFile::exists(path(file)));
+    call({"read", QStringLiteral("symbol lesen alle bilder.d"), none, Exit::Done,
+        QStringLiteral("Funktionssymbole ON: 12,200\n|Leer, ohne Datei:"), names, 0});
+    EXPECT_TRUE(QFile::exists(path(file)));
+    call({"the same", write + u" --auch-eingebaute", none, Exit::Done, QStringLiteral("Unverändert:"), names, 0});
+    call({"what differs", write, QStringLiteral("j"), Exit::Done,
+        QStringLiteral("Funktionssymbole ON: 200|Übergangen: 1 Bilder"), names, 1,
+        [this] { flash().setBytes(FktSymbolAddress + 200 * 64 + 4, QByteArray(9, '\x11')); }});
+    EXPECT_EQ(flash().state.memory, before) << "as it was";
+    const auto doubled = QStringLiteral("bilder.d/LokfktSymbole/200 anders %on%.BMP");
+    call({"two files for one symbol", write, none, Exit::Usage,
+        QStringLiteral("Funktionssymbol 200 ON steht in zwei Dateien|Kein Symbol, übergangen:"), names, 0, [&] {
+            EXPECT_TRUE(QFile::copy(path(file), path(doubled)));
+            fileWith(QStringLiteral("bilder.d/LokfktSymbole/201 ohne Halbe.bmp"), "x");
+        }});
+    EXPECT_TRUE(QFile::remove(path(doubled)));
+    call({"a damaged file", write, none, Exit::Usage, QStringLiteral("200 Symbol %ON%.bmp: "), names, 0,
+        [&] { fileWith(file, "BMnix"); }});
+}
+
 /// From the moment of a kill on nothing comes to the disk any more.
 class DeadDisk : public Disk
 {
