@@ -10,6 +10,7 @@
 #include "platform/qt/machine_disk.h"
 #include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
+#include "platform/qt/tcp_port.h"
 #include "platform/switched_port.h"
 #include "platform/world.h"
 #include "program/data_folder.h"
@@ -76,7 +77,8 @@ int main(int argc, char *argv[])
     QtEvents events;
     MachinePort machinePort(events);
     sim::DemoPort demoPort(events, DataFolder() + QStringLiteral("/Demo-Handregler.bin"));
-    SwitchedPort port(machinePort, demoPort);
+    TcpPort networkPort(events);
+    SwitchedPort port(machinePort, networkPort, demoPort);
     InstallWorld({&events, &port});
     MachineDisk disk;
     InstallDisk(&disk);

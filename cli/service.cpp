@@ -23,6 +23,8 @@ LinkSettings SettingsFor(const Options &options)
     }
     if (options.interfaceType != InterfaceNone)
         settings.interfaceType = options.interfaceType;
+    if (NetworkPortOf(settings.port.text))
+        settings.interfaceType = InterfaceDirect;
     return settings;
 }
 

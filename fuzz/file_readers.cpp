@@ -2,6 +2,8 @@
 
 #include "handheld/backup/dds_file.h"
 #include "jobs/selection.h"
+#include "platform/loconet_lines.h"
+#include "platform/port_name.h"
 #include "program/settings_file.h"
 
 namespace hr::tests
@@ -56,6 +58,25 @@ const char *SelectionFault(const QByteArray &bytes)
     return !sound || EstimatedSeconds(selection) >= 0 ? nullptr : "the estimate is wrong";
 }
 
+/// What a server in the network may say: only whole messages come out of it, in whatever pieces it comes.
+const char *LinesFault(const QByteArray &bytes)
+{
+    LocoNetLines whole;
+    LocoNetLines pieces;
+    whole.linesFor(bytes);
+    pieces.linesFor(bytes);
+    const QByteArray atOnce = whole.messagesIn(bytes);
+    QByteArray oneByOne;
+    for (const char byte : bytes)
+        oneByOne += pieces.messagesIn(QByteArray(1, byte));
+    if (atOnce != oneByOne)
+        return "the pieces of the text count";
+    if (!atOnce.isEmpty() && (atOnce.at(0) & 0x80) == 0)
+        return "what begins without an opcode is no message";
+    const auto port = NetworkPortOf(QString::fromUtf8(bytes));
+    return port && (port->port < 0 || port->port > 65535) ? "there is no such port" : nullptr;
+}
+
 } // namespace
 
 const char *ReadAsEveryFile(const QByteArray &bytes)
@@ -64,7 +85,9 @@ const char *ReadAsEveryFile(const QByteArray &bytes)
     if (kind < InterfaceNone || kind > InterfaceDirect)
         return "there is no such interface";
     const char *fault = BackupFileFault(bytes);
-    return fault != nullptr ? fault : SelectionFault(bytes);
+    if (fault == nullptr)
+        fault = SelectionFault(bytes);
+    return fault != nullptr ? fault : LinesFault(bytes);
 }
 
 } // namespace hr::tests

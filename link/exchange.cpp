@@ -50,6 +50,12 @@ Outcome OneHandheld()
     return TheMessages().secondHandheld() ? Outcome(End::SecondHandheld) : Outcome();
 }
 
+/// Why no answer needs to be awaited any longer; nothing as long as one may come.
+Outcome EndOfWait()
+{
+    return TheMessages().refused() ? Outcome(End::NotSent) : OneHandheld();
+}
+
 Outcome GivenUp(const Outcome &outcome, Tells tells)
 {
     TheMessages().giveUp(tells == Tells::No);
@@ -68,9 +74,9 @@ Result<SliceBytes> ReadBackOnce(const Request &request, Tells tells)
     const double start = NowSeconds();
     if (Outcome laid = LayRequest(request, Expects::ReadBack); !laid.ok())
         return {{}, laid};
-    const Outcome outcome = Await([] { return TheMessages().readBack().has_value() || !OneHandheld().ok(); });
-    if (!OneHandheld().ok())
-        return {{}, GivenUp(OneHandheld(), tells)};
+    const Outcome outcome = Await([] { return TheMessages().readBack().has_value() || !EndOfWait().ok(); });
+    if (!EndOfWait().ok())
+        return {{}, GivenUp(EndOfWait(), tells)};
     const bool echoLost = outcome.how() == End::NoAnswer && TheMessages().takeHeldReadBack();
     if (!outcome.ok() && !echoLost)
         return {{}, GivenUp(outcome, tells)};
@@ -151,9 +157,9 @@ bool OnlyOneAnswers(double seconds)
 
 Outcome AwaitAck(Tells tells)
 {
-    Outcome outcome = Await([] { return TheMessages().acknowledged() || !OneHandheld().ok(); });
-    if (!OneHandheld().ok())
-        outcome = OneHandheld();
+    Outcome outcome = Await([] { return TheMessages().acknowledged() || !EndOfWait().ok(); });
+    if (!EndOfWait().ok())
+        outcome = EndOfWait();
     if (outcome.ok())
         return outcome;
     const bool refused = outcome.how() == End::NoAnswer && TheMessages().acknowledgeCode().has_value();

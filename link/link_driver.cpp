@@ -21,6 +21,7 @@ LinkDriver::LinkDriver()
 {
     Comm().onReceive = [] { TheMessages().ReceiveBytes(); };
     Comm().onHangUp = HandlePortLoss;
+    Comm().onRefused = [](const QString &reason) { TheMessages().refuse(reason); };
     TheMessages().onWork([this] { work(); });
 }
 
@@ -30,6 +31,7 @@ LinkDriver::~LinkDriver()
     TheMessages().onWork(nullptr);
     Comm().onReceive = nullptr;
     Comm().onHangUp = nullptr;
+    Comm().onRefused = nullptr;
 }
 
 void LinkDriver::work()

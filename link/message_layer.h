@@ -133,6 +133,11 @@ public:
     /// For so many seconds an answer of this kind may still come late; 0 when none can.
     [[nodiscard]] double secondsOwed(Expects kind) const;
 
+    /// Whoever passes the message in the slot on says that it was not sent: the slot is free, no answer is owed, and the user
+    /// sees the reason in the box of a message without an echo. Without effect when none waits for its echo.
+    void refuse(const QString &reason);
+    [[nodiscard]] bool refused() const { return wasRefused; }
+
     /// The answer just taken was damaged and is asked for again: another one may follow it.
     void expectRepeat();
 
@@ -191,6 +196,7 @@ private:
     void transmit();
     void transmitUnderCts(int id);
     void superviseEcho();
+    static void tellNotSent(const QString &reason);
     void freeSlot();
     void tellWork();
 
@@ -236,8 +242,9 @@ private:
     double foreignImmediate = 0;           // NowSeconds() of the last 0xED message of another device; 0 = never
 
     bool goneOut = false;
-    bool abandoned = false; // the message in the slot was given up: its echo frees the slot and nothing else
-    int ctsPosition = -1;   // next byte of a transmission that CTS holds up; -1 = none
+    bool wasRefused = false; // the message laid last
+    bool abandoned = false;  // the message in the slot was given up: its echo frees the slot and nothing else
+    int ctsPosition = -1;    // next byte of a transmission that CTS holds up; -1 = none
     double ctsStart = 0;
     int transmission = 0; // counts transmissions, so that a stale look at CTS ends itself
 

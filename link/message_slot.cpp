@@ -40,6 +40,7 @@ Outcome MessageLayer::lay(const LocoNetMessage &message, int lastIndex, Expects 
     LastAckCode = 0;
     SpiReadDone = 0;
     goneOut = false;
+    wasRefused = false;
     abandoned = false;
     TxMsg = message;
     TxLen = lastIndex; // last: from here on the timer may send it
@@ -119,10 +120,27 @@ void MessageLayer::superviseEcho()
     if (SecondsSince(TxTime) <= EchoTimeoutSeconds)
         return;
     freeSlot();
-    if (!BoxesAreSilent()) {
-        TheAsk().postBox({QStringLiteral("Message kann nicht gesendet werden!"), QStringLiteral("LocoNet Fehler"),
-            BoxIcon::Critical});
-    }
+    tellNotSent({});
+}
+
+void MessageLayer::tellNotSent(const QString &reason)
+{
+    if (BoxesAreSilent())
+        return;
+    const auto text = QStringLiteral("Message kann nicht gesendet werden!");
+    TheAsk().postBox({reason.isEmpty() ? text : QString(text + u'\r' + reason), QStringLiteral("LocoNet Fehler"),
+        BoxIcon::Critical});
+}
+
+void MessageLayer::refuse(const QString &reason)
+{
+    if (TxLen == -1 || !TxWaitEcho)
+        return;
+    freeSlot();
+    AwaitingAck = false;
+    awaited.missed = true; // it was never asked
+    wasRefused = true;
+    tellNotSent(reason);
 }
 
 void MessageLayer::SendTask()

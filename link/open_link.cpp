@@ -109,6 +109,19 @@ Outcome OpenForBreak()
     return {};
 }
 
+/// A port in the network is on its way; the port itself knows how long that may take.
+Outcome AwaitConnection()
+{
+    while (Comm().connecting()) {
+        if (WaitsMustEnd()) {
+            Comm().close();
+            return Outcome(End::ProgramEnds);
+        }
+        TheEvents().pump();
+    }
+    return Comm().isOpen() ? Outcome() : Outcome(End::NotOpened);
+}
+
 Outcome RunOrvanto1Sequence()
 {
     const TextMode textMode;
@@ -136,7 +149,7 @@ Outcome SetupDirectInterface()
     Comm().setInputBufferSize(BufferSize);
     Comm().setInputLength(0);
     Comm().setOutputBufferSize(BufferSize);
-    return Comm().open() ? Outcome() : Outcome(End::NotOpened);
+    return Comm().open() ? AwaitConnection() : Outcome(End::NotOpened);
 }
 
 Outcome SetupOrvanto1Interface()
@@ -182,8 +195,10 @@ Outcome SetUpLink()
     Outcome outcome =
         TheLink().InterfaceType == InterfaceOrvanto1 ? SetupOrvanto1Interface() : SetupDirectInterface();
     if (outcome.how() == End::NotOpened && !BoxesAreSilent()) {
+        const auto text = QStringLiteral("ComPort konnte nicht geöffnet werden!");
+        const QString reason = Comm().faultText();
         TheAsk().showBox(
-            {QStringLiteral("ComPort konnte nicht geöffnet werden!"), QStringLiteral("Fehler"), BoxIcon::Critical});
+            {reason.isEmpty() ? text : QString(text + u'\r' + reason), QStringLiteral("Fehler"), BoxIcon::Critical});
     }
     return outcome;
 }

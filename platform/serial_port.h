@@ -40,13 +40,20 @@ public:
     /// Takes effect at once on an open port, otherwise at the next open().
     virtual void setSettings(const QString &settings) = 0;
 
-    /// Opens the device. False when it does not exist, is in use or refuses the line settings; the port stays
+    /// Opens the device, or begins to (see connecting()). False when it does not exist, is in use or refuses the line settings; the port stays
     /// closed then. Bytes that waited in the device before are discarded. Lines that the device does not have
     /// (modem lines of a pseudo-terminal) are no failure.
     virtual bool open() = 0;
 
     /// Why the last open() failed; None when it did not.
     [[nodiscard]] virtual PortFault fault() const = 0;
+
+    /// More about that failure, whole German sentences, where the port knows more; otherwise empty.
+    [[nodiscard]] virtual QString faultText() const { return {}; }
+
+    /// True while an opened port is still on its way to its device over the network. Meanwhile it counts as open and moves no
+    /// bytes; then it is open, or closed with a fault.
+    [[nodiscard]] virtual bool connecting() const { return false; }
 
     /// Closes the device; no effect on a closed port.
     virtual void close() = 0;
@@ -93,6 +100,9 @@ public:
     /// called from the event loop, outside the device's own handlers. The port counts as open until then, moves no
     /// bytes any more, and is closed when the handler runs.
     std::function<void()> onHangUp;
+
+    /// Called when whoever passes messages on to the bus says that one was not sent, with his reason (may be empty).
+    std::function<void(const QString &reason)> onRefused;
 };
 
 } // namespace hr::platform

@@ -5,27 +5,52 @@
 namespace hr::platform
 {
 
-SwitchedPort::SwitchedPort(SerialPort &machinePort, SerialPort &demoPort)
-    : machine(machinePort), demo(demoPort), active(&machinePort)
+SwitchedPort::SwitchedPort(SerialPort &machinePort, SerialPort &networkPort, SerialPort &demoPort)
+    : machine(machinePort), network(networkPort), demo(demoPort), lines(networkPort), active(&machinePort)
 {
-    for (SerialPort *port : {&machine, &demo}) {
-        port->onReceive = [this] {
-            if (onReceive)
-                onReceive();
-        };
-        port->onHangUp = [this] {
-            if (onHangUp)
-                onHangUp();
-        };
-    }
+    for (SerialPort *port : std::initializer_list<SerialPort *>{&machine, &lines, &demo})
+        listenTo(*port);
+}
+
+void SwitchedPort::listenTo(SerialPort &port)
+{
+    port.onReceive = [this] {
+        if (onReceive)
+            onReceive();
+    };
+    port.onHangUp = [this] {
+        if (onHangUp)
+            onHangUp();
+    };
+    port.onRefused = [this](const QString &reason) {
+        if (onRefused)
+            onRefused(reason);
+    };
+}
+
+SerialPort &SwitchedPort::portFor(const QString &portText)
+{
+    if (IsDemoPort(portText))
+        return demo;
+    const auto wanted = NetworkPortOf(portText);
+    if (!wanted)
+        return machine;
+    if (wanted->plainBytes)
+        return network;
+    return lines;
 }
 
 void SwitchedPort::setPortName(const QString &portText)
 {
-    SerialPort *wanted = IsDemoPort(portText) ? &demo : &machine;
+    SerialPort *wanted = &portFor(portText);
     if (wanted != active) {
         active->close();
         active = wanted;
+        // The connection itself is heard by whoever uses it.
+        if (active == &network)
+            listenTo(network);
+        else if (active == &lines)
+            lines.takeCarrier();
     }
     active->setPortName(portText);
 }

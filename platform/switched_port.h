@@ -1,8 +1,8 @@
-// One port control over two worlds: the machine's serial ports and the built-in simulated handheld, chosen by the
-// port text each time the port is opened.
+// One port control over all that a port text can mean, chosen by it each time the port is opened: the machine's serial ports,
+// another computer in the network (plain bytes or LocoNet over TCP) and the built-in simulated handheld.
 #pragma once
 
-#include "platform/serial_port.h"
+#include "platform/lines_port.h"
 
 namespace hr::platform
 {
@@ -10,13 +10,15 @@ namespace hr::platform
 class SwitchedPort : public SerialPort
 {
 public:
-    /// Both ports stay owned by the caller and outlive this object.
-    SwitchedPort(SerialPort &machinePort, SerialPort &demoPort);
+    /// The ports stay owned by the caller and outlive this object. The network port moves plain bytes.
+    SwitchedPort(SerialPort &machinePort, SerialPort &networkPort, SerialPort &demoPort);
 
     void setPortName(const QString &portText) override;
     void setSettings(const QString &settings) override;
     bool open() override;
     [[nodiscard]] PortFault fault() const override { return active->fault(); }
+    [[nodiscard]] QString faultText() const override { return active->faultText(); }
+    [[nodiscard]] bool connecting() const override { return active->connecting(); }
     void close() override;
     [[nodiscard]] bool isOpen() const override;
     void setHandshake(Handshake handshake) override;
@@ -36,8 +38,13 @@ public:
     [[nodiscard]] QList<PortEntry> availablePorts() const override;
 
 private:
+    [[nodiscard]] SerialPort &portFor(const QString &portText);
+    void listenTo(SerialPort &port);
+
     SerialPort &machine;
+    SerialPort &network;
     SerialPort &demo;
+    LinesPort lines;
     SerialPort *active;
 };
 

@@ -1,12 +1,14 @@
 # Initial cache of the small static qtbase for Windows. Any change here makes scripts/windows/qt build it anew.
 foreach(off
     # whole modules
-    dbus network sql xml testlib concurrent
+    dbus sql xml testlib concurrent
     # graphics that the program does not use
     # (direct2d stays on: Qt 6.4 compiles its DirectWrite font engine only together with it)
     vulkan direct2d1_1 freetype
     # wintab.h is removed from Debian's source package
     tabletevent
+    # the network is one plain connection
+    ssl http udpsocket networkproxy socks5 networkdiskcache networklistmanager dnslookup localserver gssapi sspi
     # outer libraries, image formats, text formats
     icu zstd glib gif jpeg ico textmarkdownreader textmarkdownwriter textodfwriter
     # widgets that the program does not use

@@ -69,6 +69,13 @@ const std::array Options{
     Option{"seed", "Startwert der Zufallsfehler.", "Zahl", "1"},
     Option{"no-station", "Keine Zentrale am Bus.", nullptr, ""},
     Option{"second", "Ein zweiter Handregler antwortet auf alles.", nullptr, ""},
+    Option{"lbserver", "Den Bus auch im Netz anbieten (LocoNet over TCP).", "Port", ""},
+    Option{"lb-version", "... in dieser Version der Sprache: 0, 1 oder 2.", "Nummer", "2"},
+    Option{"lb-no-echo", "... ohne dem Absender seine Meldung zurückzugeben.", nullptr, ""},
+    Option{"lb-early", "... mit SENT OK sofort, vor der Meldung auf dem Bus.", nullptr, ""},
+    Option{"lb-silent", "... ohne SENT.", nullptr, ""},
+    Option{"lb-bytes", "... jedes Byte einzeln.", nullptr, ""},
+    Option{"lb-refuse", "... und jedes SEND mit SENT ERROR ablehnen.", "Text", ""},
     Option{"help", "Diese Hilfe anzeigen.", nullptr, ""},
     Option{"version", "Version des Programms.", nullptr, ""},
     Option{"log", "Alle Meldungen auf dem Bus ausgeben.", nullptr, ""},
@@ -140,6 +147,18 @@ bool SetUp(sim::Layout &layout, const QCommandLineParser &parser)
         layout.plugSecond();
     const QString image = parser.value(QStringLiteral("flash"));
     return image.isEmpty() || layout.handheld.flash.keepIn(image);
+}
+
+// True also when nobody wants it.
+bool Serve(sim::PtyBus &bus, const QCommandLineParser &parser)
+{
+    const auto set = [&parser](const char *name) { return parser.isSet(QString::fromLatin1(name)); };
+    const auto value = [&parser](const char *name) { return parser.value(QString::fromLatin1(name)); };
+    if (!set("lbserver"))
+        return true;
+    return bus.serve(value("lbserver").toUShort(),
+        {value("lb-version").toInt(), !set("lb-no-echo"), !set("lb-early"), value("lb-refuse"), !set("lb-silent"),
+            set("lb-bytes")});
 }
 
 // Signals arrive through this pipe, so that the end of the program is an event like any other.
@@ -224,5 +243,7 @@ int main(int argc, char *argv[])
         bus.logMessages();
     if (!CatchSignals() || !bus.plug())
         return Fail(QStringLiteral("Port oder Verweis nicht möglich"));
+    if (!Serve(bus, parser))
+        return Fail(QStringLiteral("Port im Netz nicht möglich"));
     return Run(bus);
 }

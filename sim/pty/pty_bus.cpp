@@ -46,7 +46,11 @@ PtyBus::PtyBus(Events &clock, QString linkPath) : events(clock), model(clock), l
     model.bus.keepLog = false;
     model.adapter.setLineUnknown();
     model.adapter.onHangUp = [this] { unplug(); };
-    model.onBytes = [this](const Bytes &bytes) { pty.write(bytes); };
+    model.onBytes = [this](const Bytes &bytes) {
+        pty.write(bytes);
+        if (server)
+            server->fromBus(bytes);
+    };
     pty.onBytes = [this](const Bytes &bytes) { model.fromPc(bytes); };
 }
 
@@ -64,9 +68,20 @@ bool PtyBus::plug()
     return true;
 }
 
+bool PtyBus::serve(quint16 networkPort, const LbServer::Manner &manner)
+{
+    server = std::make_unique<LbServer>(events, model, manner);
+    if (!server->listen(networkPort))
+        return false;
+    Print(QStringLiteral("Netz: localhost:%1").arg(server->port()));
+    return true;
+}
+
 void PtyBus::unplug()
 {
     pty.close();
+    if (server)
+        server->hangUp();
     model.discardFromPc();
     model.adapter.discardForPc();
     Print(QStringLiteral("Port getrennt"));

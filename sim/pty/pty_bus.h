@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sim/layout.h"
+#include "sim/pty/lb_server.h"
 #include "sim/pty/pty.h"
 
 #include <QStringList>
@@ -22,7 +23,10 @@ public:
 
     /// Opens a (new) pseudo-terminal and prints its path. False when it or the link cannot be made.
     bool plug();
-    /// The client sees a hang-up.
+    /// Serves the bus to programs in the network too, and prints the port's number. False when it is taken.
+    bool serve(quint16 networkPort, const LbServer::Manner &manner);
+    [[nodiscard]] quint16 networkPort() const { return server->port(); }
+    /// The client sees a hang-up, those in the network too.
     void unplug();
     /// Prints every message on the bus with the seconds since the start.
     void logMessages();
@@ -40,6 +44,7 @@ private:
     Events &events;
     Layout model;
     Pty pty;
+    std::unique_ptr<LbServer> server;
     QString link;
 };
 

@@ -3,6 +3,8 @@
 
 #include "platform/qt/machine_port.h"
 #include "platform/qt/qt_events.h"
+#include "platform/qt/tcp_port.h"
+#include "platform/switched_port.h"
 #ifdef Q_OS_UNIX
 #include "sim/pty/pty_bus.h"
 
@@ -129,6 +131,45 @@ TEST_F(MachinePorts, TellOnceThatTheyWerePulled)
     ASSERT_TRUE(port.open());
     port.write(Message);
     EXPECT_TRUE(arrive(Message.size()));
+}
+#endif
+
+#ifdef Q_OS_UNIX
+TEST_F(MachinePorts, TheNetworkIsAPortTooAndItsLossIsToldOnce)
+{
+    ASSERT_TRUE(bus.serve(0, {}));
+    const QString text = QStringLiteral("localhost:%1").arg(bus.networkPort());
+    TcpPort tcp(events);
+    MachinePort demo(events);
+    SwitchedPort any(port, tcp, demo);
+    int lost = 0;
+    any.onHangUp = [&lost] { ++lost; };
+    const auto opened = [&](const QString &wanted) {
+        any.setPortName(wanted);
+        const bool begun = any.open();
+        EXPECT_TRUE(soon([&] { return !any.connecting(); }));
+        return begun && any.isOpen();
+    };
+    for (int round = 1; round <= 2; ++round) {
+        ASSERT_TRUE(opened(text)) << any.faultText().toStdString();
+        any.write(Message);
+        ASSERT_TRUE(soon([&] { return any.bytesWaiting() >= Message.size(); }));
+        EXPECT_EQ(any.read(), Message);
+        bus.unplug();
+        EXPECT_TRUE(soon([&] { return !any.isOpen(); }));
+        EXPECT_EQ(lost, round);
+    }
+    ASSERT_TRUE(opened(u"raw:" + text)); // the same server, as it speaks
+    ASSERT_TRUE(soon([&] { return any.bytesWaiting() >= 8; }));
+    EXPECT_TRUE(any.read().startsWith("VERSION "));
+    ASSERT_TRUE(opened(text)) << "and back";
+    any.write(Message);
+    EXPECT_TRUE(soon([&] { return any.bytesWaiting() == Message.size(); }));
+    any.close();
+    EXPECT_FALSE(opened(QStringLiteral("localhost:1"))) << "nobody serves there";
+    EXPECT_TRUE(any.faultText().startsWith(u"localhost:1: ")) << any.faultText().toStdString();
+    EXPECT_FALSE(opened(QStringLiteral("localhost:99999")));
+    EXPECT_EQ(lost, 2);
 }
 #endif
 

@@ -39,6 +39,8 @@ constexpr int PortNameRole = Qt::UserRole + 1;
 QString PortFaultText()
 {
     const QString port = PortPath(TheLink().PortNumber.text);
+    if (const QString reason = Comm().faultText(); !reason.isEmpty())
+        return reason + u'\n';
     switch (Comm().fault()) {
     case PortFault::None:
         return {};
@@ -115,6 +117,9 @@ ZentraleForm::ZentraleForm()
     AltKey(okButton, Qt::Key_O);
     AltKey(cancelButton, Qt::Key_A);
     AltKey(withoutButton, Qt::Key_W);
+    comPortNrTxt->setToolTip(QStringLiteral("Nummer oder Name des Anschlusses: 3, COM3, ttyUSB0\n"
+                                            "im Netz: RECHNER:1234 (LocoNet over TCP)\n"
+                                            "zum Ausprobieren: Demo"));
     withoutButton->setToolTip(QStringLiteral("Dateien, Vergleiche und Symbole lassen sich auch so bearbeiten."));
     showWorking(false);
 }
@@ -160,10 +165,10 @@ void ZentraleForm::showPorts()
     portList->complete();
 }
 
-/// The simulated handheld answers like the third interface.
+/// The simulated handheld and a port in the network answer like the third interface.
 void ZentraleForm::portChanged()
 {
-    if (IsDemoPort(comPortNrTxt->text()))
+    if (IsDemoPort(comPortNrTxt->text()) || NetworkPortOf(comPortNrTxt->text()))
         iopt.at(InterfaceDirect - 1)->setChecked(true);
 }
 
@@ -282,7 +287,8 @@ bool ZentraleForm::releasePort()
 
 void ZentraleForm::takeSettings()
 {
-    const LinkSettings chosen{{comPortNrTxt->text(), false}, chosenKind()};
+    const int kind = NetworkPortOf(comPortNrTxt->text()) ? InterfaceDirect : chosenKind();
+    const LinkSettings chosen{{comPortNrTxt->text(), false}, kind};
     if (chosen.interfaceType == InterfaceNone) {
         TheAsk().showBox({QStringLiteral("Bitte wählen Sie das Interface aus, das angeschlossen ist!"),
             QStringLiteral("Achtung!"), BoxIcon::None});
