@@ -75,5 +75,6 @@ Command StationCommand();
 Command ConvertCommand();
 Command CompareCommand();
 Command TakeBackCommand();
+Command TraceCommand();
 
 } // namespace hr::cli

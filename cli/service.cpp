@@ -47,7 +47,7 @@ QString Missing(const LinkSettings &settings, bool stationWanted)
 
 Service::Service(const Call &call, Wanted wanted) : state(open(call, wanted))
 {
-    if (state != Exit::Done || wanted == Wanted::LineOnly)
+    if (state != Exit::Done || wanted != Wanted::Handheld)
         return;
     const Result<HandheldInfo> found = FindHandheld();
     info = found.value;

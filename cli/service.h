@@ -10,8 +10,9 @@ namespace hr::cli
 class Service
 {
 public:
-    /// Opens the port (told when it can't be) and finds the handheld; for the command station only the line is needed.
-    enum class Wanted { Handheld, LineOnly };
+    /// Opens the port (told when it can't be) and finds the handheld; for the command station and for
+    /// listening only the line is needed.
+    enum class Wanted { Handheld, LineOnly, BusOnly };
     explicit Service(const Call &call, Wanted wanted = Wanted::Handheld);
 
     /// Sends a found handheld back, exactly once, also when the program is ending, and closes the port.

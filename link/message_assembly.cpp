@@ -3,6 +3,9 @@
 #include "link/message_layer.h"
 #include "platform/world.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace hr::link
 {
 
@@ -63,7 +66,9 @@ void MessageLayer::completeMessage()
     if (trafficTap) {
         const auto bytes =
             std::span<const quint8>(RxRing.at(static_cast<size_t>(RxSlot))).first(static_cast<size_t>(RxExpected));
-        trafficTap({bytes, ChecksumRight(bytes)});
+        const bool own = TxWaitEcho && std::cmp_equal(bytes.size(), TxLen + 2)
+            && std::ranges::equal(bytes, std::span(TxMsg).first(bytes.size()));
+        trafficTap({bytes, ChecksumRight(bytes), own});
     }
     RxWrite = RxSlot;
     RxEmpty = false;

@@ -38,6 +38,7 @@ constexpr int RingSlots = 32;
 struct Traffic {
     std::span<const quint8> bytes; // with the checksum; valid during the call
     bool checksumRight = false;
+    bool own = false; // the echo of the message in the slot
 };
 
 /// What a message is to be answered with.

@@ -76,6 +76,7 @@ const std::array Options{
     Option{"lb-silent", "... ohne SENT.", nullptr, ""},
     Option{"lb-bytes", "... jedes Byte einzeln.", nullptr, ""},
     Option{"lb-refuse", "... und jedes SEND mit SENT ERROR ablehnen.", "Text", ""},
+    Option{"replay", "Die fremden Meldungen eines Mitschnitts (.lntrace) auf den Bus geben.", "Datei", ""},
     Option{"help", "Diese Hilfe anzeigen.", nullptr, ""},
     Option{"version", "Version des Programms.", nullptr, ""},
     Option{"log", "Alle Meldungen auf dem Bus ausgeben.", nullptr, ""},
@@ -243,6 +244,9 @@ int main(int argc, char *argv[])
         bus.logMessages();
     if (!CatchSignals() || !bus.plug())
         return Fail(QStringLiteral("Port oder Verweis nicht möglich"));
+    const QString trace = parser.value(QStringLiteral("replay"));
+    if (!trace.isEmpty() && !bus.replay(trace))
+        return Fail(QStringLiteral("Mitschnitt nicht lesbar"));
     if (!Serve(bus, parser))
         return Fail(QStringLiteral("Port im Netz nicht möglich"));
     return Run(bus);

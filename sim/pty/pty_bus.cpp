@@ -97,6 +97,24 @@ bool PtyBus::updateLink() const
     return QFile::link(pty.path(), link);
 }
 
+// "0.012345 < 83 7C ; words": written anew here, so that a mistake in the program's own reading shows.
+bool PtyBus::replay(const QString &fileName)
+{
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine();
+        const QByteArray what = line.left(line.indexOf(';')).trimmed();
+        const qsizetype mark = what.indexOf(" < ");
+        if (line.startsWith('#') || mark < 0)
+            continue;
+        const auto delayUs = static_cast<qint64>(what.left(mark).toDouble() * SecondUs);
+        model.inject(ToBytes(QByteArray::fromHex(what.mid(mark + 3))), delayUs);
+    }
+    return true;
+}
+
 void PtyBus::logMessages()
 {
     model.bus.onEnd = [this, startUs = events.monotonicUs()](const BusMessage &message) {

@@ -28,6 +28,8 @@ public:
     [[nodiscard]] quint16 networkPort() const { return server->port(); }
     /// The client sees a hang-up, those in the network too.
     void unplug();
+    /// Plays the foreign messages of a trace file onto the bus, at their times from now on. False when it can't be read.
+    bool replay(const QString &fileName);
     /// Prints every message on the bus with the seconds since the start.
     void logMessages();
 
