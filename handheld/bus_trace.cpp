@@ -1,6 +1,7 @@
 #include "handheld/bus_trace.h"
 
 #include "handheld/message_words.h"
+#include "platform/files.h"
 #include "platform/world.h"
 
 #include <QRegularExpression>
@@ -11,6 +12,14 @@ namespace hr::handheld
 namespace
 {
 constexpr qint64 UsPerSecond = 1'000'000;
+
+QByteArray TextOf(const QString &heading, const std::vector<TraceRow> &rows)
+{
+    QByteArray text = heading.toUtf8() + '\n';
+    for (const TraceRow &row : rows)
+        text += TraceLine(row).toUtf8() + '\n';
+    return text;
+}
 } // namespace
 
 QString TraceTime(const TraceRow &row)
@@ -56,6 +65,11 @@ TraceFile ParseTrace(const QByteArray &file)
     return trace;
 }
 
+bool WriteTrace(const QString &fileName, const std::vector<TraceRow> &rows)
+{
+    return ReplaceFile(fileName, TextOf(QStringLiteral("# LocoNet-Mitschnitt"), rows));
+}
+
 BusTrace::BusTrace() : begin(TheEvents().now()), beginUs(TheEvents().monotonicUs())
 {
     TheMessages().tapTraffic([this](const Traffic &traffic) { take(traffic); });
@@ -66,12 +80,13 @@ BusTrace::~BusTrace()
     TheMessages().tapTraffic(nullptr);
 }
 
-bool BusTrace::keepIn(const QString &fileName)
+bool BusTrace::keepIn(const QString &fileName, const std::vector<TraceRow> &soFar)
 {
     file.close();
     file.setFileName(fileName);
-    soundFile = file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-        && file.write(TraceHeading(begin).toUtf8() + '\n') > 0 && file.flush();
+    const QByteArray text = TextOf(TraceHeading(begin), soFar);
+    soundFile =
+        file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size() && file.flush();
     return soundFile;
 }
 

@@ -45,6 +45,9 @@ struct TraceFile {
 };
 TraceFile ParseTrace(const QByteArray &file);
 
+/// Writes a whole trace file; false when it can't be written.
+[[nodiscard]] bool WriteTrace(const QString &fileName, const std::vector<TraceRow> &rows);
+
 /// Listens to the link as long as it lives. Rows are numbered from 0 on; the oldest ones are forgotten.
 class BusTrace
 {
@@ -67,8 +70,8 @@ public:
     /// Called with each new row. It must not wait.
     std::function<void(const TraceRow &)> onRow;
 
-    /// Every further message goes into this file too. False when it can't be written.
-    [[nodiscard]] bool keepIn(const QString &fileName);
+    /// Writes these rows into a file, and every further message too. False when it can't be written.
+    [[nodiscard]] bool keepIn(const QString &fileName, const std::vector<TraceRow> &soFar = {});
     /// False once something could not be written.
     [[nodiscard]] bool fileSound() const { return soundFile; }
 

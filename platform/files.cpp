@@ -85,6 +85,12 @@ std::optional<QByteArray> ReadWholeFile(const QString &path)
     return file.readAll();
 }
 
+std::optional<QByteArray> ReadSmallFile(const QString &path, qint64 mostBytes)
+{
+    const QFileInfo file(path);
+    return file.isFile() && file.size() <= mostBytes ? ReadWholeFile(path) : std::nullopt;
+}
+
 bool ReplaceFile(const QString &path, const QByteArray &content)
 {
     QSaveFile file(path);

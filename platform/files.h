@@ -32,6 +32,9 @@ bool FileExists(const QString &path);
 /// All bytes of a file; nothing when it cannot be read.
 std::optional<QByteArray> ReadWholeFile(const QString &path);
 
+/// The same of a file of at most so many bytes; nothing for a larger one, and for what is no plain file.
+std::optional<QByteArray> ReadSmallFile(const QString &path, qint64 mostBytes);
+
 /// Replaces the file's content so that the file is never half written: written beside it, then renamed, and on the disk
 /// when this returns. False when the folder or file cannot be written or the disk is full; the old file is untouched then.
 bool ReplaceFile(const QString &path, const QByteArray &content);

@@ -75,10 +75,8 @@ QString NewName(const RecordId &id, const SymbolFiles &catalogue)
 /// The picture of a file, or its fault.
 ReadImage ReadFile(const QString &path, PictureGeometry geometry)
 {
-    if (QFileInfo(path).size() > LargestFile)
-        return {{}, QStringLiteral("zu groß")};
-    const auto file = ReadWholeFile(path);
-    return file ? ReadImageFile(path, *file, geometry) : ReadImage{{}, QStringLiteral("nicht lesbar")};
+    const auto file = ReadSmallFile(path, LargestFile);
+    return file ? ReadImageFile(path, *file, geometry) : ReadImage{{}, QStringLiteral("nicht lesbar oder zu groß")};
 }
 
 } // namespace

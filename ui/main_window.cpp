@@ -1,4 +1,5 @@
 #include "ui/main_window.h"
+#include "ui/busmonitor/bus_monitor_window.h"
 
 #include "link/open_link.h"
 #include "platform/world.h"
@@ -164,6 +165,7 @@ MainWindow::~MainWindow()
     ResetPixelEditor();
     ResetCompareWindow();
     ResetLokListe();
+    ResetBusMonitor();
     ResetBackupWindows();
     ResetImportWindow();
     ResetSymbolPictures();
@@ -192,6 +194,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("lokliste_menu"), OpenLokListe},
         {QStringLiteral("vergleichen_menu"), CompareBackup},
         {QStringLiteral("zuruecknehmen_menu"), TakeBackLastChange},
+        {QStringLiteral("busmonitor_menu"), OpenBusMonitor},
     };
 }
 

@@ -63,7 +63,8 @@ std::vector<Menu> Menus()
                 {"proginfo_menu", QStringLiteral("Programminfo")}}},
         {"werkzeuge_menu", QStringLiteral("Werkzeuge"), Qt::Key_W,
             {{"lokliste_menu", QStringLiteral("Lokliste…")}, {"vergleichen_menu", QStringLiteral("Vergleichen…")},
-                {"zuruecknehmen_menu", QStringLiteral("Letzte Änderung zurücknehmen…")}}},
+                {"zuruecknehmen_menu", QStringLiteral("Letzte Änderung zurücknehmen…")},
+                {"busmonitor_menu", QStringLiteral("Busmonitor…")}}},
     };
 }
 

@@ -680,6 +680,30 @@ TEST_F(Calls, AllSymbolsGoIntoAFolderAndOnlyWhatDiffersComesBack)
         [&] { fileWith(file, "BMnix"); }});
 }
 
+TEST_F(Calls, TheBusIsHeardAndNothingIsSent)
+{
+    freshWorld();
+    const auto names = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto none = QStringLiteral("-");
+    const auto traffic = [this] { layout().inject({0x83, 0x7C}, 500'000); };
+    const auto before = messagesOnBus(0xED);
+    call({"on the screen", QStringLiteral("mitschnitt --dauer 2"), none, Exit::Done,
+        QStringLiteral("# LocoNet-Mitschnitt|0.501286 < 83 7C ; Fahrstrom ein"), names, 0, traffic});
+    call({"as objects", QStringLiteral("mitschnitt --json --dauer 2"), none, Exit::Done,
+        QStringLiteral("\"bytes\":\"83 7C\""), names, 0, traffic});
+    call({"into a file", QStringLiteral("mitschnitt --dauer 2 bus.lntrace"), none, Exit::Done,
+        QStringLiteral("1 Meldungen in "), names, 0, traffic});
+    call({"which is there", QStringLiteral("mitschnitt --dauer 2 bus.lntrace"), QStringLiteral("n"), Exit::Stopped,
+        QStringLiteral("Soll sie ersetzt werden?"), names, 0});
+    call({"not that ending", QStringLiteral("mitschnitt bus.csv"), none, Exit::Usage, QStringLiteral(".lntrace"),
+        names, 0});
+    call({"no number", QStringLiteral("mitschnitt --dauer lang"), none, Exit::Usage, QStringLiteral("Sekunden"),
+        names, 0});
+    call({"until Ctrl-C", QStringLiteral("mitschnitt"), none, Exit::Done, QStringLiteral("Strg-C"), names, 0,
+        [this] { events.after(3'000'000, TakeInterrupt); }});
+    EXPECT_EQ(messagesOnBus(0xED), before);
+}
+
 /// From the moment of a kill on nothing comes to the disk any more.
 class DeadDisk : public Disk
 {

@@ -1,5 +1,7 @@
 // LocoNet over TCP: what a port text means, the lines, and a handheld behind a server that is written here anew.
+#include "handheld/bus_trace.h"
 #include "handheld/discovery.h"
+#include "handheld/message_words.h"
 #include "jobs/backup.h"
 #include "link/cadence.h"
 #include "link/exchange.h"
@@ -87,6 +89,66 @@ TEST(LocoNetLines, SentOkIsTheEchoOnlyWhereTheServerReturnsNone)
     send();
     EXPECT_EQ(lines.messagesIn("SENT ERROR Bus kurzgeschlossen\r\n"), QByteArray());
     EXPECT_EQ(refused, QStringLiteral("Bus kurzgeschlossen"));
+}
+
+TEST(MessageWords, SayWhatAMessageIs)
+{
+    const auto words = [](const QByteArray &hex) {
+        QByteArray bytes = QByteArray::fromHex(hex);
+        char sum = '\xFF';
+        for (const char byte : bytes)
+            sum = static_cast<char>(sum ^ byte);
+        bytes += sum;
+        return MessageWords({reinterpret_cast<const quint8 *>(bytes.constData()), static_cast<size_t>(bytes.size())});
+    };
+    struct Row {
+        QByteArray hex;
+        const char *words;
+    };
+    const QByteArray head = "ED1F086633";
+    for (const Row &row :
+        {Row{"83", "Fahrstrom ein"}, Row{"A00300", "Halt für Platz 3"}, Row{"A00301", "Nothalt für Platz 3"},
+            Row{"A00340", "Fahrstufe 63 für Platz 3"}, Row{"A10335", "rückwärts, an: f0 f1 f3 für Platz 3"},
+            Row{"A20308", "an: f8 für Platz 3"}, Row{"B00030", "schaltet Magnetartikel 1 grün"},
+            Row{"B07F0F", "schaltet Magnetartikel 2048 rot aus"}, Row{"B20030", "Rückmelder 2 besetzt"},
+            Row{"B27F0F", "Rückmelder 4095 frei"}, Row{"B46D7F", "Quittung: erledigt"},
+            Row{"B46D05", "Quittung: Code 5"}, Row{"B43F00", "Antwort auf 0xBF: 0"},
+            Row{"BF0803", "fragt nach dem Platz der Lok 1027"}, Row{"FE04", "unbekannte Meldung"},
+            Row{"E504", "Daten zwischen Geräten"}, Row{"ED03", "Gleisbefehl oder Anfrage"},
+            Row{"E703", "Daten eines Platzes"}, Row{"ED1F084944" + QByteArray(50, '0'), "Gleisbefehl oder Anfrage"},
+            Row{"ED1F08494B" + QByteArray(50, '0'), "Anfrage an die Zentrale"},
+            Row{head + "09680000401000000000000000000000000000000000000048", "liest Flash 0x0000C0, 64 Bytes"},
+            Row{head + "00000000002000000000100000000020000000004000000000", "Puffer ab 84 lesen"},
+            Row{head + "00530018001000000000000000000000000000000000000004", "Seite 12 laden"},
+            Row{head + "01030018001000000000000000000000000000000000000004", "Seite 12 programmieren"},
+            Row{head + "01040018000000000000000000000000000000000000000004", "Puffer ab 0 schreiben"},
+            Row{head + "01040018001000000000000000000000000000000000000044",
+                "Puffer ab 0 schreiben, 68 Bytes ausführen"}})
+        EXPECT_EQ(words(row.hex), QString::fromUtf8(row.words)) << row.hex.toStdString();
+    for (int opcode = 0x80; opcode <= 0xFF; ++opcode) { // whatever length the bus makes of it
+        for (int length = 2; length <= 40; ++length) {
+            QByteArray message(length - 1, 'a');
+            message[0] = static_cast<char>(opcode);
+            EXPECT_FALSE(words(message.toHex()).isEmpty());
+        }
+    }
+}
+
+TEST(BusTraces, ComeBackFromTheirFileAndDamagedOnesAreRefusedWithTheirLine)
+{
+    const std::vector<TraceRow> rows{{12'345, true, QByteArray::fromHex("837C")},
+        {5'000'001, false, QByteArray::fromHex("837D")}, {3'600'000'000, false, QByteArray::fromHex("E50401FF")}};
+    QByteArray text = "# LocoNet-Mitschnitt\r\n\r\n";
+    for (const TraceRow &row : rows)
+        text += TraceLine(row).toUtf8() + "\r\n";
+    EXPECT_EQ(ParseTrace(text).rows, rows);
+    EXPECT_EQ(TraceLine(rows.at(1)), QStringLiteral("5.000001 < 83 7D ; FALSCHE PRÜFSUMME, Fahrstrom ein"));
+    for (const char *line :
+        {"12 < 83 7C", "0.012345 83 7C", "0.012345 < 83", "0.012345 < 83 7", "0.01234 > 83 7C", "quatsch"}) {
+        const TraceFile file = ParseTrace(QByteArray("0.012345 < 83 7C\n") + line + "\n");
+        EXPECT_TRUE(file.rows.empty() && file.fault.startsWith(u"Zeile 2: ")) << line;
+    }
+    EXPECT_TRUE(ParseTrace(QByteArray(1'000'000, 'A')).fault.startsWith(u"Zeile 1: "));
 }
 
 /// The text end of a server with the simulated layout behind it.
@@ -239,6 +301,28 @@ TEST_F(Network, AHandheldBehindAServerIsReadAndWrittenAsOverTheCable)
             ClosePort();
         }
     }
+}
+
+TEST_F(Network, AFullBusIsKeptBoundedAndInTheFileWhole)
+{
+    begin();
+    BusTrace trace;
+    const QString file = folder.filePath(QStringLiteral("bus.lntrace"));
+    ASSERT_TRUE(trace.keepIn(file));
+    constexpr int count = 120'000;
+    const QByteArray message = QByteArray::fromHex("837C");
+    for (int i = 0; i < count; ++i) {
+        layout().inject(sim::ToBytes(message));
+        if (i % 20 == 19)
+            WaitSeconds(0.05);
+    }
+    WaitSeconds(1);
+    EXPECT_EQ(trace.end(), count);
+    EXPECT_EQ(trace.end() - trace.first(), static_cast<qint64>(BusTrace::MostRows));
+    EXPECT_EQ(trace.row(trace.first()).bytes, message);
+    const TraceFile kept = ParseTrace(ReadWholeFile(file).value_or(QByteArray()));
+    EXPECT_EQ(kept.rows.size(), static_cast<size_t>(count));
+    EXPECT_TRUE(trace.fileSound());
 }
 
 TEST_F(Network, ARefusedMessageEndsAtOnceAndSaysWhy)
