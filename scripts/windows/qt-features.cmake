@@ -8,7 +8,7 @@ foreach(off
     # wintab.h is removed from Debian's source package
     tabletevent
     # the network is one plain connection
-    ssl http udpsocket networkproxy socks5 networkdiskcache networklistmanager dnslookup localserver gssapi sspi
+    ssl schannel openssl http udpsocket networkproxy socks5 networkdiskcache networklistmanager dnslookup localserver gssapi sspi
     # outer libraries, image formats, text formats
     icu zstd glib gif jpeg ico textmarkdownreader textmarkdownwriter textodfwriter
     # widgets that the program does not use
