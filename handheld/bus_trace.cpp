@@ -70,14 +70,14 @@ bool WriteTrace(const QString &fileName, const std::vector<TraceRow> &rows)
     return ReplaceFile(fileName, TextOf(QStringLiteral("# LocoNet-Mitschnitt"), rows));
 }
 
-BusTrace::BusTrace() : begin(TheEvents().now()), beginUs(TheEvents().monotonicUs())
+BusTrace::BusTrace(size_t mostRows) : most(mostRows), begin(TheEvents().now()), beginUs(TheEvents().monotonicUs())
 {
-    TheMessages().tapTraffic([this](const Traffic &traffic) { take(traffic); });
+    tap = TheMessages().tapTraffic([this](const Traffic &traffic) { take(traffic); });
 }
 
 BusTrace::~BusTrace()
 {
-    TheMessages().tapTraffic(nullptr);
+    TheMessages().endTap(tap);
 }
 
 bool BusTrace::keepIn(const QString &fileName, const std::vector<TraceRow> &soFar)
@@ -95,7 +95,7 @@ void BusTrace::take(const Traffic &traffic)
     rows.push_back({TheEvents().monotonicUs() - beginUs, traffic.own,
         QByteArray(
             reinterpret_cast<const char *>(traffic.bytes.data()), static_cast<qsizetype>(traffic.bytes.size()))});
-    if (rows.size() > MostRows) {
+    if (rows.size() > most) {
         rows.pop_front();
         ++forgotten;
     }

@@ -54,8 +54,7 @@ class BusTrace
 public:
     static constexpr size_t MostRows = 100'000;
 
-    /// Takes over the message layer's tap.
-    BusTrace();
+    explicit BusTrace(size_t mostRows = MostRows);
     ~BusTrace();
     BusTrace(const BusTrace &) = delete;
     BusTrace &operator=(const BusTrace &) = delete;
@@ -81,6 +80,8 @@ public:
 private:
     void take(const Traffic &traffic);
 
+    const size_t most;
+    MessageLayer::TapId tap;
     QDateTime begin;
     qint64 beginUs;
     std::deque<TraceRow> rows;

@@ -9,6 +9,12 @@
 namespace hr::link
 {
 
+MessageLayer::TapId MessageLayer::tapTraffic(std::function<void(const Traffic &)> tap)
+{
+    trafficTaps.emplace(++lastTap, std::move(tap));
+    return lastTap;
+}
+
 void MessageLayer::ReceiveBytes()
 {
     if (textMode)
@@ -63,12 +69,14 @@ void MessageLayer::storeByte(quint8 byte)
 
 void MessageLayer::completeMessage()
 {
-    if (trafficTap) {
+    if (!trafficTaps.empty()) {
         const auto bytes =
             std::span<const quint8>(RxRing.at(static_cast<size_t>(RxSlot))).first(static_cast<size_t>(RxExpected));
         const bool own = TxWaitEcho && std::cmp_equal(bytes.size(), TxLen + 2)
             && std::ranges::equal(bytes, std::span(TxMsg).first(bytes.size()));
-        trafficTap({bytes, ChecksumRight(bytes), own});
+        const Traffic traffic{bytes, ChecksumRight(bytes), own};
+        for (const auto &[id, tap] : trafficTaps)
+            tap(traffic);
     }
     RxWrite = RxSlot;
     RxEmpty = false;

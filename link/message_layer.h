@@ -26,6 +26,7 @@
 #include "program/outcome.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 
@@ -175,8 +176,11 @@ public:
     /// While the text set-up of an interface owns the received bytes, ReceiveBytes leaves them alone.
     void setTextMode(bool on) { textMode = on; }
 
-    /// Sees every complete message, also echoes and the traffic of others. It must not wait.
-    void tapTraffic(std::function<void(const Traffic &)> tap) { trafficTap = std::move(tap); }
+    /// Sees every complete message, also echoes and the traffic of others, until endTap(). It must not wait, and must neither
+    /// begin nor end a tap.
+    using TapId = int;
+    TapId tapTraffic(std::function<void(const Traffic &)> tap);
+    void endTap(TapId tap) { trafficTaps.erase(tap); }
 
     /// Called when there is something to do: a message was laid, or one has come in completely.
     void onWork(std::function<void()> work) { linkWork = std::move(work); }
@@ -254,7 +258,8 @@ private:
 
     bool textMode = false;
     std::function<bool(const LocoNetMessage &)> downloadAnswerCheck;
-    std::function<void(const Traffic &)> trafficTap;
+    std::map<TapId, std::function<void(const Traffic &)>> trafficTaps;
+    TapId lastTap = 0;
     std::function<void()> linkWork;
     std::function<void()> secondHandler;
 };

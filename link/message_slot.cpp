@@ -195,7 +195,9 @@ void MessageLayer::dropAll()
 void MessageLayer::reset()
 {
     MessageLayer fresh;
-    fresh.linkWork = std::move(linkWork);  // the driver lives on
+    fresh.linkWork = std::move(linkWork); // the driver lives on
+    fresh.trafficTaps = std::move(trafficTaps);
+    fresh.lastTap = lastTap;
     fresh.transmission = transmission + 1; // a look at CTS that is still outstanding must stay stale
     *this = std::move(fresh);
 }

@@ -1,4 +1,5 @@
 #include "ui/main_window.h"
+#include "jobs/problem_report.h"
 #include "ui/busmonitor/bus_monitor_window.h"
 
 #include "link/open_link.h"
@@ -86,6 +87,7 @@ MainWindow::MainWindow()
     : helpWin(std::make_unique<HelpWin>())
     , guideWin(std::make_unique<GuideWin>())
     , infoZeichensatz(std::make_unique<InfoZeichensatz>())
+    , lastMessages(ReportedMessages)
     , status(new StatusLine(this))
 {
     setObjectName(QStringLiteral("VeskaWin"));
@@ -195,6 +197,7 @@ MenuActions MainWindow::menuActions()
         {QStringLiteral("vergleichen_menu"), CompareBackup},
         {QStringLiteral("zuruecknehmen_menu"), TakeBackLastChange},
         {QStringLiteral("busmonitor_menu"), OpenBusMonitor},
+        {QStringLiteral("problembericht_menu"), [this] { SaveProblemReport(lastMessages); }},
     };
 }
 

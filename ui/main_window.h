@@ -1,6 +1,7 @@
 // The one main window: loco editor, symbol editors, menus. It opens all other windows.
 #pragma once
 
+#include "handheld/bus_trace.h"
 #include "handheld/loco_record.h"
 #include "ui/menu_bar.h"
 
@@ -79,6 +80,7 @@ private:
     std::unique_ptr<HelpWin> helpWin;
     std::unique_ptr<GuideWin> guideWin;
     std::unique_ptr<InfoZeichensatz> infoZeichensatz;
+    BusTrace lastMessages; // for a problem report
     StatusLine *status;
     LokPanel *lokPanel = nullptr;
     QDockWidget *lokDock = nullptr;

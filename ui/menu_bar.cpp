@@ -64,7 +64,8 @@ std::vector<Menu> Menus()
         {"werkzeuge_menu", QStringLiteral("Werkzeuge"), Qt::Key_W,
             {{"lokliste_menu", QStringLiteral("Lokliste…")}, {"vergleichen_menu", QStringLiteral("Vergleichen…")},
                 {"zuruecknehmen_menu", QStringLiteral("Letzte Änderung zurücknehmen…")},
-                {"busmonitor_menu", QStringLiteral("Busmonitor…")}}},
+                {"busmonitor_menu", QStringLiteral("Busmonitor…")},
+                {"problembericht_menu", QStringLiteral("Problembericht speichern…")}}},
     };
 }
 

@@ -3,12 +3,17 @@
 #include "handheld/discovery.h"
 #include "handheld/options.h"
 #include "jobs/clean_up.h"
+#include "jobs/problem_report.h"
 #include "link/open_link.h"
 #include "platform/files.h"
 #include "program/branding.h"
+#include "program/preferences.h"
+#include "program/run_control.h"
+#include "shown/connection.h"
 #include "shown/record.h"
 #include "ui/common/command.h"
 #include "ui/common/deeds.h"
+#include "ui/common/desktop.h"
 #include "ui/common/progress.h"
 
 #include <QCoreApplication>
@@ -105,6 +110,36 @@ void ShowProgramInfo()
     if (DataFolder() != ProgramFolder())
         lines << QStringLiteral("Ihre Daten liegen in ") + QDir::toNativeSeparators(DataFolder()) << blankLine;
     TheAsk().showBox({lines.join(u'\r'), TheBranding().progInfoTitle, BoxIcon::None});
+}
+
+void SaveProblemReport(const BusTrace &lastMessages)
+{
+    const Command command;
+    if (!command.ok())
+        return;
+    const BoxText question{QStringLiteral("Dürfen Loknamen und übertragene Daten im Bericht stehen?\r"
+                                          "Ohne sie werden auch Namen von Benutzern und Rechnern ersetzt."),
+        QStringLiteral("Problembericht"), BoxIcon::None};
+    const bool shown = TheAsk().askYesNo(question, false);
+    if (!Busy() || BoxesAreSilent())
+        return;
+    QString fileName = TheDesktop().saveFileName(QStringLiteral("Problembericht speichern"), QStringLiteral("*.txt"),
+        DatedName(QStringLiteral("Problembericht")));
+    if (fileName.isEmpty())
+        return;
+    if (!fileName.endsWith(QStringLiteral(".txt"), Qt::CaseInsensitive))
+        fileName += QStringLiteral(".txt");
+    ProblemFacts facts;
+    facts.program = TheBranding().toolTitle + u' ' + QCoreApplication::applicationVersion();
+    facts.handheld = TitleWithHandheld();
+    facts.settings = QString::fromUtf8(ReadWholeFile(PreferencesPath()).value_or(QByteArray()));
+    facts.lastReports = RecentReports();
+    facts.messages = &lastMessages;
+    const QString text = ProblemReport(facts, shown ? Personal::Shown : Personal::Hidden);
+    if (!ReplaceFile(fileName, text.toUtf8()))
+        ReportFileUnwritable(fileName);
+    else
+        NoteDeed(QStringLiteral("Problembericht gespeichert"));
 }
 
 } // namespace hr::ui

@@ -1,7 +1,7 @@
 // The commands of the options menu, with their questions.
 #pragma once
 
-#include "platform/rooms.h"
+#include "handheld/bus_trace.h"
 
 namespace hr::ui
 {
@@ -20,5 +20,8 @@ void AskAndResetFktSymbols();
 
 /// "Programminfo".
 void ShowProgramInfo();
+
+/// Asks whether personal things may be in it, and writes the report (jobs/problem_report.h) into a text file.
+void SaveProblemReport(const BusTrace &lastMessages);
 
 } // namespace hr::ui

@@ -5,6 +5,7 @@
 #include "program/run_control.h"
 #include "shown/connection.h"
 #include "ui/common/connection.h"
+#include "ui/common/deeds.h"
 #include "ui/compare/compare_commands.h"
 #include "ui/main_window.h"
 #include "ui/port/zentrale_form.h"
@@ -122,6 +123,7 @@ void QtFrontend::showBox(const BoxText &box)
 {
     if (BoxesAreSilent())
         return;
+    NoteReport(box.title, box.text);
     const auto widget = makeBox(box);
     widget->setStandardButtons(QMessageBox::Ok);
     TakeIconsAway(*widget);
@@ -136,6 +138,7 @@ void QtFrontend::postBox(const BoxText &box)
     const auto tells = [&widget](const auto &posted) { return posted->text() == widget->text(); };
     if (std::ranges::any_of(postedBoxes, tells))
         return; // it stands on the screen already
+    NoteReport(box.title, box.text);
     widget->setStandardButtons(QMessageBox::Ok);
     TakeIconsAway(*widget);
     widget->show();

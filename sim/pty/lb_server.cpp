@@ -20,6 +20,7 @@ LbServer::LbServer(Events &clock, Layout &layout, Manner how) : events(clock), m
     QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
         QTcpSocket *client = server.nextPendingConnection();
         clients.push_back(client);
+        client->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         QObject::connect(client, &QTcpSocket::readyRead, client, [this, client] { take(client); });
         QObject::connect(client, &QTcpSocket::disconnected, client, [this, client] {
             std::erase(clients, client);

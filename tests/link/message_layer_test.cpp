@@ -117,13 +117,16 @@ TEST_F(Messages, AMessageIsLaidOnlyIntoAFreeSlotOfAnOpenPort)
 TEST_F(Messages, TheTapSeesEveryMessageWithItsChecksumsVerdict)
 {
     QList<std::pair<int, bool>> seen;
-    TheMessages().tapTraffic([&](const Traffic &traffic) { seen += {traffic.bytes[0], traffic.checksumRight}; });
+    const auto tap = TheMessages().tapTraffic([&](const Traffic &traffic) {
+        seen += {traffic.bytes[0], traffic.checksumRight};
+    });
     lay({0xBC, 1, 2});
     events.run(0.3);
     receive({0xA0, 1, 2, 0x5C});
     receive({0xA0, 1, 2, 0x5D});
     receive({0x82, 0x7D});
     EXPECT_EQ(seen, (QList<std::pair<int, bool>>{{0xBC, true}, {0xA0, true}, {0xA0, false}, {0x82, true}}));
+    TheMessages().endTap(tap);
 }
 
 /// Up to five seconds after its request: the next question of the same kind waits for it, however many follow.

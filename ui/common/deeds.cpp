@@ -1,5 +1,7 @@
 #include "ui/common/deeds.h"
 
+#include "platform/world.h"
+
 #include <utility>
 
 namespace hr::ui
@@ -8,7 +10,27 @@ namespace hr::ui
 namespace
 {
 std::function<void(const QString &)> shows;
+constexpr qsizetype MostReports = 10;
+
+QStringList &Reports()
+{
+    static QStringList reports;
+    return reports;
+}
 } // namespace
+
+void NoteReport(const QString &title, const QString &text)
+{
+    QStringList &reports = Reports();
+    reports += TheEvents().now().toString(QStringLiteral("hh:mm:ss ")) + title + QStringLiteral(": ") + text;
+    if (reports.size() > MostReports)
+        reports.removeFirst();
+}
+
+QStringList RecentReports()
+{
+    return Reports();
+}
 
 void NoteDeed(const QString &what)
 {

@@ -3,7 +3,7 @@
 
 #include "platform/rooms.h"
 
-#include <QString>
+#include <QStringList>
 
 #include <functional>
 
@@ -12,6 +12,10 @@ namespace hr::ui
 
 /// Tells what a command has done, in the user's words: "Lok 103 geschrieben".
 void NoteDeed(const QString &what);
+
+/// A box that was shown: kept with its time, the last few, for a problem report.
+void NoteReport(const QString &title, const QString &text);
+[[nodiscard]] QStringList RecentReports();
 
 /// Who shows it.
 void OnDeed(std::function<void(const QString &)> show);

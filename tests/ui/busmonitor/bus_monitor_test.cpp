@@ -1,16 +1,19 @@
 // The bus monitor, through its real controls, while the program works.
 #include "ui/busmonitor/bus_monitor_window.h"
 
+#include "link/link_state.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"
 #include "shown/connection.h"
 #include "tests/support/window_world.h"
+#include "ui/common/deeds.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -111,6 +114,32 @@ TEST_F(BusMonitor, PausesSavesAndShowsAnEarlierTrace)
     layout().inject({0x82, 0x7D});
     look();
     EXPECT_EQ(cell(0, 4), QStringLiteral("Fahrstrom aus")) << "it listens again";
+}
+
+TEST_F(BusMonitor, AProblemReportTellsNothingPersonalUnlessItMay)
+{
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    NoteReport(QStringLiteral("Fehler!"), QStringLiteral("%1/a.dds mit BR 01 1066").arg(QDir::homePath()));
+    TheLink().PortNumber.text = QStringLiteral("annas-pc:1234");
+    const QString data = QStringLiteral("E5 1F 08 66 33");
+    user.ignoreTexts = true;
+    for (const bool shown : {false, true}) {
+        const QString file = folder.filePath(QStringLiteral("bericht%1.txt").arg(shown));
+        user.expect({}, {}, shown ? QStringLiteral("Ja") : QStringLiteral("Nein"));
+        user.expect({}, {}, file);
+        trigger("problembericht_menu");
+        const QString text = QString::fromUtf8(ReadWholeFile(file).value_or(QByteArray()));
+        for (const char *always :
+            {"VESKA II TOOL ", "Interface 3", "51201", "liest Flash 0x0000C0, 64 Bytes", "Fehler!: "})
+            EXPECT_TRUE(text.contains(QString::fromUtf8(always)) || (always[0] == 'V' && text.contains(u"Arvelo")))
+                << always;
+        EXPECT_EQ(text.contains(QStringLiteral("BR 01 1066")), shown) << text.toStdString();
+        EXPECT_EQ(text.contains(QStringLiteral("annas-pc:1234")), shown);
+        EXPECT_TRUE(shown || text.contains(QStringLiteral("RECHNER:1234")));
+        EXPECT_EQ(text.contains(QDir::homePath()), shown);
+        EXPECT_EQ(text.contains(data + QStringLiteral(" .. ; Handregler\n")), !shown);
+    }
 }
 
 } // namespace hr::tests
