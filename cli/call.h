@@ -42,7 +42,11 @@ struct Call {
     [[nodiscard]] QString value(const QString &option) const { return parser->value(option); }
 
     /// False also for an option that the command does not have: commands share code.
-    [[nodiscard]] bool has(const QString &option) const { return parser->optionNames().contains(option); }
+    [[nodiscard]] bool has(const QString &option) const
+    {
+        const QStringList given = parser->optionNames(); // as they were typed
+        return given.contains(option) || (option == u"probe" && given.contains(QStringLiteral("n")));
+    }
 };
 
 struct Command {

@@ -174,7 +174,8 @@ QList<QCommandLineOption> CarefulOptions(Keeps keeps)
 {
     QCommandLineOption onlyChanges(OnlyChangesOption);
     onlyChanges.setFlags(QCommandLineOption::HiddenFromHelp);
-    QList<QCommandLineOption> options{{DryRunOption, QStringLiteral("zeigt nur, was geschrieben würde")},
+    QList<QCommandLineOption> options{
+        {{QStringLiteral("n"), DryRunOption}, QStringLiteral("zeigt nur, was geschrieben würde")},
         {WriteAllOption, QStringLiteral("schreibt auch, was schon so im Handregler steht")},
         {ProveOption, QStringLiteral("prüft, was geschrieben wurde (ist immer eingeschaltet)")},
         {NoProofOption, QStringLiteral("prüft nicht nach")},

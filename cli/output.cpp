@@ -2,6 +2,7 @@
 
 #include "program/run_control.h"
 
+#include <cerrno>
 #include <cstdio>
 
 namespace hr::cli
@@ -10,16 +11,20 @@ namespace hr::cli
 namespace
 {
 bool sound = true;
+bool readerGone = false;
 } // namespace
 
 void PrintBytes(const QByteArray &bytes)
 {
     const auto size = static_cast<size_t>(bytes.size());
-    if (sound && std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
+    if (!readerGone && std::fwrite(bytes.constData(), 1, size, stdout) == size && std::fflush(stdout) == 0)
         return;
-    if (sound)
-        Tell(QStringLiteral("Die Standardausgabe nimmt nichts mehr an."));
-    sound = false;
+    if (errno != EPIPE) { // who reads no further has said so
+        if (sound)
+            Tell(QStringLiteral("Die Standardausgabe nimmt nichts mehr an."));
+        sound = false;
+    }
+    readerGone = true;
     RequestEnd();
 }
 

@@ -28,19 +28,21 @@ const auto VersionOption = QStringLiteral("version");
 
 void AddGlobalOptions(QCommandLineParser &parser)
 {
-    parser.addOptions(
-        {{PortOption,
-             QStringLiteral("Anschluss, zum Beispiel ttyUSB0, COM3 oder Demo (sonst wie im Fenster gewählt)"),
-             QStringLiteral("TEXT")},
-            {InterfaceOption, QStringLiteral("Interface: 1 (Orvanto 1 oder Tessaro) oder 3 (direkt)"),
-                QStringLiteral("1|3")},
-            {FastOption, QStringLiteral("schnelle Übertragung")}, {JsonOption, QStringLiteral("Ergebnis als JSON")},
-            {YesOption,
-                QStringLiteral("Fragen mit Ja beantworten (nicht, ob ein Auftrag fortgesetzt oder sein Fortschritt "
-                               "verworfen wird)")},
-            {QuietOption, QStringLiteral("ohne Fortschritt und Hinweise")},
-            {VersionOption, QStringLiteral("Version des Programms")},
-            {{QStringLiteral("h"), HelpOption}, QStringLiteral("diese Hilfe, auch nach einem Befehl")}});
+    parser.addOptions({{{QStringLiteral("a"), PortOption},
+                           QStringLiteral("Anschluss, zum Beispiel ttyUSB0, COM3, RECHNER:1234 oder Demo (sonst "
+                                          "HANDREGLER_ANSCHLUSS, sonst wie im Fenster gewählt)"),
+                           QStringLiteral("TEXT")},
+        {{QStringLiteral("i"), InterfaceOption},
+            QStringLiteral("Interface: 1 (Orvanto 1 oder Tessaro) oder 3 (direkt); sonst HANDREGLER_INTERFACE"),
+            QStringLiteral("1|3")},
+        {{QStringLiteral("s"), FastOption}, QStringLiteral("schnelle Übertragung")},
+        {{QStringLiteral("j"), JsonOption}, QStringLiteral("Ergebnis als JSON")},
+        {{QStringLiteral("y"), YesOption},
+            QStringLiteral("Fragen mit Ja beantworten (nicht, ob ein Auftrag fortgesetzt oder sein Fortschritt "
+                           "verworfen wird)")},
+        {{QStringLiteral("q"), QuietOption}, QStringLiteral("ohne Fortschritt und Hinweise")},
+        {VersionOption, QStringLiteral("Version des Programms")},
+        {{QStringLiteral("h"), HelpOption}, QStringLiteral("diese Hilfe, auch nach einem Befehl")}});
 }
 
 const Command *CommandNamed(const QString &name)
@@ -55,6 +57,7 @@ QString CommandWord(const QStringList &words)
 {
     QCommandLineParser parser;
     AddGlobalOptions(parser);
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     static_cast<void>(
         parser.parse(QStringList{QStringLiteral("handregler")} + words)); // commands have options of their own
     return parser.positionalArguments().value(0);
@@ -115,17 +118,24 @@ Exit Fault(const QString &text, const Command *command)
     return Exit::Usage;
 }
 
-std::optional<Options> OptionsOf(const QCommandLineParser &parser)
+/// The options, completed by the variables; a fault where one of them cannot be meant.
+QString OptionsOf(const QCommandLineParser &parser, Options &options)
 {
-    Options options{parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption),
+    options = {parser.value(PortOption), 0, parser.isSet(FastOption), parser.isSet(JsonOption),
         parser.isSet(YesOption), parser.isSet(QuietOption)};
-    if (!parser.isSet(InterfaceOption))
-        return options;
-    const QString kind = parser.value(InterfaceOption);
-    if (kind != u"1" && kind != u"3")
+    if (parser.isSet(PortOption) && options.port.trimmed().isEmpty())
+        return QStringLiteral("--anschluss: hier muss ein Anschluss stehen.");
+    if (!parser.isSet(PortOption))
+        options.port = qEnvironmentVariable("HANDREGLER_ANSCHLUSS");
+    const bool given = parser.isSet(InterfaceOption);
+    const QString kind = given ? parser.value(InterfaceOption) : qEnvironmentVariable("HANDREGLER_INTERFACE");
+    if (!given && kind.isEmpty())
         return {};
+    if (kind != u"1" && kind != u"3")
+        return (given ? QStringLiteral("--interface") : QStringLiteral("HANDREGLER_INTERFACE"))
+            + QStringLiteral(": hier muss 1 oder 3 stehen.");
     options.interfaceType = kind == u"1" ? InterfaceOrvanto1 : InterfaceDirect;
-    return options;
+    return {};
 }
 
 } // namespace
@@ -138,6 +148,7 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
     if (command != nullptr)
         parser.addOptions(command->options); // before the others, so that the help begins with them
     AddGlobalOptions(parser);
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions); // "-json" is meant as "--json"
     const bool understood = parser.parse(QStringList{QStringLiteral("handregler")} + words);
     exit = Exit::Done;
     if (parser.isSet(VersionOption)) {
@@ -155,14 +166,15 @@ std::optional<Wish> UnderstandWords(const QStringList &words, QCommandLineParser
     const QStringList given = parser.positionalArguments().mid(1);
     if (fault.isEmpty())
         fault = ArgumentFault(*command, given);
-    const auto options = OptionsOf(parser);
-    if (fault.isEmpty() && !options)
-        fault = QStringLiteral("--interface: hier muss 1 oder 3 stehen.");
+    Options options;
+    const QString optionFault = OptionsOf(parser, options);
+    if (fault.isEmpty())
+        fault = optionFault;
     if (!fault.isEmpty()) {
         exit = Fault(fault, command);
         return {};
     }
-    return Wish{command, {given, *options, &parser, parser.positionalArguments().join(u' ')},
+    return Wish{command, {given, options, &parser, parser.positionalArguments().join(u' ')},
         {parser.isSet(YesOption), parser.isSet(QuietOption)}};
 }
 

@@ -7,11 +7,18 @@
 #include "platform/text.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
 namespace hr::cli
 {
+
+namespace
+{
+constexpr qint64 LargestInput = 16LL * 1024 * 1024;
+const auto AsOption = QStringLiteral("als");
+} // namespace
 
 Exit ExitOf(JobEnd end, bool allSound)
 {
@@ -63,10 +70,55 @@ std::optional<std::vector<int>> ListArgument(const QString &text, int low, int h
 
 std::optional<QByteArray> ReadFileArgument(const QString &fileName)
 {
-    auto content = ReadWholeFile(fileName);
+    const QString name = QDir::toNativeSeparators(fileName);
+    const QFileInfo file(fileName);
+    if (file.exists() && !file.isFile()) {
+        Tell(QStringLiteral("%1 ist keine Datei.").arg(name));
+        return {};
+    }
+    if (file.size() > LargestInput) {
+        Tell(QStringLiteral("Die Datei %1 ist zu groß (höchstens 16 MB).").arg(name));
+        return {};
+    }
+    auto content = ReadSmallFile(fileName, LargestInput);
     if (!content)
-        Tell(QStringLiteral("Die Datei %1 kann nicht gelesen werden.").arg(QDir::toNativeSeparators(fileName)));
+        Tell(QStringLiteral("Die Datei %1 kann nicht gelesen werden.").arg(name));
     return content;
+}
+
+bool WritesKind(const Call &call, const QString &fileName, const QString &ending)
+{
+    const auto endsAs = [&fileName](
+                            const QString &kind) { return fileName.endsWith(u'.' + kind, Qt::CaseInsensitive); };
+    if (endsAs(ending))
+        return true;
+    const bool insists = call.has(AsOption) && call.value(AsOption).compare(ending, Qt::CaseInsensitive) == 0;
+    if (insists && !QFileInfo::exists(fileName))
+        return true;
+    if (insists)
+        UsageFault(QStringLiteral("%1 gibt es schon, und es ist keine .%2-Datei: Sie wird nicht ersetzt.")
+                       .arg(fileName, ending));
+    else
+        UsageFault(QStringLiteral("%1: Der Name muss auf .%2 enden (oder --als %2).").arg(fileName, ending));
+    return false;
+}
+
+QCommandLineOption AsKindOption(const QString &ending)
+{
+    return {AsOption, QStringLiteral("schreibt auch in eine neue Datei mit anderer Endung: --als ") + ending,
+        QStringLiteral("ART")};
+}
+
+bool IsBackupArgument(const QString &fileName, const QByteArray &content)
+{
+    const bool isList =
+        fileName.endsWith(u".csv", Qt::CaseInsensitive) || fileName.endsWith(u".json", Qt::CaseInsensitive);
+    if (!isList && !content.isEmpty())
+        return true;
+    FileFaults(fileName,
+        isList ? QStringLiteral("Sie ist eine Liste und keine Datensicherung; \"schreiben\" schreibt sie.")
+               : QStringLiteral("Sie ist leer und keine Datensicherung."));
+    return false;
 }
 
 bool WriteFileArgument(const QString &fileName, const QByteArray &content)

@@ -25,6 +25,14 @@ std::optional<std::vector<int>> ListArgument(const QString &text, int low, int h
 std::optional<QByteArray> ReadFileArgument(const QString &fileName);
 [[nodiscard]] bool WriteFileArgument(const QString &fileName, const QByteArray &content);
 
+/// True when a command may write this file: it has the ending (without a point) of what is written, or --als insists and there
+/// is no such file yet. Otherwise false after a message: a file of another kind is never replaced.
+[[nodiscard]] bool WritesKind(const Call &call, const QString &fileName, const QString &ending);
+QCommandLineOption AsKindOption(const QString &ending);
+
+/// False, after a message, for lists and empty files, which are no backups.
+[[nodiscard]] bool IsBackupArgument(const QString &fileName, const QByteArray &content);
+
 /// Tells a wrong call: "handregler: ...".
 Exit UsageFault(const QString &text);
 

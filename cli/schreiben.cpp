@@ -30,6 +30,13 @@ bool KeepWanted(std::vector<ListedLoco> &locos, const std::vector<int> &wanted)
     return true;
 }
 
+/// Addresses with symbols alone may be the assignment of the accessories.
+bool SaysWhatALocoIs(const ListedLoco &loco)
+{
+    const auto given = [](const std::optional<int> &value) { return value.has_value(); };
+    return loco.name || std::ranges::any_of(loco.symbols, given) || std::ranges::any_of(loco.modes, given);
+}
+
 /// What a run is about: it goes on only with the same. What a roster says also stands in other files (the loco files, the
 /// words of the functions), so there it is what became of them.
 QByteArray AboutOf(const QString &fileName, const std::vector<ListedLoco> &locos)
@@ -53,6 +60,8 @@ Exit Run(const Call &call)
         if (!wanted || !KeepWanted(*locos, *wanted))
             return Exit::Usage;
     }
+    if (std::ranges::none_of(*locos, SaysWhatALocoIs))
+        return FileFaults(fileName, QStringLiteral("Die Liste nennt weder Namen noch Funktionen von Loks."));
     if (!NamesAccepted(*locos))
         return Exit::Stopped;
     CarefulJob job = JobOf(call);

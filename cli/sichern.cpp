@@ -109,7 +109,7 @@ QString WhyNot(const Call &call, const QString &fileName, const JournalHead &hea
 Exit Run(const Call &call)
 {
     const auto selection = SelectionOf(call);
-    if (!selection)
+    if (!selection || !WritesKind(call, call.arguments.value(0), QStringLiteral("dds")))
         return Exit::Usage;
     const Service service(call);
     if (!service.ready())
@@ -155,7 +155,8 @@ Command BackupCommand()
             {RowOf(RecordKind::AssignmentTable).option, QStringLiteral("die Symbolzuordnung der Magnetartikel")},
             {RowOf(RecordKind::PlaceTable).option, QStringLiteral("die Magnetartikelliste")},
             {GoOnOption, QStringLiteral("setzt eine abgebrochene Sicherung fort")},
-            {KeepOption, QStringLiteral("behält auch von einer abgebrochenen, was schon gelesen ist")}},
+            {KeepOption, QStringLiteral("behält auch von einer abgebrochenen, was schon gelesen ist")},
+            AsKindOption(QStringLiteral("dds"))},
         Run,
         QStringLiteral(
             "LISTE: Nummern und Bereiche, zum Beispiel 1-5,8. Eine vorhandene Datei wird ersetzt; nur wenn die neue\n"

@@ -38,7 +38,7 @@ std::optional<RecordValue> ReadTable(RecordKind kind, Exit &exit)
 
 Exit ReadInto(const Call &call, RecordKind kind, const QString &fileName)
 {
-    if (!ReadsOnly(call))
+    if (!ReadsOnly(call) || !WritesKind(call, fileName, QStringLiteral("csv")))
         return Exit::Usage;
     const Service service(call);
     if (!service.ready())
@@ -96,10 +96,10 @@ Command TableCommand()
         {QStringLiteral("lesen|schreiben"), QStringLiteral("fahrstrassen|zuordnung|magliste"),
             QStringLiteral("DATEI.csv")},
         QStringLiteral("eine Tabelle in eine CSV-Datei oder aus ihr in den Handregler"),
-        CarefulOptions(Keeps::Nothing), Run,
+        CarefulOptions(Keeps::Nothing) << AsKindOption(QStringLiteral("csv")), Run,
         QStringLiteral("Beim Schreiben ändert sich nur, was die Datei nennt; vorher wird gefragt. Spalten:\n"
                        "  fahrstrassen  Fahrstraße;Rückmelder;Auslösung (frei oder besetzt)\n"
-                       "  zuordnung     Adresse;Symbol\n"
+                       "  zuordnung     Magnetartikel;Symbol\n"
                        "  magliste      Platz;Adresse;Bezeichnung;Symbol")};
 }
 

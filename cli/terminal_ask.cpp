@@ -31,6 +31,17 @@ QString TimeLeft(double seconds)
                            : QStringLiteral(", noch %1 min").arg((whole + minute - 1) / minute);
 }
 
+/// What an answer means; nothing for what is none.
+std::optional<bool> MeaningOf(const QString &answer, bool defaultYes)
+{
+    const QString word = answer.trimmed().toLower();
+    if (word.isEmpty())
+        return defaultYes;
+    if (word == u"j" || word == u"ja" || word == u"y" || word == u"yes")
+        return true;
+    return word == u"n" || word == u"nein" || word == u"no" ? std::optional(false) : std::nullopt;
+}
+
 void WriteRaw(const QString &text)
 {
     const QByteArray bytes = text.toUtf8();
@@ -79,15 +90,18 @@ bool TerminalAsk::askYesNo(const BoxText &box, bool defaultYes)
             + QStringLiteral("\nNein: Hier kann niemand antworten. Mit --ja gilt jede Frage als bejaht."));
         return false;
     }
-    WriteRaw(LineText(box) + (defaultYes ? QStringLiteral(" [J/n] ") : QStringLiteral(" [j/N] ")));
-    std::optional<Console::Line> answer;
-    console.readLine([&answer](const Console::Line &line) { answer = line; });
-    const bool answered = PumpUntilAnswered([&answer] { return answer.has_value(); });
-    console.stopReading();
-    if (!answered || !*answer) // nobody is there any more, who could say Ja
-        return false;
-    const QString word = (*answer)->trimmed().toLower();
-    return word.isEmpty() ? defaultYes : word.startsWith(u'j');
+    for (;;) {
+        WriteRaw(LineText(box) + (defaultYes ? QStringLiteral(" [J/n] ") : QStringLiteral(" [j/N] ")));
+        std::optional<Console::Line> answer;
+        console.readLine([&answer](const Console::Line &line) { answer = line; });
+        const bool answered = PumpUntilAnswered([&answer] { return answer.has_value(); });
+        console.stopReading();
+        if (!answered || !*answer) // nobody is there any more, who could say Ja
+            return false;
+        if (const auto meant = MeaningOf(**answer, defaultYes))
+            return *meant;
+        Tell(QStringLiteral("Bitte mit ja oder nein antworten."));
+    }
 }
 
 QString TerminalAsk::askText(const QString &, const QString &, const QString &)

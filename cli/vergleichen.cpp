@@ -16,7 +16,7 @@ namespace
 std::optional<std::vector<DdsRecord>> RecordsIn(const QString &fileName)
 {
     const auto file = ReadFileArgument(fileName);
-    if (!file)
+    if (!file || !IsBackupArgument(fileName, *file))
         return {};
     const DdsContent content = ReadDds(*file);
     if (!content.fault)

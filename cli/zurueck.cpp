@@ -1,4 +1,5 @@
 #include "cli/careful.h"
+#include "cli/results.h"
 #include "jobs/restore.h"
 
 namespace hr::cli
@@ -9,6 +10,9 @@ namespace
 
 Exit Run(const Call &call)
 {
+    const auto file = ReadFileArgument(call.arguments.value(0));
+    if (!file || !IsBackupArgument(call.arguments.value(0), *file))
+        return Exit::Usage;
     const auto offer = OfferRestore(call.arguments.value(0));
     if (!offer)
         return Exit::Usage;

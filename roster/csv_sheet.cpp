@@ -17,9 +17,20 @@ constexpr QChar Quote(u'"');
 
 QString TextOf(const QByteArray &file)
 {
-    QStringDecoder utf8(QStringConverter::Utf8); // takes a byte order mark off
-    QString text = utf8(file);
-    return utf8.hasError() ? QString::fromLatin1(file) : text;
+    const auto marked = QStringConverter::encodingForData(file); // by its byte order mark
+    QStringDecoder decoder(marked.value_or(QStringConverter::Utf8));
+    QString text = decoder(file);
+    if (decoder.hasError())
+        text = QString::fromLatin1(file);
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    return text.replace(u'\r', u'\n');
+}
+
+/// "sep=;" is for the spreadsheet, "#" begins a remark.
+bool SaysNothing(const CsvRow &row)
+{
+    const QString first = row.cells.value(0);
+    return first.startsWith(u'#') || first.startsWith(QStringLiteral("sep="), Qt::CaseInsensitive);
 }
 
 /// The separator that the first line has most of.
@@ -38,11 +49,16 @@ class Splitter
 public:
     explicit Splitter(const QString &file) : text(file), separator(SeparatorOf(file)) { }
 
+    /// The line of a quote that is never closed; 0 when there is none.
+    [[nodiscard]] int unclosedLine() const { return unclosed; }
+
     std::vector<CsvRow> rows()
     {
         for (; position < text.size(); ++position)
             take(text.at(position));
+        unclosed = quoted ? quoteLine : 0;
         endRow();
+        std::erase_if(found, SaysNothing);
         return std::move(found);
     }
 
@@ -67,6 +83,7 @@ private:
     {
         cell.clear();
         quoted = asWritten = true;
+        quoteLine = line;
     }
 
     void takeQuoted(QChar c)
@@ -101,6 +118,8 @@ private:
     const QChar separator;
     qsizetype position = 0;
     int line = 1;
+    int quoteLine = 0;
+    int unclosed = 0;
     bool quoted = false;    // inside quotes
     bool asWritten = false; // the cell was in quotes: its blanks count
     QString cell;
@@ -131,8 +150,12 @@ QString FaultsText(const std::vector<FileFault> &faults)
     return lines.join(u'\r');
 }
 
-CsvSheet::CsvSheet(const QByteArray &file) : content(Splitter(TextOf(file)).rows())
+CsvSheet::CsvSheet(const QByteArray &file)
 {
+    Splitter splitter(TextOf(file));
+    content = splitter.rows();
+    if (const int line = splitter.unclosedLine(); line > 0)
+        faults.push_back({line, {}, QStringLiteral("ein Anführungszeichen wird nie geschlossen")});
     if (content.empty()) {
         faults.push_back({0, {}, QStringLiteral("die Datei ist leer")});
         return;
@@ -145,6 +168,15 @@ CsvSheet::CsvSheet(const QByteArray &file) : content(Splitter(TextOf(file)).rows
 qsizetype CsvSheet::indexOf(const QString &column) const
 {
     return headings.indexOf(UpperLatin1(column));
+}
+
+void CsvSheet::alsoCalled(const QString &column, const QStringList &others)
+{
+    for (const QString &other : others) {
+        const qsizetype index = indexOf(other);
+        if (!has(column) && index >= 0)
+            headings[index] = UpperLatin1(column);
+    }
 }
 
 std::optional<QString> CsvSheet::cell(const CsvRow &row, const QString &column) const

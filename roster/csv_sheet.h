@@ -43,6 +43,9 @@ public:
     [[nodiscard]] const std::vector<CsvRow> &rows() const { return content; }
     [[nodiscard]] bool has(const QString &column) const { return indexOf(column) >= 0; }
 
+    /// A column may have other headings; the first that is there counts as it where the file has none of its own name.
+    void alsoCalled(const QString &column, const QStringList &others);
+
     /// The cell without blanks around it, empty where the row ends early; nothing where the file has no such column.
     [[nodiscard]] std::optional<QString> cell(const CsvRow &row, const QString &column) const;
 

@@ -3,6 +3,7 @@
 #include "handheld/text_encoding.h"
 #include "platform/text.h"
 
+#include <QRegularExpression>
 #include <map>
 
 namespace hr::roster
@@ -45,10 +46,8 @@ QString MomentaryText(const LocoRecord &record)
 std::optional<QString> NameIn(CsvSheet &sheet, const CsvRow &row)
 {
     std::optional<QString> name = sheet.cell(row, NameColumn);
-    if (!name)
+    if (!name || name->isEmpty()) // an empty cell changes nothing
         return {};
-    if (name->isEmpty())
-        sheet.faults.push_back({row.line, NameColumn, QStringLiteral("der Name fehlt")});
     if (name->size() > NameLength) {
         sheet.faults.push_back({row.line, NameColumn,
             QStringLiteral("\"%1\" hat mehr als %2 Zeichen")
@@ -65,7 +64,8 @@ std::array<std::optional<int>, FunctionCount> ModesIn(CsvSheet &sheet, const Csv
         return {};
     std::array<std::optional<int>, FunctionCount> modes{};
     modes.fill(0); // the cell lists all that are momentary
-    for (const QString &entry : text->split(u' ', Qt::SkipEmptyParts)) {
+    static const QRegularExpression separators(QStringLiteral("[ ,;]+"));
+    for (const QString &entry : text->split(separators, Qt::SkipEmptyParts)) {
         bool isNumber = false;
         const uint function = entry.toUInt(&isNumber);
         if (isNumber && function < FunctionCount)
@@ -79,7 +79,8 @@ std::array<std::optional<int>, FunctionCount> ModesIn(CsvSheet &sheet, const Csv
 
 std::optional<int> NumberIn(CsvSheet &sheet, const CsvRow &row, const QString &column, int high)
 {
-    return sheet.has(column) ? sheet.number(row, column, 0, high) : std::nullopt;
+    const auto text = sheet.cell(row, column);
+    return text && !text->isEmpty() ? sheet.number(row, column, 0, high) : std::nullopt;
 }
 
 ListedLoco LocoIn(CsvSheet &sheet, const CsvRow &row)
@@ -146,6 +147,9 @@ QByteArray CsvOf(const std::vector<RosterLoco> &locos, CsvFor reader)
 LocoList ReadLocoCsv(const QByteArray &file)
 {
     CsvSheet sheet(file);
+    sheet.alsoCalled(AddressColumn, {QStringLiteral("Lokadresse"), QStringLiteral("Adr."), QStringLiteral("Adr")});
+    sheet.alsoCalled(NameColumn, {QStringLiteral("Lokname"), QStringLiteral("Bezeichnung")});
+    sheet.alsoCalled(SymbolColumn, {QStringLiteral("Loksymbol")});
     sheet.checkColumns({AddressColumn}, AllColumns());
     LocoList list;
     if (sheet.has(AddressColumn)) {

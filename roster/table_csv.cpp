@@ -15,10 +15,16 @@ constexpr int HighestByte = 255;
 
 using Change = std::function<void(RecordValue &)>;
 
+/// The assignment has a heading of its own, so that its file is never taken for a list of locos.
+QString NumberColumn(RecordKind kind)
+{
+    return kind == RecordKind::AssignmentTable ? QStringLiteral("Magnetartikel") : RowOf(kind).entryName;
+}
+
 /// The columns of a table's file: the number of the entry, then its fields.
 QStringList ColumnsOf(RecordKind kind)
 {
-    return QStringList{RowOf(kind).entryName} + RowOf(kind).fields;
+    return QStringList{NumberColumn(kind)} + RowOf(kind).fields;
 }
 
 const QString &Column(RecordKind kind, int field)
@@ -127,8 +133,10 @@ QByteArray TableCsv(const RecordValue &table)
 
 TableChanges ReadTableCsv(const QByteArray &file, RecordKind kind)
 {
-    const QString &numberColumn = RowOf(kind).entryName;
+    const QString numberColumn = NumberColumn(kind);
     CsvSheet sheet(file);
+    if (kind == RecordKind::AssignmentTable)
+        sheet.alsoCalled(numberColumn, {RowOf(kind).entryName}); // older files
     sheet.checkColumns({numberColumn}, ColumnsOf(kind));
     std::vector<Change> changes;
     std::set<int> seen;

@@ -141,8 +141,8 @@ TEST_F(Terminal, AColumnThatIsMissingKeepsWhatTheRecordHas)
     EXPECT_EQ(after.at(61), 9);
     EXPECT_EQ(after.mid(21, 40), before.mid(21, 40)) << "functions and bytes that nobody interprets";
     // An empty record has nothing to be completed: it needs a name.
-    EXPECT_EQ(run(QStringLiteral("schreiben"), {fileWith(QStringLiteral("b.csv"), "Adresse;Symbol\n5;1\n")}),
-        Exit::Incomplete);
+    EXPECT_EQ(
+        run(QStringLiteral("schreiben"), {fileWith(QStringLiteral("b.csv"), "Adresse;f1\n5;1\n")}), Exit::Incomplete);
     EXPECT_EQ(flashBytes(LocoRecordAddress(5), 64), QByteArray(64, '\xFF'));
 }
 
@@ -702,6 +702,74 @@ TEST_F(Calls, TheBusIsHeardAndNothingIsSent)
     call({"until Ctrl-C", QStringLiteral("mitschnitt"), none, Exit::Done, QStringLiteral("Strg-C"), names, 0,
         [this] { events.after(3'000'000, TakeInterrupt); }});
     EXPECT_EQ(messagesOnBus(0xED), before);
+}
+
+TEST_F(Calls, FilesOfAnotherKindAreNeitherReplacedNorTaken)
+{
+    freshWorld();
+    const auto names = QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-");
+    const auto none = QStringLiteral("-");
+    fileWith(QStringLiteral("loks.csv"), "Adresse;Name\n3;DREI\n");
+    fileWith(QStringLiteral("zu.csv"), "Magnetartikel;Symbol\n1;7\n");
+    fileWith(QStringLiteral("alt.csv"), "Adresse;Symbol\n1;7\n");
+    fileWith(QStringLiteral("leer.dds"), "");
+    fileWith(QStringLiteral("gross.csv"), QByteArray(17 * 1024 * 1024, 'a'));
+    EXPECT_TRUE(MakeFolder(path(QStringLiteral("ordner.dds"))));
+    const auto kind = QStringLiteral("Der Name muss auf .dds enden");
+    struct Wrong {
+        const char *words;
+        QString said;
+    };
+    for (const Wrong &row :
+        {Wrong{"sichern --loks 3 loks.csv", kind}, Wrong{"sichern --loks 3 --als csv loks.csv", kind},
+            Wrong{"sichern --loks 3 --als dds loks.csv", QStringLiteral("Sie wird nicht ersetzt")},
+            Wrong{"tabelle lesen zuordnung leer.dds", QStringLiteral("Der Name muss auf .csv enden")},
+            Wrong{"schreiben alt.csv", QStringLiteral("weder Namen noch Funktionen")},
+            Wrong{"schreiben zu.csv", QStringLiteral("Adresse: diese Spalte fehlt")},
+            Wrong{"schreiben gross.csv", QStringLiteral("zu groß (höchstens 16 MB)")},
+            Wrong{"zurueck leer.dds", QStringLiteral("leer und keine Datensicherung")},
+            Wrong{"zurueck loks.csv", QStringLiteral("eine Liste und keine Datensicherung")},
+            Wrong{"zurueck ordner.dds", QStringLiteral("ist keine Datei")},
+            Wrong{"vergleichen leer.dds", QStringLiteral("leer und keine Datensicherung")},
+            Wrong{"vergleichen loks.csv", QStringLiteral("eine Liste und keine Datensicherung")}})
+        call({row.words, QString::fromLatin1(row.words), none, Exit::Usage, row.said, names, 0});
+    EXPECT_EQ(ReadWholeFile(path(QStringLiteral("loks.csv"))), QByteArray("Adresse;Name\n3;DREI\n"));
+    call({"a new one", QStringLiteral("sichern --loks 3 --als dds neu.bak"), none, Exit::Done, {}, names, 0});
+    call({"the old heading", QStringLiteral("tabelle schreiben --probe zuordnung alt.csv"), none, Exit::Done,
+        QStringLiteral("Adresse 1"), names, 0});
+    call({"the new one", QStringLiteral("tabelle schreiben --probe zuordnung zu.csv"), none, Exit::Done,
+        QStringLiteral("Adresse 1"), names, 0});
+}
+
+TEST_F(Calls, ListsAreReadAsPeopleKeepThem)
+{
+    freshWorld();
+    const auto none = QStringLiteral("-");
+    const auto list = [this](const QByteArray &content) {
+        fileWith(QStringLiteral("l.csv"), content);
+        return QStringLiteral("schreiben l.csv");
+    };
+    const auto after = QStringLiteral("DREI,LOK 4,LOK 8,LOK 9,-");
+    QByteArray utf16("\xFF\xFE", 2);
+    for (const QChar c : QStringLiteral("Adresse\tName\r\n3\tDREI\r\n"))
+        utf16 += QByteArray(1, static_cast<char>(c.unicode())) + '\0';
+    for (const QByteArray &content : {QByteArray("sep=;\n# meine Loks\nLokadresse;Lokname\n3;DREI\n# Ende\n"), utf16,
+             QByteArray("Adr.,Name\r3,DREI\r4,\r"),
+             QByteArray("Adresse;Name;Symbol;f1;MultiUni\n3;DREI;;;\n8;;;;\n")}) {
+        freshWorld();
+        call({"written", list(content), none, Exit::Done, QStringLiteral("Lokdatensätze: 3\n"), after, 1});
+    }
+    freshWorld();
+    call({"momentary", list("Adresse;Name;Tast\n3;DREI;\"2,4\"\n"), none, Exit::Done, {}, after, 1});
+    EXPECT_EQ(flashBytes(LocoRecordAddress(3) + 28, 1), QByteArray("\x14", 1));
+    call({"open quote", list("Adresse;Name\n3;DREI\n4;\"VIER\n"), none, Exit::Usage,
+        QStringLiteral("Zeile 3: ein Anführungszeichen wird nie geschlossen"), after, 0});
+    call({"-n looks only", QStringLiteral("schreiben -n l.csv"), none, Exit::Done, QStringLiteral("Lok 4: "), after,
+        0, [&] { list("Adresse;Name\n4;VIER\n"); }});
+    call({"one dash", QStringLiteral("schreiben -probe l.csv"), none, Exit::Done, QStringLiteral("Lok 4: "), after,
+        0});
+    call({"no answer", QStringLiteral("loeschen 4"), QStringLiteral("vielleicht,nein"), Exit::Stopped,
+        QStringLiteral("Bitte mit ja oder nein antworten."), after, 0});
 }
 
 /// From the moment of a kill on nothing comes to the disk any more.
