@@ -35,6 +35,8 @@ Exit Run(const Call &call)
         download = DownloadLocos();
     }
     if (download.status != 0) {
+        if (BoxesAreSilent())
+            Tell(QStringLiteral("Abgebrochen."));
         Tell(QStringLiteral("Die Datenbank wurde nicht vollständig gelesen; die Datei wird nicht geschrieben."));
         return ExitOfDownload(download);
     }

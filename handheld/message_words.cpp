@@ -159,7 +159,7 @@ QString HandheldRequest(Message message)
         return QStringLiteral("Puffer ab %1 lesen").arg(start);
     if (manner == 0)
         return QStringLiteral("Puffer ab %1 schreiben").arg(start);
-    const QString chip = start == 0 ? ChipWords(data) : QString();
+    QString chip = start == 0 ? ChipWords(data) : QString();
     if (!chip.isEmpty())
         return chip;
     return QStringLiteral("Puffer ab %1 schreiben, %2 Bytes ausführen").arg(start).arg(data.at(19));
