@@ -206,17 +206,26 @@ const std::map<int, Wording> &Wordings()
 {
     static const std::map<int, Wording> wordings{{0x81, Plain("Zentrale ist beschäftigt")},
         {0x82, Plain("Fahrstrom aus")}, {0x83, Plain("Fahrstrom ein")}, {0x85, Plain("Nothalt für alle")},
-        {0xA0, Speed}, {0xA1, DirectionAndFunctions}, {0xA2, [](Message m) -> QString { return MoreFunctions(m, 5); }},
+        {0xA0, Speed}, {0xA1, DirectionAndFunctions},
+        {0xA2, [](Message m) -> QString { return MoreFunctions(m, 5); }},
         {0xA3, [](Message m) -> QString { return MoreFunctions(m, 9); }},
         {0xB0, [](Message m) -> QString { return Accessory(QStringLiteral("schaltet Magnetartikel"), m); }},
         {0xB1, Plain("Magnetartikel meldet seine Lage")}, {0xB2, Sensor}, {0xB4, LongAck},
         {0xB5, [](Message m) -> QString { return QStringLiteral("setzt Zustand") + Slot(m); }},
         {0xB6, [](Message m) -> QString { return QStringLiteral("Funktionen der Mehrfachtraktion") + Slot(m); }},
         {0xB8, Plain("trennt Mehrfachtraktion")}, {0xB9, Plain("bildet Mehrfachtraktion")},
-        {0xBA, [](Message m) -> QString { return QStringLiteral("übernimmt Platz %1 nach %2").arg(At(m, 1)).arg(At(m, 2)); }},
-        {0xBB, [](Message m) -> QString { return QStringLiteral("fragt nach den Daten von Platz %1").arg(At(m, 1)); }},
-        {0xBC, [](Message m) -> QString { return QStringLiteral("fragt nach Magnetartikel %1").arg(AccessoryAddress(m)); }},
-        {0xBD, [](Message m) -> QString { return Accessory(QStringLiteral("schaltet mit Quittung Magnetartikel"), m); }},
+        {0xBA,
+            [](Message m) -> QString {
+                return QStringLiteral("übernimmt Platz %1 nach %2").arg(At(m, 1)).arg(At(m, 2));
+            }},
+        {0xBB,
+            [](Message m) -> QString { return QStringLiteral("fragt nach den Daten von Platz %1").arg(At(m, 1)); }},
+        {0xBC,
+            [](Message m) -> QString {
+                return QStringLiteral("fragt nach Magnetartikel %1").arg(AccessoryAddress(m));
+            }},
+        {0xBD,
+            [](Message m) -> QString { return Accessory(QStringLiteral("schaltet mit Quittung Magnetartikel"), m); }},
         {0xBF, LocoAddress}, {0xD0, Plain("Meldung über Fahrzeug oder Versorgung")}, {0xE5, PeerTransfer},
         {0xE7, SlotData}, {0xED, Immediate},
         {0xEF, [](Message m) -> QString { return QStringLiteral("schreibt ") + SlotData(m); }}};
