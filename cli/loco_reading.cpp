@@ -33,6 +33,8 @@ std::vector<RosterLoco> LocosOf(const Report &report, bool emptyToo)
 
 void TellDoubts(const Report &report)
 {
+    if (ReaderGone())
+        return;
     if (report.end != JobEnd::Complete)
         Tell(EndText(report.end, QStringLiteral("Angehalten.")));
     std::vector<RecordId> doubtful;

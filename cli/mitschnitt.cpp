@@ -96,7 +96,7 @@ Exit Run(const Call &call)
         return Exit::Usage;
     }
     if (!fileName.isEmpty())
-        PrintLine(QStringLiteral("%1 Meldungen in %2").arg(trace.end()).arg(fileName));
+        PrintLine(QStringLiteral("Mitgeschrieben in %1: %2").arg(fileName).arg(trace.end()));
     return Comm().isOpen() || BoxesAreSilent() ? Exit::Done : Exit::Incomplete; // a lost port was told
 }
 

@@ -43,6 +43,11 @@ bool OutputSound()
     return sound;
 }
 
+bool ReaderGone()
+{
+    return readerGone;
+}
+
 void Tell(const QString &line)
 {
     const QByteArray bytes = line.toUtf8() + '\n';

@@ -18,6 +18,9 @@ void PrintJson(const QJsonDocument &document);
 /// True when everything could be written.
 bool OutputSound();
 
+/// True once nobody reads the standard output any more: he needs no report either.
+bool ReaderGone();
+
 /// Writes a line to the standard error output: what went wrong, or what the user should know.
 void Tell(const QString &line);
 

@@ -23,8 +23,6 @@ LinkSettings SettingsFor(const Options &options)
     }
     if (options.interfaceType != InterfaceNone)
         settings.interfaceType = options.interfaceType;
-    if (NetworkPortOf(settings.port.text))
-        settings.interfaceType = InterfaceDirect;
     return settings;
 }
 
@@ -57,12 +55,11 @@ Service::Service(const Call &call, Wanted wanted) : state(open(call, wanted))
 
 Exit Service::open(const Call &call, Wanted wanted)
 {
-    const LinkSettings settings = SettingsFor(call.options);
-    if (const QString missing = Missing(settings, wanted == Wanted::LineOnly); !missing.isEmpty()) {
+    TheLink().use(SettingsFor(call.options));
+    if (const QString missing = Missing(TheLink().settings(), wanted == Wanted::LineOnly); !missing.isEmpty()) {
         Tell(missing);
         return Exit::NoHandheld;
     }
-    TheLink().use(settings);
     if (SetUpLink().ok())
         return Exit::Done;
     return BoxesAreSilent() ? Exit::Stopped : Exit::NoHandheld;

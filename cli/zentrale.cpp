@@ -15,10 +15,6 @@ namespace
 
 Exit ExitOfDownload(const Download &download)
 {
-    if (download.status == 0)
-        return Exit::Done;
-    if (BoxesAreSilent())
-        return Exit::Stopped;
     return download.status < BaseLeaving ? Exit::NoHandheld : Exit::Incomplete; // no station answered
 }
 
@@ -34,9 +30,11 @@ Exit Run(const Call &call)
             return line.failure();
         download = DownloadLocos();
     }
+    if (BoxesAreSilent() || InterruptTaken()) { // what came until then looks like a whole database
+        Tell(QStringLiteral("Abgebrochen. Die Datei wird nicht geschrieben."));
+        return Exit::Stopped;
+    }
     if (download.status != 0) {
-        if (BoxesAreSilent())
-            Tell(QStringLiteral("Abgebrochen."));
         Tell(QStringLiteral("Die Datenbank wurde nicht vollständig gelesen; die Datei wird nicht geschrieben."));
         return ExitOfDownload(download);
     }

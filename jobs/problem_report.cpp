@@ -9,6 +9,7 @@
 #include "platform/world.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QSysInfo>
 
 namespace hr::jobs
@@ -36,10 +37,15 @@ QString PortText(Personal personal)
 
 QString WithoutNames(QString text)
 {
-    text.replace(QDir::toNativeSeparators(QDir::homePath()), QStringLiteral("~"));
-    text.replace(QDir::homePath(), QStringLiteral("~"));
-    for (const int address : KnownAddresses()) {
-        if (const QString name = KnownLocoName(address); !name.isEmpty())
+    if (const QString home = QDir::homePath(); home.size() > 1) {
+        text.replace(QDir::toNativeSeparators(home), QStringLiteral("~"));
+        text.replace(home, QStringLiteral("~"));
+    }
+    for (const int address : KnownAddresses()) { // whole words: a loco may be called "E"
+        const QRegularExpression name(
+            QStringLiteral("(?<!\\w)%1(?!\\w)").arg(QRegularExpression::escape(KnownLocoName(address))),
+            QRegularExpression::UseUnicodePropertiesOption);
+        if (!KnownLocoName(address).isEmpty())
             text.replace(name, QStringLiteral("(Lokname)"));
     }
     if (const auto network = NetworkPortOf(TheLink().PortNumber.text); network && !network->host.isEmpty())

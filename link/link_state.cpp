@@ -1,5 +1,7 @@
 #include "link/link_state.h"
 
+#include "platform/port_name.h"
+
 #include <utility>
 
 namespace hr::link
@@ -8,7 +10,7 @@ namespace hr::link
 void LinkState::use(const LinkSettings &settings)
 {
     PortNumber = settings.port;
-    InterfaceType = settings.interfaceType;
+    InterfaceType = NetworkPortOf(settings.port.text) ? InterfaceDirect : settings.interfaceType;
 }
 
 void LinkState::endService()

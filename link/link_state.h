@@ -25,6 +25,7 @@ public:
 
     int lossTellers = 0; // TellsPortLoss objects alive (link/open_link.h)
 
+    /// A port in the network has always the third kind of interface.
     void use(const LinkSettings &settings);
     [[nodiscard]] LinkSettings settings() const { return {PortNumber, InterfaceType}; }
 

@@ -46,8 +46,7 @@ void LinesPort::takeText()
     received += lines.messagesIn(carrier.read());
     if (received.size() > MostReceived)
         received.clear();
-    if (threshold > 0 && received.size() >= threshold && onReceive)
-        onReceive();
+    tellWaiting();
 }
 
 QByteArray LinesPort::read()

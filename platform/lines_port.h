@@ -2,12 +2,12 @@
 #pragma once
 
 #include "platform/loconet_lines.h"
-#include "platform/serial_port.h"
+#include "platform/stream_port.h"
 
 namespace hr::platform
 {
 
-class LinesPort : public SerialPort
+class LinesPort : public StreamPort
 {
 public:
     /// The carrier stays owned by the caller and outlives this object; its handlers belong to this object from now on.
@@ -17,23 +17,12 @@ public:
     void takeCarrier();
 
     void setPortName(const QString &portText) override { carrier.setPortName(portText); }
-    void setSettings(const QString &settings) override { carrier.setSettings(settings); }
     bool open() override;
     [[nodiscard]] PortFault fault() const override { return carrier.fault(); }
     [[nodiscard]] QString faultText() const override { return carrier.faultText(); }
     [[nodiscard]] bool connecting() const override { return carrier.connecting(); }
     void close() override;
     [[nodiscard]] bool isOpen() const override { return carrier.isOpen(); }
-    void setHandshake(Handshake) override { }
-    void setDtr(bool) override { }
-    void setRts(bool) override { }
-    void setBreak(bool) override { }
-    [[nodiscard]] bool cts() const override { return true; }
-    void setInputLength(int bytes) override { inputLength = bytes; }
-    void setInputBufferSize(int) override { }
-    void setOutputBufferSize(int) override { }
-    void setReceiveThreshold(int bytes) override { threshold = bytes; }
-    void discardOutput() override { }
     [[nodiscard]] bool outputEmpty() const override { return carrier.outputEmpty(); }
     [[nodiscard]] int bytesWaiting() const override { return static_cast<int>(received.size()); }
     QByteArray read() override;
@@ -45,8 +34,6 @@ private:
     SerialPort &carrier;
     LocoNetLines lines;
     QByteArray received;
-    int inputLength = 0;
-    int threshold = 1;
 };
 
 } // namespace hr::platform

@@ -121,7 +121,7 @@ void SaveProblemReport(const BusTrace &lastMessages)
                                           "Ohne sie werden auch Namen von Benutzern und Rechnern ersetzt."),
         QStringLiteral("Problembericht"), BoxIcon::None};
     const bool shown = TheAsk().askYesNo(question, false);
-    if (!Busy() || BoxesAreSilent())
+    if (BoxesAreSilent())
         return;
     QString fileName = TheDesktop().saveFileName(QStringLiteral("Problembericht speichern"), QStringLiteral("*.txt"),
         DatedName(QStringLiteral("Problembericht")));

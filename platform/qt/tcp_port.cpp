@@ -15,10 +15,7 @@ TcpPort::TcpPort(Events &eventLoop) : events(eventLoop)
     QObject::connect(&socket, &QTcpSocket::connected, &socket, [this] { handleConnected(); });
     QObject::connect(&socket, &QTcpSocket::errorOccurred, &socket,
         [this](QAbstractSocket::SocketError error) { handleError(error); });
-    QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] {
-        if (threshold > 0 && bytesWaiting() >= threshold && onReceive)
-            onReceive();
-    });
+    QObject::connect(&socket, &QTcpSocket::readyRead, &socket, [this] { tellWaiting(); });
 }
 
 TcpPort::~TcpPort()
@@ -48,7 +45,7 @@ bool TcpPort::open()
         if (begun == opening && connecting())
             fail(PortFault::Other, QStringLiteral("%1 antwortet nicht innerhalb von 5 Sekunden."));
     });
-    return state != State::Closed; // an error may have come at once
+    return true;
 }
 
 /// %1 in the text is the port.
@@ -67,25 +64,32 @@ void TcpPort::handleConnected()
     state = State::Connected;
 }
 
+/// Handled from the event loop, since closing the socket inside its own signal is not safe.
 void TcpPort::handleError(QAbstractSocket::SocketError error)
 {
-    if (state == State::Connecting) {
-        if (error == QAbstractSocket::ConnectionRefusedError)
-            fail(PortFault::NotThere, QStringLiteral("%1: Dort nimmt kein Programm Verbindungen an."));
-        else if (error == QAbstractSocket::HostNotFoundError)
-            fail(PortFault::NotThere, QStringLiteral("%1: Diesen Rechner kennt das Netz nicht."));
-        else
-            fail(PortFault::Other, QStringLiteral("%1 ist nicht erreichbar: ") + socket.errorString());
+    if (state != State::Connecting && state != State::Connected)
         return;
-    }
-    if (state != State::Connected)
-        return;
-    // Told from the event loop, since closing the socket inside its own signal is not safe.
-    state = State::Lost;
-    events.post([this, lost = opening] {
-        if (lost == opening)
+    const bool lost = state == State::Connected;
+    if (lost)
+        state = State::Lost;
+    events.post([this, lost, error, text = socket.errorString(), concerned = opening] {
+        if (concerned != opening)
+            return;
+        if (lost)
             tellLoss();
+        else
+            failToConnect(error, text);
     });
+}
+
+void TcpPort::failToConnect(QAbstractSocket::SocketError error, const QString &text)
+{
+    if (error == QAbstractSocket::ConnectionRefusedError)
+        fail(PortFault::NotThere, QStringLiteral("%1: Dort nimmt kein Programm Verbindungen an."));
+    else if (error == QAbstractSocket::HostNotFoundError)
+        fail(PortFault::NotThere, QStringLiteral("%1: Diesen Rechner kennt das Netz nicht."));
+    else
+        fail(PortFault::Other, QStringLiteral("%1 ist nicht erreichbar: ") + text);
 }
 
 void TcpPort::tellLoss()

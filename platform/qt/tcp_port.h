@@ -2,14 +2,14 @@
 #pragma once
 
 #include "platform/events.h"
-#include "platform/serial_port.h"
+#include "platform/stream_port.h"
 
 #include <QTcpSocket>
 
 namespace hr::platform
 {
 
-class TcpPort : public SerialPort
+class TcpPort : public StreamPort
 {
 public:
     explicit TcpPort(Events &events);
@@ -18,7 +18,6 @@ public:
     TcpPort &operator=(const TcpPort &) = delete;
 
     void setPortName(const QString &portText) override { portName = portText; }
-    void setSettings(const QString &) override { }
 
     /// Begins to connect: see connecting(). What takes longer than 5 s has failed.
     bool open() override;
@@ -27,16 +26,6 @@ public:
     [[nodiscard]] bool connecting() const override { return state == State::Connecting; }
     void close() override;
     [[nodiscard]] bool isOpen() const override { return state != State::Closed; }
-    void setHandshake(Handshake) override { }
-    void setDtr(bool) override { }
-    void setRts(bool) override { }
-    void setBreak(bool) override { }
-    [[nodiscard]] bool cts() const override { return true; }
-    void setInputLength(int bytes) override { inputLength = bytes; }
-    void setInputBufferSize(int) override { }
-    void setOutputBufferSize(int) override { }
-    void setReceiveThreshold(int bytes) override { threshold = bytes; }
-    void discardOutput() override { } // what was handed to the network cannot be called back
     [[nodiscard]] bool outputEmpty() const override { return socket.bytesToWrite() == 0; }
     [[nodiscard]] int bytesWaiting() const override;
     QByteArray read() override;
@@ -47,6 +36,7 @@ private:
     void fail(PortFault fault, const QString &text);
     void handleConnected();
     void handleError(QAbstractSocket::SocketError error);
+    void failToConnect(QAbstractSocket::SocketError error, const QString &text);
     void tellLoss();
 
     Events &events;
@@ -55,8 +45,6 @@ private:
     State state = State::Closed;
     PortFault openFault = PortFault::None;
     QString reason;
-    int inputLength = 0;
-    int threshold = 1;
     int opening = 0; // counts the openings, so that what is late never concerns a newer one
 };
 

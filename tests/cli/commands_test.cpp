@@ -11,6 +11,7 @@
 #include "platform/qt/console.h"
 #include "program/run_control.h"
 #include "roster/loco_csv.h"
+#include "sim/demo_content.h"
 #include "tests/support/virtual_world.h"
 
 #include <QDir>
@@ -692,7 +693,7 @@ TEST_F(Calls, TheBusIsHeardAndNothingIsSent)
     call({"as objects", QStringLiteral("mitschnitt --json --dauer 2"), none, Exit::Done,
         QStringLiteral("\"bytes\":\"83 7C\""), names, 0, traffic});
     call({"into a file", QStringLiteral("mitschnitt --dauer 2 bus.lntrace"), none, Exit::Done,
-        QStringLiteral("1 Meldungen in "), names, 0, traffic});
+        QStringLiteral("bus.lntrace: 1"), names, 0, traffic});
     call({"which is there", QStringLiteral("mitschnitt --dauer 2 bus.lntrace"), QStringLiteral("n"), Exit::Stopped,
         QStringLiteral("Soll sie ersetzt werden?"), names, 0});
     call({"not that ending", QStringLiteral("mitschnitt bus.csv"), none, Exit::Usage, QStringLiteral(".lntrace"),
@@ -739,6 +740,20 @@ TEST_F(Calls, FilesOfAnotherKindAreNeitherReplacedNorTaken)
         QStringLiteral("Adresse 1"), names, 0});
     call({"the new one", QStringLiteral("tabelle schreiben --probe zuordnung zu.csv"), none, Exit::Done,
         QStringLiteral("Adresse 1"), names, 0});
+}
+
+TEST_F(Calls, ABrokenOffDownloadLeavesTheFile)
+{
+    for (const int after : {300, 1000, 2000, 3000}) { // ms: also where what came looks like a whole database
+        freshWorld();
+        layout().station.settings.present = true;
+        layout().station.locos = sim::DemoStationLocos();
+        fileWith(QStringLiteral("z.csv"), "alt\n");
+        events.after(after * 1000, TakeInterrupt);
+        call({"broken off", QStringLiteral("zentrale z.csv"), QStringLiteral("-"), Exit::Stopped,
+            QStringLiteral("Abgebrochen."), QStringLiteral("LOK 3,LOK 4,LOK 8,LOK 9,-"), 0});
+        EXPECT_EQ(ReadWholeFile(path(QStringLiteral("z.csv"))), QByteArray("alt\n")) << after;
+    }
 }
 
 TEST_F(Calls, ListsAreReadAsPeopleKeepThem)

@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/lines_port.h"
 #include "platform/port_name.h"
+#include "platform/stream_port.h"
 #include "platform/world.h"
 #include "program/run_control.h"
 #include "tests/support/virtual_world.h"
@@ -152,7 +153,7 @@ TEST(BusTraces, ComeBackFromTheirFileAndDamagedOnesAreRefusedWithTheirLine)
 }
 
 /// The text end of a server with the simulated layout behind it.
-class TextServer : public SerialPort
+class TextServer : public StreamPort
 {
 public:
     enum class Echo { BeforeSent, AfterSent, Never };
@@ -167,7 +168,6 @@ public:
     int refuseNext = 0;
 
     void setPortName(const QString &) override { }
-    void setSettings(const QString &) override { }
     bool open() override
     {
         bus.setSettings(QStringLiteral("115200,n,8,1"));
@@ -177,16 +177,6 @@ public:
     [[nodiscard]] PortFault fault() const override { return bus.fault(); }
     void close() override { bus.close(); }
     [[nodiscard]] bool isOpen() const override { return bus.isOpen(); }
-    void setHandshake(Handshake) override { }
-    void setDtr(bool) override { }
-    void setRts(bool) override { }
-    void setBreak(bool) override { }
-    [[nodiscard]] bool cts() const override { return true; }
-    void setInputLength(int) override { }
-    void setInputBufferSize(int) override { }
-    void setOutputBufferSize(int) override { }
-    void setReceiveThreshold(int) override { }
-    void discardOutput() override { }
     [[nodiscard]] int bytesWaiting() const override { return static_cast<int>(text.size()); }
     QByteArray read() override { return std::exchange(text, {}); }
     void write(const QByteArray &lines) override

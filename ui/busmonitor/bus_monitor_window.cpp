@@ -166,8 +166,7 @@ void BusMonitorWindow::listen()
             static_cast<void>(SetUpLink()); // what is wrong was told
     }
     if (!trace) {
-        if (!paused)
-            model->setRows({});
+        model->setRows({});
         trace = std::make_unique<BusTrace>();
         trace->onRow = [this](const TraceRow &row) { waiting.push_back(row); };
         looks = TheEvents().every(LookMs, [this] { takeNew(); });
@@ -259,7 +258,8 @@ void BusMonitorWindow::save()
     if (!fileName.endsWith(QStringLiteral(".lntrace"), Qt::CaseInsensitive))
         fileName += QStringLiteral(".lntrace");
     takeNew();
-    const std::vector<TraceRow> rows(model->all().begin(), model->all().end());
+    std::vector<TraceRow> rows(model->all().begin(), model->all().end());
+    rows.insert(rows.end(), waiting.begin(), waiting.end()); // heard in a pause
     if (trace ? !trace->keepIn(fileName, rows) : !WriteTrace(fileName, rows)) {
         ReportFileUnwritable(fileName);
         return;

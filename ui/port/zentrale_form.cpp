@@ -287,8 +287,7 @@ bool ZentraleForm::releasePort()
 
 void ZentraleForm::takeSettings()
 {
-    const int kind = NetworkPortOf(comPortNrTxt->text()) ? InterfaceDirect : chosenKind();
-    const LinkSettings chosen{{comPortNrTxt->text(), false}, kind};
+    const LinkSettings chosen{{comPortNrTxt->text(), false}, chosenKind()};
     if (chosen.interfaceType == InterfaceNone) {
         TheAsk().showBox({QStringLiteral("Bitte wählen Sie das Interface aus, das angeschlossen ist!"),
             QStringLiteral("Achtung!"), BoxIcon::None});
@@ -301,7 +300,7 @@ void ZentraleForm::takeSettings()
     PreferFast(schnellChk->isChecked());
     Q_EMIT interfaceChosen();
     hide();
-    WriteSettings(chosen);
+    WriteSettings(TheLink().settings());
     SelectionAnswer = SelectionRetry;
 }
 

@@ -1,7 +1,7 @@
 // The bus monitor, through its real controls, while the program works.
 #include "ui/busmonitor/bus_monitor_window.h"
 
-#include "link/link_state.h"
+#include "link/open_link.h"
 #include "platform/files.h"
 #include "platform/world.h"
 #include "program/run_control.h"
@@ -85,10 +85,13 @@ TEST_F(BusMonitor, PausesSavesAndShowsAnEarlierTrace)
     look();
     EXPECT_EQ(rows()->rowCount(), 0);
     EXPECT_TRUE(state().contains(QStringLiteral("1 neue warten"))) << state().toStdString();
+    user.ignoreTexts = true;
+    user.expect({}, {}, folder.filePath(QStringLiteral("pause.lntrace")));
+    in<QPushButton>("SpeichernBut")->click();
+    EXPECT_TRUE(ReadWholeFile(folder.filePath(QStringLiteral("pause.lntrace")))->contains("83 7C ;"));
     in<QPushButton>("PauseBut")->setChecked(false);
     EXPECT_EQ(rows()->rowCount(), 1);
     const QString file = folder.filePath(QStringLiteral("spur"));
-    user.ignoreTexts = true;
     user.expect({}, {}, file);
     in<QPushButton>("SpeichernBut")->click();
     layout().inject({0x82, 0x7D}); // what comes later goes there too
@@ -114,6 +117,20 @@ TEST_F(BusMonitor, PausesSavesAndShowsAnEarlierTrace)
     layout().inject({0x82, 0x7D});
     look();
     EXPECT_EQ(cell(0, 4), QStringLiteral("Fahrstrom aus")) << "it listens again";
+}
+
+TEST_F(BusMonitor, OpensAClosedPortAndTheNextCommandFindsTheHandheld)
+{
+    win()->close();
+    ClosePort();
+    TheLink().use({{QStringLiteral("3"), false}, InterfaceDirect});
+    trigger("busmonitor_menu");
+    EXPECT_TRUE(Comm().isOpen());
+    field("AdrTxt")->setText(QStringLiteral("3"));
+    click("LeseLokDatensatzBut");
+    EXPECT_EQ(field("LoknameTxt")->text(), QStringLiteral("BR 01 1066"));
+    look();
+    EXPECT_EQ(cell(0, 4), QStringLiteral("Handregler rufen oder in den Bedienmodus schicken"));
 }
 
 TEST_F(BusMonitor, AProblemReportTellsNothingPersonalUnlessItMay)
