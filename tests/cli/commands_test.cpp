@@ -667,9 +667,13 @@ TEST_F(Calls, AllSymbolsGoIntoAFolderAndOnlyWhatDiffersComesBack)
     EXPECT_TRUE(QFile::exists(path(file)));
     call({"the same", write + u" --auch-eingebaute", none, Exit::Done, QStringLiteral("Unverändert:"), names, 0});
     call({"what differs", write, QStringLiteral("j"), Exit::Done,
-        QStringLiteral("Funktionssymbole ON: 200|Übergangen: 1 Bilder"), names, 1,
-        [this] { flash().setBytes(FktSymbolAddress + 200 * 64 + 4, QByteArray(9, '\x11')); }});
-    EXPECT_EQ(flash().state.memory, before) << "as it was";
+        QStringLiteral("Funktionssymbole ON: 200|Übergangen: 1 Bilder"), names, 1, [this] {
+            for (const int number : {12, 200})
+                flash().setBytes(FktSymbolAddress + number * 64 + 4, QByteArray(9, '\x11'));
+        }});
+    EXPECT_EQ(flashBytes(FktSymbolAddress + 12 * 64 + 4, 9), QByteArray(9, '\x11')) << "a built-in one stays";
+    flash().setBytes(FktSymbolAddress + 12 * 64 + 4, QByteArray(9, '\x54'));
+    EXPECT_EQ(flash().state.memory, before);
     const auto doubled = QStringLiteral("bilder.d/LokfktSymbole/200 anders %on%.BMP");
     call({"two files for one symbol", write, none, Exit::Usage,
         QStringLiteral("Funktionssymbol 200 ON steht in zwei Dateien|Kein Symbol, übergangen:"), names, 0, [&] {

@@ -246,7 +246,7 @@ protected:
     void begin()
     {
         driveLink();
-        TheLink().use({{QStringLiteral("anlage:1234"), false}, InterfaceDirect});
+        TheLink().use({{QStringLiteral("anlage:1234"), false}, Interface48230}); // it counts as the direct one
         EXPECT_TRUE(SetUpLink().ok());
     }
     QByteArray backup()
