@@ -135,8 +135,9 @@ public:
     /// For so many seconds an answer of this kind may still come late; 0 when none can.
     [[nodiscard]] double secondsOwed(Expects kind) const;
 
-    /// Whoever passes the message in the slot on says that it was not sent: the slot is free, no answer is owed, and the user
-    /// sees the reason in the box of a message without an echo. Without effect when none waits for its echo.
+    /// Whoever passes the message in the slot on says that it was not sent: the slot is free, and the user sees the reason in
+    /// the box of a message without an echo. It may have been on the bus all the same: its answer stays owed. Without effect
+    /// when none waits for its echo.
     void refuse(const QString &reason);
     [[nodiscard]] bool refused() const { return wasRefused; }
 

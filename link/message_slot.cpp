@@ -138,7 +138,6 @@ void MessageLayer::refuse(const QString &reason)
         return;
     freeSlot();
     AwaitingAck = false;
-    awaited.missed = true; // it was never asked
     wasRefused = true;
     tellNotSent(reason);
 }

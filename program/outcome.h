@@ -14,7 +14,7 @@ namespace hr::program
 enum class End {
     Done,
     NoAnswer,       // the request went out, its answer did not come in time
-    NotSent,        // the request could not be sent: the message slot stayed occupied
+    NotSent,        // the request could not be sent: the slot stayed occupied, or who passes it on said so
     Damaged,        // an answer came, but its checksum is wrong: what it brought is doubtful
     Refused,        // the device answered with another code than the one for "done"
     Differs,        // a page was programmed, and the chip says that it does not hold what it should
